@@ -1,0 +1,25 @@
+#pragma once
+
+#include <QString>
+
+#include <map>
+#include <string>
+
+// Figures collected while the benchmarks run and printed at the end, one
+// `name: value unit` line each.
+namespace BenchFigures {
+
+// Mean real time of a finished benchmark, in milliseconds (empty when it did not run).
+double milliseconds(const std::string &benchmarkName);
+void recordMilliseconds(const std::string &benchmarkName, double value);
+
+void set(const std::string &figure, double value, const std::string &unit = {});
+void print();
+
+// Where benchmarks keep their generated data, inside the build tree.
+QString dataDirectory();
+
+// Bytes the allocator currently hands out (all arenas, mmapped blocks included).
+size_t allocatedBytes();
+
+} // namespace BenchFigures

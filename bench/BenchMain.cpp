@@ -1,0 +1,47 @@
+// Runs every benchmark, then prints one `name: value unit` line per figure.
+#include "BenchFigures.h"
+
+#include <QCoreApplication>
+#include <QLocale>
+
+#include <benchmark/benchmark.h>
+
+namespace {
+
+// Keeps the usual console table and remembers each benchmark's mean time.
+class RecordingReporter : public benchmark::ConsoleReporter
+{
+public:
+    void ReportRuns(const std::vector<Run> &runs) override
+    {
+        ConsoleReporter::ReportRuns(runs);
+        for (const Run &run : runs) {
+            if (run.run_type != Run::RT_Iteration || run.error_occurred)
+                continue;
+            // The adjusted time is in the run's own unit; the multiplier is units per second.
+            const double seconds = run.GetAdjustedRealTime() / benchmark::GetTimeUnitMultiplier(run.time_unit);
+            BenchFigures::recordMilliseconds(run.run_name.function_name, seconds * 1000.0);
+        }
+    }
+};
+
+} // namespace
+
+// Each file of benchmarks adds its figures from the recorded times here.
+void addScanFigures();
+
+int main(int argc, char **argv)
+{
+    QCoreApplication app(argc, argv);
+    if (QLocale().language() == QLocale::C)
+        QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
+    benchmark::Initialize(&argc, argv);
+    RecordingReporter reporter;
+    benchmark::RunSpecifiedBenchmarks(&reporter);
+    benchmark::Shutdown();
+
+    addScanFigures();
+    std::printf("\n");
+    BenchFigures::print();
+    return 0;
+}

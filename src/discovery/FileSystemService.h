@@ -1,0 +1,95 @@
+#pragma once
+
+#include "model/CancellationToken.h"
+#include "model/FontNode.h"
+#include "NameCollator.h"
+
+#include <QCollator>
+#include <QHash>
+#include <QList>
+#include <QLocale>
+#include <QSet>
+#include <QString>
+
+#include <optional>
+#include <span>
+#include <vector>
+
+// Walks the source folders once per library refresh and answers every later
+// question about them (children, fonts below, holds fonts, exists) by lookup.
+// Filled by one job, then frozen and only read; a refresh builds a new one.
+//
+// Fonts are stored once, in depth-first order: the fonts below any folder are one
+// contiguous run of that pool, so a folder's font list costs two integers.
+class FileSystemService
+{
+public:
+    struct ScanResult
+    {
+        std::span<const FontNode> allFonts; // valid until the next scan on this service
+        bool containsFonts = false;
+    };
+
+    explicit FileSystemService(CancellationToken cancellation = {}, const QLocale &locale = QLocale());
+
+    // Scans `path` and every folder below it, once per service. Returns at once
+    // from the cache when `path` was scanned already.
+    ScanResult deepScan(const QString &path);
+    // Every folder below `path` that holds fonts, read from the cache only.
+    QList<FontNode> allFolders(const QString &path) const;
+    // Notes `path` as existing when a file or folder is there (links followed).
+    void recordExistence(const QString &path);
+    // True when the root was not yet in the set.
+    bool insertPreScannedRoot(const QString &path);
+    void freeze();
+
+    // Readers: the children cache (subfolders holding fonts, then fonts, each sorted
+    // by name), the all-fonts cache, the holds-fonts cache and the existing paths.
+    bool hasChildrenEntry(const QString &path) const { return m_folders.contains(path); }
+    QList<FontNode> children(const QString &path) const;
+    std::span<const FontNode> allFonts(const QString &path) const;
+    std::optional<bool> containsFonts(const QString &path) const;
+    bool exists(const QString &path) const;
+
+    bool isFrozen() const { return m_frozen; }
+    const QSet<QString> &visitedDirectories() const { return m_visitedDirectories; }
+    const QSet<QString> &preScannedRoots() const { return m_preScannedRoots; }
+    qsizetype fontCount() const { return static_cast<qsizetype>(m_fontPool.size()); }
+    qsizetype folderCount() const { return m_folders.size(); }
+
+private:
+    struct FolderEntry
+    {
+        QList<FontNode> children;
+        quint32 fontsBegin = 0;
+        quint32 fontsEnd = 0;
+        bool listed = false; // false: the folder could not be read
+    };
+    struct ListedEntry
+    {
+        QString path;
+        bool isFolder = false;
+    };
+    struct Range
+    {
+        quint32 begin = 0;
+        quint32 end = 0;
+        bool cancelled = false;
+    };
+
+    Range scanFolder(const QString &path);
+    Range appendCachedFonts(const FolderEntry &entry);
+    static bool listFolder(const QString &path, std::vector<ListedEntry> &entries);
+    void ensureWritable(const char *operation) const;
+
+    CancellationToken m_cancellation;
+    NameCollator m_collator;
+    bool m_frozen = false;
+    // Paths recorded one by one (collection members). Scanned folders and fonts
+    // are known to exist through the caches, which saves a set of every path.
+    QSet<QString> m_existingPaths;
+    QSet<QString> m_visitedDirectories;
+    QSet<QString> m_preScannedRoots;
+    QHash<QString, FolderEntry> m_folders;
+    std::vector<FontNode> m_fontPool;
+};

@@ -1,0 +1,19 @@
+#pragma once
+
+#include "FolderSource.h"
+#include "FontNode.h"
+
+#include <QList>
+
+// One folder-search hit. The id joins the source's UUID and the folder's path, so the
+// same folder under two sources gives two results.
+struct FolderSearchResult
+{
+    QString id;
+    FontNode folder;
+    FolderSource source;
+    QList<FontNode> navigationPath;
+
+    static FolderSearchResult make(const FontNode &folder, const FolderSource &source,
+                                   QList<FontNode> navigationPath);
+};

@@ -1,0 +1,31 @@
+#pragma once
+
+#include "CollectionRecords.h"
+#include "FolderSource.h"
+
+#include <variant>
+
+// The sidebar's selection: a source or a collection. Equal when of the same kind
+// with the same id, so a renamed collection still matches the older selection.
+class SidebarItem
+{
+public:
+    explicit SidebarItem(FolderSource source) : m_payload(std::move(source)) {}
+    explicit SidebarItem(FontCollection collection) : m_payload(std::move(collection)) {}
+
+    bool isSource() const { return m_payload.index() == 0; }
+    bool isCollection() const { return m_payload.index() == 1; }
+    const FolderSource *source() const { return std::get_if<FolderSource>(&m_payload); }
+    const FontCollection *collection() const { return std::get_if<FontCollection>(&m_payload); }
+    QUuid payloadId() const;
+
+    friend bool operator==(const SidebarItem &a, const SidebarItem &b)
+    {
+        return a.m_payload.index() == b.m_payload.index() && a.payloadId() == b.payloadId();
+    }
+
+private:
+    std::variant<FolderSource, FontCollection> m_payload;
+};
+
+size_t qHash(const SidebarItem &item, size_t seed = 0) noexcept;

@@ -1,0 +1,10 @@
+#include "MainWindow.h"
+
+using namespace Qt::StringLiterals;
+
+MainWindow::MainWindow(QWidget *parent)
+    : QMainWindow(parent)
+{
+    setWindowTitle(u"Morvane"_s);
+    resize(1100, 700);
+}

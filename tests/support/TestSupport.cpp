@@ -1,0 +1,118 @@
+// Isolation of every test: HOME and the XDG folders point at a fresh temporary
+// folder before anything runs, and at a new one before each test, so no test can
+// reach the real user's fonts, tags or settings.
+#include "TestSupport.h"
+
+#include <QDir>
+#include <QFile>
+#include <QLocale>
+#include <QStandardPaths>
+#include <QTemporaryDir>
+
+
+#include <cstdlib>
+#include <memory>
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+std::unique_ptr<QTemporaryDir> g_processRoot;
+QString g_testRoot;
+int g_testCounter = 0;
+
+void pointEnvironmentAt(const QString &root)
+{
+    const auto setFolder = [&root](const char *variable, const QString &sub) {
+        const QString path = root + u'/' + sub;
+        QDir().mkpath(path);
+        qputenv(variable, QFile::encodeName(path));
+    };
+    setFolder("HOME", u"home"_s);
+    setFolder("XDG_DATA_HOME", u"home/.local/share"_s);
+    setFolder("XDG_CONFIG_HOME", u"home/.config"_s);
+    setFolder("XDG_CACHE_HOME", u"home/.cache"_s);
+    setFolder("XDG_RUNTIME_DIR", u"runtime"_s);
+    QFile::setPermissions(root + u"/runtime"_s, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    g_testRoot = root;
+}
+
+class FreshFolderPerTest : public testing::EmptyTestEventListener
+{
+    void OnTestStart(const testing::TestInfo &) override
+    {
+        pointEnvironmentAt(g_processRoot->path() + u"/test-"_s + QString::number(++g_testCounter));
+    }
+};
+
+} // namespace
+
+void PrintTo(const QString &text, std::ostream *out)
+{
+    *out << '"' << text.toStdString() << '"';
+}
+
+void PrintTo(const QByteArray &bytes, std::ostream *out)
+{
+    *out << '"' << bytes.toStdString() << '"';
+}
+
+void PrintTo(const QStringList &list, std::ostream *out)
+{
+    *out << '[' << list.join(u", "_s).toStdString() << ']';
+}
+
+namespace TestSupport {
+
+QString testRoot()
+{
+    return g_testRoot;
+}
+
+QString makeDir(const QString &path)
+{
+    EXPECT_TRUE(QDir().mkpath(path)) << path.toStdString();
+    return path;
+}
+
+QString writeFile(const QString &path, const QByteArray &content)
+{
+    QDir().mkpath(path.section(u'/', 0, -2));
+    QFile file(path);
+    EXPECT_TRUE(file.open(QIODevice::WriteOnly)) << path.toStdString();
+    file.write(content);
+    return path;
+}
+
+void makeSymlink(const QString &target, const QString &linkPath)
+{
+    EXPECT_EQ(::symlink(QFile::encodeName(target).constData(), QFile::encodeName(linkPath).constData()), 0)
+        << linkPath.toStdString();
+}
+
+bool isolateProcess()
+{
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    g_processRoot = std::make_unique<QTemporaryDir>(QDir::tempPath() + u"/morvane-test-XXXXXX"_s);
+    if (!g_processRoot->isValid())
+        return false;
+    pointEnvironmentAt(g_processRoot->path() + u"/process"_s);
+    // ICU collation needs a real locale; the C locale would bypass it.
+    QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
+    return true;
+}
+
+void isolateEachTest()
+{
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    testing::UnitTest::GetInstance()->listeners().Append(new FreshFolderPerTest);
+}
+
+void removeProcessRoot()
+{
+    g_processRoot.reset();
+}
+
+} // namespace TestSupport
+

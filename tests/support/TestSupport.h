@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+#include <QStringList>
+
+#include <gtest/gtest.h>
+
+#include <ostream>
+
+// Lets GoogleTest print Qt strings in failure messages.
+void PrintTo(const QString &text, std::ostream *out);
+void PrintTo(const QByteArray &bytes, std::ostream *out);
+void PrintTo(const QStringList &list, std::ostream *out);
+
+namespace TestSupport {
+
+// The fresh, private folder this test runs in. HOME and the XDG folders point inside it.
+QString testRoot();
+
+// Small helpers for building real trees; each fails the test on error.
+QString makeDir(const QString &path);
+QString writeFile(const QString &path, const QByteArray &content = {});
+void makeSymlink(const QString &target, const QString &linkPath);
+
+// Used by the shared main: isolate before the application object exists.
+bool isolateProcess();
+void isolateEachTest();
+void removeProcessRoot();
+
+} // namespace TestSupport

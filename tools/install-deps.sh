@@ -1,0 +1,39 @@
+#!/usr/bin/env bash
+# Installs the Debian 12 packages Morvane needs to build, test and benchmark.
+# Installs only what is missing; does nothing (and needs no network) when all is present.
+set -euo pipefail
+
+packages=(
+  # toolchain
+  g++ cmake make pkg-config
+  # Qt 6 (Core, Gui, Widgets, Concurrent, DBus, Test) and SVG icons
+  qt6-base-dev qt6-base-dev-tools qt6-svg-dev libgl-dev
+  # coroutines over QFuture
+  qcoro-qt6-dev
+  # font parsing, shaping and registration
+  libfreetype-dev libharfbuzz-dev libfontconfig-dev fontconfig
+  # tests and benchmarks
+  libgtest-dev libgmock-dev libbenchmark-dev
+  # real fonts for tests, and a generator for fonts with chosen names and axes
+  fonts-dejavu-core fonts-inter-variable python3 python3-fonttools
+)
+
+missing=()
+for p in "${packages[@]}"; do
+  if ! dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q 'install ok installed'; then
+    missing+=("$p")
+  fi
+done
+
+if [ ${#missing[@]} -eq 0 ]; then
+  exit 0
+fi
+
+echo "Installing missing packages: ${missing[*]}"
+sudo_cmd=()
+if [ "$(id -u)" -ne 0 ]; then
+  sudo_cmd=(sudo)
+fi
+export DEBIAN_FRONTEND=noninteractive
+"${sudo_cmd[@]}" apt-get update -qq
+"${sudo_cmd[@]}" apt-get install -y -qq --no-install-recommends "${missing[@]}"
