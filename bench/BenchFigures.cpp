@@ -1,5 +1,6 @@
 #include "BenchFigures.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <malloc.h>
 #include <vector>
@@ -27,7 +28,25 @@ std::vector<Figure> &figures()
     return list;
 }
 
+std::vector<void (*)()> &finishers()
+{
+    static std::vector<void (*)()> list;
+    return list;
+}
+
 } // namespace
+
+bool onFinish(void (*addFigures)())
+{
+    finishers().push_back(addFigures);
+    return true;
+}
+
+void finish()
+{
+    for (auto addFigures : finishers())
+        addFigures();
+}
 
 double milliseconds(const std::string &benchmarkName)
 {
@@ -61,6 +80,11 @@ void print()
             std::printf("%s: %.2f %s\n", figure.name.c_str(), figure.value, figure.unit.c_str());
     }
     std::fflush(stdout);
+}
+
+double fastest(const std::vector<double> &values)
+{
+    return values.empty() ? 0.0 : *std::min_element(values.begin(), values.end());
 }
 
 QString dataDirectory()

@@ -2,6 +2,7 @@
 
 #include <QString>
 
+#include <functional>
 #include <map>
 #include <string>
 
@@ -14,7 +15,14 @@ double milliseconds(const std::string &benchmarkName);
 void recordMilliseconds(const std::string &benchmarkName, double value);
 
 void set(const std::string &figure, double value, const std::string &unit = {});
+// Each benchmark file registers how it turns recorded times into figures; they run
+// after all benchmarks, in registration order.
+bool onFinish(void (*addFigures)());
+void finish();
 void print();
+
+// Statistic for repeated benchmarks: the fastest repetition.
+double fastest(const std::vector<double> &values);
 
 // Where benchmarks keep their generated data, inside the build tree.
 QString dataDirectory();

@@ -7,67 +7,9 @@
 #include <cstdlib>
 #include <cstring>
 
-#include <dirent.h>
 #include <sys/stat.h>
 
 namespace {
-
-// File names are bytes on Linux. A name that is not valid UTF-8 can't be turned
-// into a path string that leads back to the file, so the scan skips it.
-bool isValidUtf8(const unsigned char *s, size_t length)
-{
-    size_t i = 0;
-    while (i < length) {
-        const unsigned char c = s[i];
-        if (c < 0x80) {
-            ++i;
-            continue;
-        }
-        size_t extra = 0;
-        unsigned int codePoint = 0;
-        if ((c & 0xE0) == 0xC0) {
-            extra = 1;
-            codePoint = c & 0x1F;
-        } else if ((c & 0xF0) == 0xE0) {
-            extra = 2;
-            codePoint = c & 0x0F;
-        } else if ((c & 0xF8) == 0xF0) {
-            extra = 3;
-            codePoint = c & 0x07;
-        } else {
-            return false;
-        }
-        if (i + extra >= length)
-            return false;
-        for (size_t k = 1; k <= extra; ++k) {
-            if ((s[i + k] & 0xC0) != 0x80)
-                return false;
-            codePoint = (codePoint << 6) | (s[i + k] & 0x3F);
-        }
-        static const unsigned int minimum[] = {0, 0x80, 0x800, 0x10000};
-        if (codePoint < minimum[extra] || codePoint > 0x10FFFF || (codePoint >= 0xD800 && codePoint <= 0xDFFF))
-            return false;
-        i += extra + 1;
-    }
-    return true;
-}
-
-// The child's path, built in one allocation; empty when the name is not UTF-8.
-QString childPath(const QString &prefix, const char *name, size_t length)
-{
-    const auto *bytes = reinterpret_cast<const unsigned char *>(name);
-    const bool ascii = std::all_of(bytes, bytes + length, [](unsigned char c) { return c < 0x80; });
-    if (!ascii && !isValidUtf8(bytes, length))
-        return {};
-    QString path;
-    path.reserve(prefix.size() + static_cast<qsizetype>(length));
-    path.append(prefix);
-    if (ascii)
-        path.append(QLatin1StringView(name, static_cast<qsizetype>(length)));
-    else
-        path.append(QString::fromUtf8(name, static_cast<qsizetype>(length)));
-    return path;
-}
 
 QString withoutTrailingSlash(QString path)
 {
@@ -78,9 +20,10 @@ QString withoutTrailingSlash(QString path)
 
 } // namespace
 
-FileSystemService::FileSystemService(CancellationToken cancellation, const QLocale &locale)
+FileSystemService::FileSystemService(CancellationToken cancellation, const QLocale &locale, Listing listing)
     : m_cancellation(std::move(cancellation))
     , m_collator(locale)
+    , m_listing(listing)
 {
 }
 
@@ -96,9 +39,13 @@ void FileSystemService::ensureWritable(const char *operation) const
 FileSystemService::ScanResult FileSystemService::deepScan(const QString &path)
 {
     const QString cleanPath = withoutTrailingSlash(path);
-    if (!m_folders.contains(cleanPath))
+    const bool cached = m_folders.contains(cleanPath);
+    if (!cached)
         ensureWritable("deepScan");
+    if (!cached && m_listing == Listing::Ahead)
+        m_prefetcher = std::make_unique<ListingPrefetcher>(cleanPath);
     const Range range = scanFolder(cleanPath);
+    m_prefetcher.reset();
     const std::span<const FontNode> fonts(m_fontPool.data() + range.begin, range.end - range.begin);
     return {fonts, !fonts.empty()};
 }
@@ -127,8 +74,8 @@ FileSystemService::Range FileSystemService::scanFolder(const QString &path)
         return {start, start, false};
     m_visitedDirectories.insert(path);
 
-    std::vector<ListedEntry> listed;
-    if (!listFolder(path, listed)) {
+    const FolderListing listing = listFolder(path);
+    if (!listing.readable) {
         // Unreadable: remembered as empty and fontless, siblings go on. It may
         // still exist (no permission) or be gone (vanished mid-scan).
         struct stat info{};
@@ -140,19 +87,23 @@ FileSystemService::Range FileSystemService::scanFolder(const QString &path)
 
     std::vector<FontNode> folders;
     std::vector<FontNode> fonts;
-    for (const ListedEntry &entry : listed) {
+    const QString prefix = listing.prefix();
+    for (const FolderListing::Entry &entry : listing.entries) {
         if (m_cancellation.isCancelled())
             return {start, start, true};
+        std::optional<FontNode> node = listing.node(prefix, entry);
+        if (!node)
+            continue;
         if (!entry.isFolder) {
-            FontNode node = FontNode::fontFile(entry.path);
-            m_fontPool.push_back(node);
-            fonts.push_back(std::move(node));
+            m_fontPool.push_back(*node);
+            fonts.push_back(std::move(*node));
             continue;
         }
-        const auto subCached = m_folders.constFind(entry.path);
-        const Range sub = subCached != m_folders.cend() ? appendCachedFonts(*subCached) : scanFolder(entry.path);
+        const QString &childPath = node->path();
+        const auto subCached = m_folders.constFind(childPath);
+        const Range sub = subCached != m_folders.cend() ? appendCachedFonts(*subCached) : scanFolder(childPath);
         if (sub.end > sub.begin)
-            folders.push_back(FontNode::folder(entry.path));
+            folders.push_back(std::move(*node));
     }
     // A cancellation inside the last subfolder must not leave a partial run cached.
     if (m_cancellation.isCancelled())
@@ -170,40 +121,17 @@ FileSystemService::Range FileSystemService::scanFolder(const QString &path)
     folderEntry.fontsBegin = start;
     folderEntry.fontsEnd = static_cast<quint32>(m_fontPool.size());
     folderEntry.listed = true;
-    m_folders.insert(path, std::move(folderEntry));
+    m_folders.emplace(path, std::move(folderEntry));
     return {start, static_cast<quint32>(m_fontPool.size()), false};
 }
 
-// Lists with readdir and d_type; lstat only when the file system leaves the type
-// unknown. Hidden means a leading dot. A symbolic link is never descended into: it
-// counts as a file and is judged by its name, so a link named x.ttf is a font.
-// Files that are not fonts never become nodes, so no string is built for them.
-bool FileSystemService::listFolder(const QString &path, std::vector<ListedEntry> &entries)
+FolderListing FileSystemService::listFolder(const QString &path)
 {
-    const QByteArray encoded = QFile::encodeName(path);
-    DIR *dir = ::opendir(encoded.constData());
-    if (!dir)
-        return false;
-    const QString prefix = path.endsWith(u'/') ? path : path + u'/';
-    // Read everything first and close: deep trees must not hold one descriptor per level.
-    while (const dirent *entry = ::readdir(dir)) {
-        if (entry->d_name[0] == '.')
-            continue;
-        const size_t length = std::strlen(entry->d_name);
-        bool isFolder = entry->d_type == DT_DIR;
-        if (entry->d_type == DT_UNKNOWN) {
-            struct stat info{};
-            const QByteArray child = encoded + '/' + QByteArray(entry->d_name, static_cast<qsizetype>(length));
-            isFolder = ::lstat(child.constData(), &info) == 0 && S_ISDIR(info.st_mode);
-        }
-        if (!isFolder && !isFontFileName(entry->d_name, length))
-            continue;
-        QString child = childPath(prefix, entry->d_name, length);
-        if (!child.isEmpty())
-            entries.push_back({std::move(child), isFolder});
+    if (m_prefetcher) {
+        if (std::optional<FolderListing> listing = m_prefetcher->take(path))
+            return std::move(*listing);
     }
-    ::closedir(dir);
-    return true;
+    return FolderListing::read(path);
 }
 
 QList<FontNode> FileSystemService::allFolders(const QString &path) const

@@ -2,6 +2,7 @@
 
 #include "model/CancellationToken.h"
 #include "model/FontNode.h"
+#include "FolderListing.h"
 #include "NameCollator.h"
 
 #include <QCollator>
@@ -11,6 +12,7 @@
 #include <QSet>
 #include <QString>
 
+#include <memory>
 #include <optional>
 #include <span>
 #include <vector>
@@ -30,7 +32,12 @@ public:
         bool containsFonts = false;
     };
 
-    explicit FileSystemService(CancellationToken cancellation = {}, const QLocale &locale = QLocale());
+    // Ahead: a helper thread reads folders ahead of the scan. Inline: every folder is
+    // read at the moment the scan reaches it (tests that change the tree mid-scan).
+    enum class Listing { Ahead, Inline };
+
+    explicit FileSystemService(CancellationToken cancellation = {}, const QLocale &locale = QLocale(),
+                               Listing listing = Listing::Ahead);
 
     // Scans `path` and every folder below it, once per service. Returns at once
     // from the cache when `path` was scanned already.
@@ -65,11 +72,6 @@ private:
         quint32 fontsEnd = 0;
         bool listed = false; // false: the folder could not be read
     };
-    struct ListedEntry
-    {
-        QString path;
-        bool isFolder = false;
-    };
     struct Range
     {
         quint32 begin = 0;
@@ -79,11 +81,13 @@ private:
 
     Range scanFolder(const QString &path);
     Range appendCachedFonts(const FolderEntry &entry);
-    static bool listFolder(const QString &path, std::vector<ListedEntry> &entries);
+    FolderListing listFolder(const QString &path);
     void ensureWritable(const char *operation) const;
 
     CancellationToken m_cancellation;
     NameCollator m_collator;
+    Listing m_listing;
+    std::unique_ptr<ListingPrefetcher> m_prefetcher; // only while deepScan runs
     bool m_frozen = false;
     // Paths recorded one by one (collection members). Scanned folders and fonts
     // are known to exist through the caches, which saves a set of every path.

@@ -74,6 +74,16 @@ FontNode FontNode::fromPath(const QString &path)
     return node;
 }
 
+FontNode FontNode::scanned(QString path, qsizetype nameOffset, bool isDirectory)
+{
+    FontNode node;
+    node.m_path = std::move(path);
+    node.m_nameOffset = static_cast<qint32>(nameOffset);
+    node.m_isDirectory = isDirectory;
+    node.m_isFont = !isDirectory;
+    return node;
+}
+
 FontNode FontNode::folder(const QString &path)
 {
     return FontNode(path, true, false);

@@ -24,6 +24,8 @@ public:
     static FontNode fromPath(const QString &path);
     static FontNode folder(const QString &path);
     static FontNode fontFile(const QString &path);
+    // For the scanner, which knows where the name starts.
+    static FontNode scanned(QString path, qsizetype nameOffset, bool isDirectory);
 
     const QString &id() const { return m_path; }
     const QString &path() const { return m_path; }

@@ -160,10 +160,11 @@ TEST_F(ScanTest, UnreadableVanishedAndTooDeepFoldersAreEmptyAndTheScanGoesOn)
     int polls = 0;
     const QString vanishing = root + u"/Vanish"_s;
     FileSystemService service(CancellationToken::fromCheck([&] {
-        if (++polls == 2)
-            QDir(vanishing).removeRecursively();
-        return false;
-    }));
+                                  if (++polls == 2)
+                                      QDir(vanishing).removeRecursively();
+                                  return false;
+                              }),
+                              QLocale(), FileSystemService::Listing::Inline);
     const auto result = service.deepScan(root);
     QFile::setPermissions(root + u"/Locked"_s, QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
 
@@ -294,4 +295,30 @@ TEST_F(ScanTest, ExistenceRecordingAndFreezing)
     EXPECT_DEATH(service.recordExistence(member), "frozen");
     EXPECT_DEATH(service.deepScan(testRoot()), "frozen");
     EXPECT_DEATH(service.insertPreScannedRoot(testRoot()), "frozen");
+}
+
+TEST_F(ScanTest, ReadingAheadBuildsTheSameCachesAsReadingInline)
+{
+    // Wide and deep enough for the reader to run ahead and batch, with an inner
+    // folder scanned first so the reader's listings of it must be skipped.
+    for (int a = 0; a < 12; ++a)
+        for (int b = 0; b < 6; ++b)
+            for (int f = 0; f < 3; ++f)
+                writeFile(root + u"/F%1/G%2/H/font %3.otf"_s.arg(a).arg(b).arg(f));
+    writeFile(root + u"/F3/none.txt"_s);
+    auto build = [this](FileSystemService::Listing mode) {
+        auto service = std::make_unique<FileSystemService>(CancellationToken(), QLocale(), mode);
+        service->deepScan(root + u"/F5/G2"_s);
+        service->deepScan(root);
+        return service;
+    };
+    const auto ahead = build(FileSystemService::Listing::Ahead);
+    const auto inline_ = build(FileSystemService::Listing::Inline);
+    ASSERT_EQ(ahead->folderCount(), inline_->folderCount());
+    EXPECT_EQ(paths(ahead->allFonts(root), root), paths(inline_->allFonts(root), root));
+    EXPECT_EQ(ahead->allFonts(root).size(), 12u * 6u * 3u);
+    for (const FontNode &folder : inline_->allFolders(root)) {
+        EXPECT_EQ(ahead->children(folder.path()), inline_->children(folder.path())) << folder.path().toStdString();
+        EXPECT_EQ(paths(ahead->allFonts(folder.path()), root), paths(inline_->allFonts(folder.path()), root));
+    }
 }

@@ -91,6 +91,13 @@ void makeSymlink(const QString &target, const QString &linkPath)
         << linkPath.toStdString();
 }
 
+QByteArray readFile(const QString &path)
+{
+    QFile file(path);
+    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << path.toStdString();
+    return file.readAll();
+}
+
 bool isolateProcess()
 {
     qputenv("QT_QPA_PLATFORM", "offscreen");

@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <ostream>
 
 // Lets GoogleTest print Qt strings in failure messages.
@@ -22,6 +23,17 @@ QString testRoot();
 QString makeDir(const QString &path);
 QString writeFile(const QString &path, const QByteArray &content = {});
 void makeSymlink(const QString &target, const QString &linkPath);
+QByteArray readFile(const QString &path);
+
+// What `action` printed on standard output.
+template <typename Action>
+QString capturedStdout(Action action)
+{
+    testing::internal::CaptureStdout();
+    action();
+    std::fflush(stdout);
+    return QString::fromStdString(testing::internal::GetCapturedStdout());
+}
 
 // Used by the shared main: isolate before the application object exists.
 bool isolateProcess();
