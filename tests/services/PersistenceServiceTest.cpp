@@ -8,6 +8,9 @@
 #include <QSettings>
 #include <QStandardPaths>
 
+#include <csignal>
+#include <sys/resource.h>
+
 using namespace Qt::StringLiterals;
 using namespace TestSupport;
 
@@ -218,4 +221,31 @@ TEST(Persistence, PreviewSettingsDefaultAndPersistAtOnce)
     }
     persistence.setPreviewText(QString());
     EXPECT_EQ(PersistenceService().previewText(), QString()); // an empty text is a choice, not a missing one
+}
+
+TEST(Persistence, AWriteThatRunsOutOfSpaceLeavesThePreviousFile)
+{
+    PersistenceService persistence;
+    const QList<FolderSource> before{{kId, u"/a"_s, u"a"_s}};
+    persistence.saveSources(before);
+    const QByteArray saved = readFile(storage() + u"/sources.json"_s);
+
+    // A file size limit makes the write fail the way a full disk does.
+    QList<FolderSource> many;
+    for (int i = 0; i < 200; ++i)
+        many.append({QUuid::createUuid(), u"/fonts/folder %1"_s.arg(i), u"folder %1"_s.arg(i)});
+    rlimit previous{};
+    ::getrlimit(RLIMIT_FSIZE, &previous);
+    const auto oldHandler = std::signal(SIGXFSZ, SIG_IGN);
+    rlimit tiny = previous;
+    tiny.rlim_cur = 512;
+    ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &tiny), 0);
+    const QString output = capturedStdout([&] { persistence.saveSources(many); });
+    ::setrlimit(RLIMIT_FSIZE, &previous);
+    std::signal(SIGXFSZ, oldHandler);
+
+    EXPECT_TRUE(output.startsWith(u"Failed to save sources: "_s)) << output.toStdString();
+    EXPECT_EQ(readFile(storage() + u"/sources.json"_s), saved);
+    EXPECT_EQ(persistence.loadSources(), before);
+    EXPECT_EQ(QDir(storage()).entryList(QDir::Files), QStringList{u"sources.json"_s}); // no temporary left behind
 }
