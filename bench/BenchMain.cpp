@@ -2,6 +2,8 @@
 #include "BenchFigures.h"
 
 #include <QCoreApplication>
+#include <QDir>
+#include <QFile>
 #include <QLocale>
 
 #include <benchmark/benchmark.h>
@@ -31,8 +33,23 @@ public:
 
 } // namespace
 
+// Benchmarks activate fonts and write caches: point HOME and the XDG folders into
+// the build tree first, so the user's own fonts and settings are never touched.
+void isolateFromTheUser()
+{
+    const QString home = BenchFigures::dataDirectory() + QStringLiteral("/home");
+    const std::pair<const char *, QString> folders[] = {
+        {"HOME", home}, {"XDG_DATA_HOME", home + QStringLiteral("/.local/share")},
+        {"XDG_CONFIG_HOME", home + QStringLiteral("/.config")}, {"XDG_CACHE_HOME", home + QStringLiteral("/.cache")}};
+    for (const auto &[variable, path] : folders) {
+        QDir().mkpath(path);
+        qputenv(variable, QFile::encodeName(path));
+    }
+}
+
 int main(int argc, char **argv)
 {
+    isolateFromTheUser();
     QCoreApplication app(argc, argv);
     if (QLocale().language() == QLocale::C)
         QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));

@@ -1,0 +1,151 @@
+// Reading metadata of 1,000 real font files against fontconfig's own scanner, and
+// activating fonts until fontconfig lists them against doing it by hand.
+#include "BenchFigures.h"
+
+#include "services/FontActivationService.h"
+#include "services/FontMetadata.h"
+
+#include <QDir>
+#include <QDirIterator>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QProcess>
+
+#include <benchmark/benchmark.h>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+// Links to the system's fonts under distinct names: real files, as many as asked.
+QStringList fontSet(int count)
+{
+    static QStringList systemFonts = [] {
+        QStringList fonts;
+        QDirIterator it(u"/usr/share/fonts/truetype"_s, {u"*.ttf"_s}, QDir::Files, QDirIterator::Subdirectories);
+        while (it.hasNext())
+            fonts.append(it.next());
+        fonts.sort();
+        return fonts;
+    }();
+    const QString folder = BenchFigures::dataDirectory() + u"/fonts-%1"_s.arg(count);
+    QDir().mkpath(folder);
+    QStringList result;
+    for (int i = 0; i < count; ++i) {
+        const QString path = folder + u"/Font %1.ttf"_s.arg(i, 5, 10, QChar(u'0'));
+        if (!QFile::exists(path))
+            QFile::link(systemFonts[i % systemFonts.size()], path);
+        result.append(path);
+    }
+    return result;
+}
+
+void metadata1000(benchmark::State &state)
+{
+    const QStringList fonts = fontSet(1000);
+    for (auto _ : state) {
+        int read = 0;
+        for (const QString &font : fonts)
+            read += FontMetadata::load(font).has_value() ? 1 : 0;
+        if (read != fonts.size())
+            state.SkipWithError("a font did not read");
+    }
+}
+BENCHMARK(metadata1000)->Unit(benchmark::kMillisecond)->Iterations(1)->Repetitions(3)
+    ->ComputeStatistics("min", BenchFigures::fastest)->ReportAggregatesOnly(true);
+
+void fcScan1000(benchmark::State &state)
+{
+    const QString folder = fontSet(1000).first().section(u'/', 0, -2);
+    for (auto _ : state) {
+        QProcess process;
+        process.setStandardOutputFile(QProcess::nullDevice());
+        process.start(u"fc-scan"_s, {folder});
+        process.waitForFinished(-1);
+    }
+}
+BENCHMARK(fcScan1000)->Unit(benchmark::kMillisecond)->Iterations(1)->Repetitions(3)
+    ->ComputeStatistics("min", BenchFigures::fastest)->ReportAggregatesOnly(true);
+
+FontActivationService &service()
+{
+    static FontActivationService instance; // shards created once, outside the timings
+    instance.activateFonts({});
+    return instance;
+}
+
+void activate1000(benchmark::State &state)
+{
+    const QStringList fonts = fontSet(1000);
+    FontActivationService &activation = service();
+    for (auto _ : state) {
+        const QList<bool> results = activation.activateFonts(fonts);
+        state.PauseTiming();
+        if (results.count(true) != fonts.size())
+            state.SkipWithError("a font did not activate");
+        activation.deactivateFonts(fonts);
+        state.ResumeTiming();
+    }
+}
+BENCHMARK(activate1000)->Unit(benchmark::kMillisecond)->Iterations(1)->Repetitions(3)
+    ->ComputeStatistics("min", BenchFigures::fastest)->ReportAggregatesOnly(true);
+
+// By hand: one `ln -s` of every font into one folder, then `fc-cache` on that folder.
+void activate1000Manual(benchmark::State &state)
+{
+    const QStringList fonts = fontSet(1000);
+    const QString folder = BenchFigures::dataDirectory() + u"/home/.local/share/fonts/by-hand"_s;
+    for (auto _ : state) {
+        state.PauseTiming();
+        QDir(folder).removeRecursively();
+        QDir().mkpath(folder);
+        state.ResumeTiming();
+        QProcess::execute(u"ln"_s, QStringList{u"-s"_s} + fonts + QStringList{folder});
+        QProcess::execute(u"fc-cache"_s, {folder});
+    }
+    QDir(folder).removeRecursively();
+    QProcess::execute(u"fc-cache"_s, {folder.section(u'/', 0, -2)});
+}
+BENCHMARK(activate1000Manual)->Unit(benchmark::kMillisecond)->Iterations(1)->Repetitions(3)
+    ->ComputeStatistics("min", BenchFigures::fastest)->ReportAggregatesOnly(true);
+
+void activateOneWith5000(benchmark::State &state)
+{
+    const QStringList fonts = fontSet(5001);
+    FontActivationService &activation = service();
+    activation.activateFonts(fonts.mid(0, 5000));
+    for (auto _ : state) {
+        if (!activation.activateFont(fonts.last()))
+            state.SkipWithError("the font did not activate");
+        state.PauseTiming();
+        activation.deactivateFont(fonts.last());
+        state.ResumeTiming();
+    }
+    activation.deactivateFonts(fonts);
+}
+BENCHMARK(activateOneWith5000)->Unit(benchmark::kMillisecond)->Iterations(3)->Repetitions(5)
+    ->ComputeStatistics("min", BenchFigures::fastest)->ReportAggregatesOnly(true);
+
+void addFontFigures()
+{
+    const double metadata = BenchFigures::milliseconds("metadata1000");
+    const double fcScan = BenchFigures::milliseconds("fcScan1000");
+    const double ours = BenchFigures::milliseconds("activate1000");
+    const double manual = BenchFigures::milliseconds("activate1000Manual");
+    if (metadata > 0 && fcScan > 0) {
+        BenchFigures::set("metadata-1000-ms", metadata);
+        BenchFigures::set("fcscan-1000-ms", fcScan);
+        BenchFigures::set("metadata-ratio-vs-fcscan", metadata / fcScan);
+    }
+    if (ours > 0 && manual > 0) {
+        BenchFigures::set("activate-1000-ms", ours);
+        BenchFigures::set("activate-1000-manual-ms", manual);
+        BenchFigures::set("activate-1000-ratio-vs-manual", ours / manual);
+    }
+    if (const double one = BenchFigures::milliseconds("activateOneWith5000"); one > 0)
+        BenchFigures::set("activate-one-with-5000-ms", one);
+}
+
+const bool registered = BenchFigures::onFinish(addFontFigures);
+
+} // namespace

@@ -1,0 +1,19 @@
+#include "FontActivating.h"
+
+QList<bool> FontActivating::activateFonts(const QStringList &paths)
+{
+    QList<bool> results;
+    results.reserve(paths.size());
+    for (const QString &path : paths)
+        results.append(activateFont(path));
+    return results;
+}
+
+QList<bool> FontActivating::deactivateFonts(const QStringList &paths)
+{
+    QList<bool> results;
+    results.reserve(paths.size());
+    for (const QString &path : paths)
+        results.append(deactivateFont(path));
+    return results;
+}

@@ -1,0 +1,170 @@
+#include "TestSupport.h"
+
+#include "services/FontActivationService.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QProcess>
+#include <QStandardPaths>
+#include <QtConcurrent/QtConcurrentRun>
+
+using namespace Qt::StringLiterals;
+using namespace TestSupport;
+
+namespace {
+
+const QString kFonts = QStringLiteral(MORVANE_TEST_FONTS);
+const QString kDejaVu = u"/usr/share/fonts/truetype/dejavu/"_s;
+
+// fontconfig is the judge: what a newly started application sees, through fc-list
+// in this test's own environment, with our links mapped back to the fonts.
+QSet<QString> fontsListedByFontconfig(const QString &linkFolder)
+{
+    QProcess process;
+    process.start(u"fc-list"_s, {u"--format=%{file}\\n"_s});
+    EXPECT_TRUE(process.waitForFinished(60'000));
+    QSet<QString> fonts;
+    for (const QString &file : QString::fromUtf8(process.readAllStandardOutput()).split(u'\n', Qt::SkipEmptyParts)) {
+        if (file.startsWith(linkFolder + u'/'))
+            fonts.insert(QFile::symLinkTarget(file));
+    }
+    return fonts;
+}
+
+QString copyFont(const QString &source, const QString &target)
+{
+    QDir().mkpath(target.section(u'/', 0, -2));
+    EXPECT_TRUE(QFile::copy(source, target)) << target.toStdString();
+    return target;
+}
+
+class Activation : public testing::Test
+{
+protected:
+    QString library = makeDir(testRoot() + u"/Library"_s);
+    QString sans = copyFont(kDejaVu + u"DejaVuSans.ttf"_s, library + u"/Sans/DejaVuSans.ttf"_s);
+    QString serif = copyFont(kDejaVu + u"DejaVuSerif.ttf"_s, library + u"/Serif/DejaVu Serif \"Book\".ttf"_s);
+    QString plain = copyFont(kFonts + u"/Plain.ttf"_s, library + u"/Plain.ttf"_s);
+};
+
+} // namespace
+
+TEST_F(Activation, ActiveFontsAreExactlyWhatFontconfigLists)
+{
+    FontActivationService service;
+    EXPECT_TRUE(service.linkFolder().startsWith(QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) +
+                                                u"/fonts/"_s));
+    EXPECT_TRUE(fontsListedByFontconfig(service.linkFolder()).isEmpty());
+
+    const QString output = capturedStdout([&] {
+        EXPECT_EQ(service.activateFonts({sans, serif, plain}), (QList<bool>{true, true, true}));
+        EXPECT_TRUE(service.activateFont(sans)); // already active
+    });
+    EXPECT_EQ(output, QString());
+    EXPECT_EQ(fontsListedByFontconfig(service.linkFolder()), (QSet<QString>{sans, serif, plain}));
+
+    EXPECT_TRUE(service.deactivateFont(serif));
+    EXPECT_EQ(fontsListedByFontconfig(service.linkFolder()), (QSet<QString>{sans, plain}));
+    const QString quiet = capturedStdout([&] { EXPECT_TRUE(service.deactivateFont(serif)); }); // not active
+    EXPECT_EQ(quiet, QString());
+
+    // A new service (the next start) finds the same state on disk.
+    FontActivationService again;
+    EXPECT_EQ(QSet<QString>(again.links().cbegin(), again.links().cend()), (QSet<QString>{sans, plain}));
+    EXPECT_EQ(again.deactivateFonts({sans, plain}), (QList<bool>{true, true}));
+    EXPECT_TRUE(fontsListedByFontconfig(service.linkFolder()).isEmpty());
+    EXPECT_TRUE(again.links().isEmpty());
+}
+
+TEST_F(Activation, FontsWithTheSameFileNameAreBothActive)
+{
+    const QString twin = copyFont(kDejaVu + u"DejaVuSans-Bold.ttf"_s, library + u"/Other/DejaVuSans.ttf"_s);
+    FontActivationService service;
+    EXPECT_NE(FontActivationService::linkNameFor(sans), FontActivationService::linkNameFor(twin));
+    EXPECT_TRUE(FontActivationService::linkNameFor(sans).endsWith(u"-DejaVuSans.ttf"_s));
+    EXPECT_FALSE(service.linkPathFor(sans).has_value());
+    EXPECT_EQ(service.activateFonts({sans, twin, sans}), (QList<bool>{true, true, true}));
+    EXPECT_EQ(fontsListedByFontconfig(service.linkFolder()), (QSet<QString>{sans, twin}));
+    EXPECT_EQ(service.links().size(), 2); // the repeated path was linked once
+    // The next start finds each font's link again.
+    EXPECT_EQ(FontActivationService().linkPathFor(twin), service.linkPathFor(twin));
+}
+
+TEST_F(Activation, MissingAndNonFontFilesFailWithAReason)
+{
+    FontActivationService service;
+    const QString missing = library + u"/Missing.ttf"_s;
+    const QString garbage = copyFont(kFonts + u"/Garbage.otf"_s, library + u"/Garbage.otf"_s);
+    QList<bool> results;
+    const QString output = capturedStdout([&] { results = service.activateFonts({missing, sans, garbage, library}); });
+    EXPECT_EQ(results, (QList<bool>{false, true, false, false}));
+    const QStringList lines = output.split(u'\n', Qt::SkipEmptyParts);
+    ASSERT_EQ(lines.size(), 3) << output.toStdString();
+    EXPECT_EQ(lines[0], u"Failed to activate font at "_s + missing + u": No such file or directory"_s);
+    EXPECT_EQ(lines[1], u"Failed to activate font at "_s + library + u": not a font file"_s);
+    EXPECT_EQ(lines[2], u"Failed to activate font at "_s + garbage + u": not a font file fontconfig can read"_s);
+    EXPECT_EQ(fontsListedByFontconfig(service.linkFolder()), QSet<QString>{sans});
+    EXPECT_EQ(service.links().size(), 1); // the rejected link was taken back
+}
+
+TEST_F(Activation, AFontWhoseFileVanishedCanStillBeDeactivated)
+{
+    FontActivationService service;
+    ASSERT_TRUE(service.activateFont(serif));
+    QFile::remove(serif);
+    // Removing the target leaves the link's folder as it was, so fontconfig's cache of it
+    // still stands: the link must go for the font to disappear.
+    ASSERT_TRUE(service.linkPathFor(serif).has_value());
+    EXPECT_EQ(service.links().value(*service.linkPathFor(serif)), serif);
+    EXPECT_TRUE(service.deactivateFont(serif));
+    EXPECT_TRUE(service.links().isEmpty());
+    QProcess process;
+    process.start(u"fc-list"_s, {u"--format=%{file}\n"_s});
+    ASSERT_TRUE(process.waitForFinished(60'000));
+    EXPECT_FALSE(process.readAllStandardOutput().contains(QFile::encodeName(service.linkFolder())));
+
+    // An unwritable font folder: activation fails with the reason, nothing breaks.
+    const QString blocked = writeFile(testRoot() + u"/blocked"_s);
+    FontActivationService nowhere(blocked + u"/Morvane"_s);
+    const QString output = capturedStdout([&] { EXPECT_FALSE(nowhere.activateFont(sans)); });
+    EXPECT_TRUE(output.startsWith(u"Failed to activate font at "_s + sans + u": "_s)) << output.toStdString();
+}
+
+TEST_F(Activation, BatchesFromSeveralThreadsAgree)
+{
+    QStringList fonts;
+    for (int i = 0; i < 24; ++i)
+        fonts.append(copyFont(kFonts + u"/Plain.ttf"_s, library + u"/Many/Font %1.ttf"_s.arg(i)));
+    FontActivationService service;
+    auto first = QtConcurrent::run([&] { return service.activateFonts(fonts.mid(0, 12)); });
+    auto second = QtConcurrent::run([&] { return service.activateFonts(fonts.mid(12)); });
+    EXPECT_EQ(first.result(), QList<bool>(12, true));
+    EXPECT_EQ(second.result(), QList<bool>(12, true));
+    EXPECT_EQ(fontsListedByFontconfig(service.linkFolder()), QSet<QString>(fonts.begin(), fonts.end()));
+    service.removeLinks(service.links().keys());
+    EXPECT_TRUE(fontsListedByFontconfig(service.linkFolder()).isEmpty());
+}
+
+TEST_F(Activation, BatchesFillFewShardsAndSingleFontsLandInSmallOnes)
+{
+    QStringList fonts;
+    for (int i = 0; i < 100; ++i)
+        fonts.append(copyFont(kFonts + u"/Plain.ttf"_s, library + u"/Many/Font %1.ttf"_s.arg(i)));
+    FontActivationService service;
+    ASSERT_EQ(service.activateFonts(fonts), QList<bool>(100, true));
+    QHash<QString, int> perShard;
+    for (const QString &link : service.links().keys())
+        ++perShard[link.section(u'/', 0, -2)];
+    EXPECT_LE(perShard.size(), 4); // 100 links in a handful of shards, not a hundred
+    EXPECT_TRUE(service.activateFont(sans));
+    EXPECT_EQ(perShard.value(service.linkPathFor(sans)->section(u'/', 0, -2)), 0); // an empty shard
+    EXPECT_EQ(fontsListedByFontconfig(service.linkFolder()).size(), 101);
+
+    // A link made twice (a crash mid-batch) is cleaned up by the next start.
+    const QString extra = service.linkFolder() + u"/ff/dup-"_s + FontActivationService::linkNameFor(sans);
+    makeSymlink(sans, extra);
+    FontActivationService next;
+    EXPECT_EQ(next.links().size(), 101);
+    EXPECT_FALSE(QFile::exists(extra) || QFileInfo(extra).isSymLink());
+}

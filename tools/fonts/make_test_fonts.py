@@ -1,0 +1,109 @@
+#!/usr/bin/python3
+"""Writes small fonts with chosen names, axes and defects for Morvane's tests.
+
+Usage: make_test_fonts.py OUTPUT_FOLDER
+Needs Debian's python3-fonttools (run with /usr/bin/python3).
+"""
+import os
+import sys
+
+from fontTools.fontBuilder import FontBuilder
+from fontTools.pens.ttGlyphPen import TTGlyphPen
+from fontTools.ttLib import TTCollection, TTFont, newTable
+
+
+def square():
+    pen = TTGlyphPen(None)
+    pen.moveTo((100, 0))
+    pen.lineTo((100, 700))
+    pen.lineTo((500, 700))
+    pen.lineTo((500, 0))
+    pen.closePath()
+    return pen.glyph()
+
+
+def builder(names, axes=None):
+    fb = FontBuilder(1000, isTTF=True)
+    fb.setupGlyphOrder([".notdef", "A", "B"])
+    fb.setupCharacterMap({0x41: "A", 0x42: "B"})
+    fb.setupGlyf({".notdef": square(), "A": square(), "B": square()})
+    fb.setupHorizontalMetrics({".notdef": (600, 100), "A": (600, 100), "B": (600, 100)})
+    fb.setupHorizontalHeader(ascent=800, descent=-200)
+    fb.setupNameTable(names)
+    fb.setupOS2(sTypoAscender=800, sTypoDescender=-200, usWinAscent=800, usWinDescent=200)
+    fb.setupPost()
+    if axes:
+        fb.setupFvar(axes, [])
+        # FreeType honours fvar only beside glyph variations, even empty ones.
+        gvar = newTable("gvar")
+        gvar.version = 1
+        gvar.reserved = 0
+        gvar.variations = {name: [] for name in fb.font.getGlyphOrder()}
+        fb.font["gvar"] = gvar
+    return fb
+
+
+def drop_names(font, name_ids):
+    table = font["name"]
+    table.names = [record for record in table.names if record.nameID not in name_ids]
+
+
+def main(out):
+    os.makedirs(out, exist_ok=True)
+
+    # Names in every field, nothing unusual.
+    builder({"familyName": "Morvane Test", "styleName": "Bold",
+             "fullName": "Morvane Test Bold", "psName": "MorvaneTest-Bold"}).save(os.path.join(out, "Plain.ttf"))
+
+    # No subfamily anywhere: the style falls back to Regular.
+    fb = builder({"familyName": "No Style", "fullName": "No Style Full", "psName": "NoStyle"})
+    drop_names(fb.font, {2, 17})
+    fb.save(os.path.join(out, "NoStyle.ttf"))
+
+    # No PostScript name and no full name.
+    fb = builder({"familyName": "Nameless", "styleName": "Regular"})
+    drop_names(fb.font, {4, 6})
+    fb.save(os.path.join(out, "Nameless.ttf"))
+
+    # Names only in Mac Roman records.
+    fb = builder({"familyName": "Mac Only", "styleName": "Regular", "psName": "MacOnly"})
+    table = fb.font["name"]
+    table.names = []
+    table.setName("Café Ñandú", 1, 1, 0, 0)
+    table.setName("Regular", 2, 1, 0, 0)
+    table.setName("Café Ñandú Regular", 4, 1, 0, 0)
+    table.setName("CafeNandu-Regular", 6, 1, 0, 0)
+    fb.save(os.path.join(out, "MacRoman.ttf"))
+
+    # Three axes in this order; the middle one names a string the name table lacks.
+    fb = builder({"familyName": "Axes Test", "styleName": "Regular", "fullName": "Axes Test Regular",
+                  "psName": "AxesTest-Regular"},
+                 axes=[("wght", 100, 400, 900, "Weight"), ("XTRA", 0, 50, 100, "Extra"),
+                       ("opsz", 8, 12, 144, "Optical Size")])
+    extra = [axis for axis in fb.font["fvar"].axes if axis.axisTag == "XTRA"][0]
+    drop_names(fb.font, {extra.axisNameID})
+    fb.save(os.path.join(out, "Axes.ttf"))
+
+    # A collection of two faces: readers see the first.
+    first = builder({"familyName": "Collection First", "styleName": "Regular", "psName": "CollectionFirst"})
+    second = builder({"familyName": "Collection Second", "styleName": "Italic", "psName": "CollectionSecond"})
+    first.save(os.path.join(out, "first.tmp"))
+    second.save(os.path.join(out, "second.tmp"))
+    collection = TTCollection()
+    collection.fonts = [TTFont(os.path.join(out, "first.tmp")), TTFont(os.path.join(out, "second.tmp"))]
+    collection.save(os.path.join(out, "Pair.ttc"))
+    os.remove(os.path.join(out, "first.tmp"))
+    os.remove(os.path.join(out, "second.tmp"))
+
+    # Broken: cut in half (tables run past the end), and not a font at all.
+    with open(os.path.join(out, "Plain.ttf"), "rb") as source:
+        data = source.read()
+    with open(os.path.join(out, "Truncated.ttf"), "wb") as target:
+        target.write(data[: len(data) // 2])
+    with open(os.path.join(out, "Garbage.otf"), "wb") as target:
+        target.write(b"This is a text file with a font's name.\n" * 20)
+    open(os.path.join(out, "Empty.ttf"), "wb").close()
+
+
+if __name__ == "__main__":
+    main(sys.argv[1])
