@@ -61,6 +61,8 @@ void recordMilliseconds(const std::string &benchmarkName, double value)
 
 void set(const std::string &figure, double value, const std::string &unit)
 {
+    if (!(value > 0))
+        return; // its benchmark did not run (filtered out, or failed)
     for (Figure &existing : figures()) {
         if (existing.name == figure) {
             existing.value = value;

@@ -27,6 +27,9 @@ double fastest(const std::vector<double> &values);
 // Where benchmarks keep their generated data, inside the build tree.
 QString dataDirectory();
 
+// The generated 100k-font library (made on first use).
+const QString &libraryRootPath();
+
 // Bytes the allocator currently hands out (all arenas, mmapped blocks included).
 size_t allocatedBytes();
 

@@ -18,7 +18,9 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-const QString &libraryRoot()
+} // namespace
+
+const QString &BenchFigures::libraryRootPath()
 {
     static const QString root = [] {
         const QString path = BenchFigures::dataDirectory() + u"/library-100k"_s;
@@ -27,6 +29,8 @@ const QString &libraryRoot()
     }();
     return root;
 }
+
+namespace {
 
 // The floor: list every folder once and count its entries, nothing more.
 size_t countEntries(const std::string &path)
@@ -51,7 +55,7 @@ size_t countEntries(const std::string &path)
 
 void scan100k(benchmark::State &state)
 {
-    const QString root = libraryRoot();
+    const QString root = BenchFigures::libraryRootPath();
     for (auto _ : state) {
         auto service = std::make_unique<FileSystemService>();
         benchmark::DoNotOptimize(service->deepScan(root).allFonts.size());
@@ -65,7 +69,7 @@ BENCHMARK(scan100k)->Unit(benchmark::kMillisecond)->Iterations(2)->Repetitions(7
 
 void scanFloor(benchmark::State &state)
 {
-    const std::string root = QFile::encodeName(libraryRoot()).toStdString();
+    const std::string root = QFile::encodeName(BenchFigures::libraryRootPath()).toStdString();
     for (auto _ : state)
         benchmark::DoNotOptimize(countEntries(root));
 }
@@ -74,7 +78,7 @@ BENCHMARK(scanFloor)->Unit(benchmark::kMillisecond)->Iterations(2)->Repetitions(
 
 double bytesPerFont()
 {
-    const QString root = libraryRoot();
+    const QString root = BenchFigures::libraryRootPath();
     { // warm up the collator and any lazily built tables
         FileSystemService warm;
         warm.deepScan(root + u"/Serif"_s);

@@ -76,8 +76,14 @@ public:
         for (size_t i = 0; i < folders.size(); ++i)
             if (i % 25 != 7)
                 withFonts.push_back(i);
+        // One very large family folder, as big foundry packs have.
+        const Folder wide{root + u"/Sans Serif/Mega Family"_s, u"Mega Family"_s, 2};
+        QDir().mkpath(wide.path);
+        ++stats.folders;
         for (int n = 0; n < m_shape.fonts; ++n) {
-            const Folder &folder = folders[withFonts[static_cast<size_t>(n) % withFonts.size()]];
+            const Folder &folder = n < m_shape.wideFolderFonts
+                ? wide
+                : folders[withFonts[static_cast<size_t>(n) % withFonts.size()]];
             const QString style = QLatin1StringView(kStyles[pick(kStyles.size())]);
             const QString file = QString(folder.family).remove(u' ') + u'-' + style + u'-' + QString::number(n) +
                                  u'.' + QLatin1StringView(kFontExtensions[pick(kFontExtensions.size())]);
@@ -135,7 +141,7 @@ private:
 
 QString stampText(const CorpusShape &shape, const CorpusStats &stats)
 {
-    return u"v1 %1 %2 %3 | %4 %5 %6 %7"_s.arg(shape.folders).arg(shape.fonts).arg(shape.maxDepth)
+    return u"v2 %1 %2 %3 | %4 %5 %6 %7"_s.arg(shape.folders).arg(shape.fonts).arg(shape.maxDepth)
         .arg(stats.folders).arg(stats.fonts).arg(stats.otherFiles).arg(stats.links);
 }
 
@@ -148,7 +154,7 @@ CorpusStats ensureLibraryCorpus(const QString &root, const CorpusShape &shape)
     if (stamp.open(QIODevice::ReadOnly)) {
         const QString text = QString::fromUtf8(stamp.readAll());
         const QStringList parts = text.section(u" | "_s, 1).split(u' ');
-        if (text.startsWith(u"v1 %1 %2 %3 "_s.arg(shape.folders).arg(shape.fonts).arg(shape.maxDepth)) &&
+        if (text.startsWith(u"v2 %1 %2 %3 "_s.arg(shape.folders).arg(shape.fonts).arg(shape.maxDepth)) &&
             parts.size() == 4)
             return {parts[0].toInt(), parts[1].toInt(), parts[2].toInt(), parts[3].toInt()};
         stamp.close();

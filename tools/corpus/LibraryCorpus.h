@@ -10,6 +10,7 @@ struct CorpusShape
     int folders = 10'000;
     int fonts = 100'000;
     int maxDepth = 6;
+    int wideFolderFonts = 10'000; // of `fonts`, all in "Sans Serif/Mega Family"
 };
 
 struct CorpusStats

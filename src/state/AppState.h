@@ -1,0 +1,196 @@
+#pragma once
+
+#include "discovery/FileSystemService.h"
+#include "model/ActivationState.h"
+#include "model/CollectionRecords.h"
+#include "model/FolderSearchResult.h"
+#include "model/FolderSource.h"
+#include "model/FontNode.h"
+#include "model/SidebarItem.h"
+#include "services/FinderTagService.h"
+#include "services/FontActivating.h"
+#include "services/FontPreviewService.h"
+#include "services/PersistenceService.h"
+
+#include <QCollator>
+#include <QHash>
+#include <QImage>
+#include <QList>
+#include <QObject>
+#include <QSet>
+#include <QString>
+#include <QUuid>
+
+#include <memory>
+#include <optional>
+
+// The one store every view observes. It holds the sources and collections, the
+// browser's navigation, activation, collection operations and folder search, and it
+// is the only caller of the discovery, activation and persistence services.
+// Lives on the interface thread; every published field has a getter and a
+// ...Changed signal, and changes only when given a different value unless noted.
+class AppState : public QObject
+{
+    Q_OBJECT
+
+public:
+    AppState(FontActivating &fontActivationService, PersistenceService &persistenceService,
+             QObject *parent = nullptr);
+    ~AppState() override;
+
+    // ---- Library: sources and collections -------------------------------------
+    const QList<FolderSource> &sources() const { return m_sources; }           // sidebar order
+    const QList<FontCollection> &collections() const { return m_collections; } // sidebar order
+    // Tests put sources in place without the refresh that adding one starts.
+    void setSourcesForTesting(QList<FolderSource> sources);
+
+    // ---- Selection and column navigation (AppStateNavigation.cpp) --------------
+    const std::optional<SidebarItem> &sidebarSelection() const { return m_sidebarSelection; }
+    void setSidebarSelection(const std::optional<SidebarItem> &selection);
+    const QList<FontNode> &navigationPath() const { return m_navigationPath; } // selection per column
+    int activeColumnIndex() const { return m_activeColumnIndex; }               // column with focus
+    const QList<QList<FontNode>> &cachedColumns() const { return m_cachedColumns; } // always buildColumns()
+    std::optional<FolderSource> selectedSource() const;         // looked up afresh by id
+    std::optional<FontCollection> selectedCollection() const;   // looked up afresh by id
+    std::optional<FontNode> selectedFont() const;               // path ends in a font
+    QList<QList<FontNode>> buildColumns() const;
+    std::optional<FontNode> selectedNode(int column) const;
+    void selectNode(const FontNode &node, int level);
+    void handleArrowUp();
+    void handleArrowDown();
+    void handleArrowLeft();
+    void handleArrowRight();
+    static QList<FontNode> buildNavigationPath(const QString &rootPath, const QString &targetPath);
+    void navigateToSearchResult(const FolderSearchResult &result);
+    void navigateToMember(const CollectionMember &member);
+
+    // View requests: set by the store's jumps or the views, consumed by the views.
+    const std::optional<SidebarItem> &programmaticNavTarget() const { return m_programmaticNavTarget; }
+    void setProgrammaticNavTarget(const std::optional<SidebarItem> &target) { m_programmaticNavTarget = target; }
+    bool shouldFocusBrowser() const { return m_shouldFocusBrowser; }
+    void setShouldFocusBrowser(bool focus);
+    bool shouldFocusSidebar() const { return m_shouldFocusSidebar; }
+    void setShouldFocusSidebar(bool focus);
+    bool shouldScrollToSelection() const { return m_shouldScrollToSelection; }
+    void setShouldScrollToSelection(bool scroll) { m_shouldScrollToSelection = scroll; }
+
+    // ---- Activation bookkeeping --------------------------------------------------
+    const QSet<QString> &activatedFonts() const { return m_activatedFonts; } // paths we activated
+    bool isProcessing() const { return m_isProcessing; }                     // a batch runs
+    double processingProgress() const { return m_processingProgress; }       // 0 to 1
+    const QString &processingMessage() const { return m_processingMessage; }
+
+    // ---- Preview settings (saved in the preferences at once) --------------------
+    const QString &previewText() const { return m_previewText; }
+    void setPreviewText(const QString &text);
+    double previewSize() const { return m_previewSize; }
+    void setPreviewSize(double size);
+
+    // ---- Folder search ------------------------------------------------------------
+    const QString &searchQuery() const { return m_searchQuery; }
+    void setSearchQuery(const QString &query);
+    const QList<FolderSearchResult> &searchResults() const { return m_searchResults; }
+    bool isSearchingFolders() const { return m_isSearchingFolders; } // a non-empty query awaits results
+    bool isSearching() const;                                        // trimmed query not empty
+    const QList<FolderSearchResult> &searchIndex() const { return m_searchIndex; } // every folder, by name
+
+    // ---- Library loading ------------------------------------------------------------
+    bool isIndexing() const { return m_isIndexing; } // a library refresh runs
+    void refreshFileSystem();
+    // The last step of a refresh: puts a frozen scan and its search index in place,
+    // empties every memo and rebuilds the columns.
+    void installLibrary(std::shared_ptr<const FileSystemService> service, QList<FolderSearchResult> searchIndex);
+
+    // ---- Collections (AppStateCollections.cpp) -------------------------------------
+    void createCollection(const QString &name);
+    void deleteCollection(const FontCollection &collection);
+    void renameCollection(const QUuid &id, const QString &name);
+    void sortCollections();
+    void addToCollection(const QUuid &id, const FontNode &node);
+    void removeFromCollection(const QUuid &id, const CollectionMember &member);
+    void setCollectionIcon(const QUuid &id, const std::optional<QString> &imagePath);
+    QList<FontNode> allFontsInCollection(const FontCollection &collection);
+    QList<CollectionMember> sortedMembers(const FontCollection &collection);
+    std::optional<QImage> collectionIcon(const QString &iconPath);
+
+    // ---- Services -------------------------------------------------------------------
+    const FileSystemService &fileSystemService() const { return *m_fileSystemService; }
+    FontPreviewService &previewService() { return *m_previewService; }
+    FinderTagService &finderTagService() { return m_finderTagService; }
+
+Q_SIGNALS:
+    void sourcesChanged();
+    void collectionsChanged();
+    void sidebarSelectionChanged();
+    void navigationPathChanged();
+    void activeColumnIndexChanged();
+    void cachedColumnsChanged();
+    void activatedFontsChanged();
+    void isProcessingChanged();
+    void processingProgressChanged();
+    void processingMessageChanged();
+    void previewTextChanged();
+    void previewSizeChanged();
+    void searchQueryChanged();
+    void searchResultsChanged();
+    void isSearchingFoldersChanged();
+    void isIndexingChanged();
+    void shouldFocusBrowserChanged();
+    void shouldFocusSidebarChanged();
+
+private:
+    // Published setters: assign and notify only when the value differs.
+    void setNavigationPath(const QList<FontNode> &path);
+    void setActiveColumnIndex(int index);
+    void setCachedColumns(QList<QList<FontNode>> columns); // always notifies
+    void setCollections(QList<FontCollection> collections);
+    void setSources(QList<FolderSource> sources);
+    void jumpTo(const FolderSource &source, const QList<FontNode> &path);
+    void clearCollectionMemos();
+    FontCollection *findCollection(const QUuid &id);
+    void saveCollections();
+
+    // Library
+    QList<FolderSource> m_sources;
+    QList<FontCollection> m_collections;
+    // Navigation
+    std::optional<SidebarItem> m_sidebarSelection;
+    QList<FontNode> m_navigationPath;
+    int m_activeColumnIndex = 0;
+    QList<QList<FontNode>> m_cachedColumns;
+    std::optional<SidebarItem> m_programmaticNavTarget; // the item the store itself selected in a jump
+    bool m_shouldFocusBrowser = false;
+    bool m_shouldFocusSidebar = false;
+    bool m_shouldScrollToSelection = false;
+    // Activation
+    QSet<QString> m_activatedFonts;
+    QHash<QString, ActivationState> m_activationStateCache; // folder path -> state
+    bool m_isProcessing = false;
+    double m_processingProgress = 0;
+    QString m_processingMessage;
+    // Preview
+    QString m_previewText = PersistenceService::defaultPreviewText();
+    double m_previewSize = PersistenceService::defaultPreviewSize;
+    // Search
+    QString m_searchQuery;
+    QList<FolderSearchResult> m_searchResults;
+    bool m_isSearchingFolders = false;
+    QList<FolderSearchResult> m_searchIndex;
+    // Loading
+    bool m_isIndexing = false;
+    quint64 m_libraryGeneration = 0;
+    bool m_hasLoaded = false;
+    // Collection memos, emptied wholesale, never patched
+    QHash<QUuid, QList<FontNode>> m_collectionFontsCache;
+    QHash<QUuid, ActivationState> m_collectionStateCache;
+    QHash<QUuid, QList<CollectionMember>> m_sortedMembersCache;
+    QHash<QString, QImage> m_iconCache;
+    QSet<QString> m_missingIcons;
+    // Services
+    std::shared_ptr<const FileSystemService> m_fileSystemService; // frozen; replaced by each refresh
+    FontActivating &m_fontActivationService;
+    PersistenceService &m_persistenceService;
+    FinderTagService m_finderTagService;
+    std::unique_ptr<FontPreviewService> m_previewService;
+    QCollator m_collator; // the user's locale, case-insensitive
+};

@@ -1,0 +1,200 @@
+// Collections: create, rename, delete and order them, add and remove members, expand
+// them into fonts, order members for display, and custom icons. Every change saves.
+#include "AppState.h"
+
+#include <QFileInfo>
+#include <QPainter>
+#include <QSvgRenderer>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+FontCollection *AppState::findCollection(const QUuid &id)
+{
+    const auto found = std::find_if(m_collections.begin(), m_collections.end(),
+                                    [&id](const FontCollection &collection) { return collection.id == id; });
+    return found == m_collections.end() ? nullptr : &*found;
+}
+
+void AppState::clearCollectionMemos()
+{
+    m_collectionFontsCache.clear();
+    m_collectionStateCache.clear();
+    m_sortedMembersCache.clear();
+}
+
+void AppState::saveCollections()
+{
+    m_persistenceService.saveCollections(m_collections);
+}
+
+void AppState::sortCollections()
+{
+    QList<FontCollection> sorted = m_collections;
+    ::sortCollections(sorted, m_collator);
+    setCollections(std::move(sorted));
+}
+
+void AppState::createCollection(const QString &name)
+{
+    QString candidate = name;
+    const auto taken = [this](const QString &text) {
+        return std::any_of(m_collections.cbegin(), m_collections.cend(),
+                           [&text](const FontCollection &collection) { return collection.name == text; });
+    };
+    for (int counter = 2; taken(candidate); ++counter)
+        candidate = name + u' ' + QString::number(counter);
+    const FontCollection collection = FontCollection::create(candidate);
+    // On top until the next sort, so the user sees what they just made.
+    QList<FontCollection> collections = m_collections;
+    collections.prepend(collection);
+    setCollections(std::move(collections));
+    clearCollectionMemos();
+    setSidebarSelection(SidebarItem(collection));
+    saveCollections();
+}
+
+void AppState::deleteCollection(const FontCollection &collection)
+{
+    QList<FontCollection> collections = m_collections;
+    collections.removeIf([&collection](const FontCollection &c) { return c.id == collection.id; });
+    setCollections(std::move(collections));
+    clearCollectionMemos();
+    if (m_sidebarSelection && m_sidebarSelection->isCollection() && m_sidebarSelection->payloadId() == collection.id) {
+        setSidebarSelection(m_sources.isEmpty() ? std::nullopt : std::optional<SidebarItem>(SidebarItem(m_sources.first())));
+        setNavigationPath({});
+        setCachedColumns(buildColumns());
+    }
+    // The stored icon file stays: one small leftover file, never the user's.
+    saveCollections();
+}
+
+void AppState::renameCollection(const QUuid &id, const QString &name)
+{
+    FontCollection *collection = findCollection(id);
+    if (!collection)
+        return;
+    if (collection->name != name) {
+        collection->name = name;
+        Q_EMIT collectionsChanged();
+    }
+    sortCollections();
+    saveCollections();
+}
+
+void AppState::addToCollection(const QUuid &id, const FontNode &node)
+{
+    FontCollection *collection = findCollection(id);
+    if (!collection || collection->contains(node.path()))
+        return;
+    collection->members.append({node.path(), node.isDirectory()});
+    Q_EMIT collectionsChanged();
+    clearCollectionMemos();
+    if (!m_fileSystemService->exists(node.path()))
+        refreshFileSystem(); // make the new member known
+    saveCollections();
+}
+
+void AppState::removeFromCollection(const QUuid &id, const CollectionMember &member)
+{
+    FontCollection *collection = findCollection(id);
+    if (!collection)
+        return;
+    if (collection->members.removeIf([&member](const CollectionMember &m) { return m.path == member.path; }) > 0)
+        Q_EMIT collectionsChanged();
+    clearCollectionMemos();
+    saveCollections();
+}
+
+void AppState::setCollectionIcon(const QUuid &id, const std::optional<QString> &imagePath)
+{
+    if (!findCollection(id))
+        return;
+    const std::optional<QString> stored = m_persistenceService.storeCollectionIcon(id, imagePath);
+    m_iconCache.clear();
+    m_missingIcons.clear();
+    clearCollectionMemos();
+    FontCollection *collection = findCollection(id);
+    if (collection->iconPath != stored) {
+        collection->iconPath = stored;
+        Q_EMIT collectionsChanged();
+    }
+    saveCollections();
+}
+
+QList<FontNode> AppState::allFontsInCollection(const FontCollection &collection)
+{
+    const auto memo = m_collectionFontsCache.constFind(collection.id);
+    if (memo != m_collectionFontsCache.cend())
+        return *memo;
+    qsizetype expected = 0;
+    for (const CollectionMember &member : collection.members)
+        expected += member.isDirectory ? static_cast<qsizetype>(m_fileSystemService->allFonts(member.path).size()) : 1;
+    QList<FontNode> fonts;
+    fonts.reserve(expected);
+    QSet<QString> seen;
+    seen.reserve(expected);
+    const auto add = [&](const FontNode &font) {
+        if (!seen.contains(font.path())) {
+            seen.insert(font.path());
+            fonts.append(font);
+        }
+    };
+    for (const CollectionMember &member : collection.members) {
+        if (!m_fileSystemService->exists(member.path))
+            continue; // missing, or outside every scan: nothing, and no message
+        if (!member.isDirectory) {
+            const FontNode font = FontNode::fromPath(member.path);
+            if (font.isFont())
+                add(font);
+            continue;
+        }
+        for (const FontNode &font : m_fileSystemService->allFonts(member.path))
+            add(font);
+    }
+    m_collectionFontsCache.insert(collection.id, fonts);
+    return fonts;
+}
+
+QList<CollectionMember> AppState::sortedMembers(const FontCollection &collection)
+{
+    const auto memo = m_sortedMembersCache.constFind(collection.id);
+    if (memo != m_sortedMembersCache.cend())
+        return *memo;
+    QList<CollectionMember> members = collection.members;
+    std::stable_sort(members.begin(), members.end(), [this](const CollectionMember &a, const CollectionMember &b) {
+        if (a.isDirectory != b.isDirectory)
+            return a.isDirectory;
+        return m_collator.compare(a.path.section(u'/', -1), b.path.section(u'/', -1)) < 0;
+    });
+    m_sortedMembersCache.insert(collection.id, members);
+    return members;
+}
+
+std::optional<QImage> AppState::collectionIcon(const QString &iconPath)
+{
+    const auto cached = m_iconCache.constFind(iconPath);
+    if (cached != m_iconCache.cend())
+        return *cached;
+    if (m_missingIcons.contains(iconPath))
+        return std::nullopt; // failed before: not retried until an icon is set again
+    QImage image;
+    if (iconPath.endsWith(u".svg"_s, Qt::CaseInsensitive)) {
+        QSvgRenderer renderer(iconPath);
+        if (renderer.isValid()) {
+            image = QImage(128, 128, QImage::Format_ARGB32_Premultiplied);
+            image.fill(Qt::transparent);
+            QPainter painter(&image);
+            renderer.render(&painter);
+        }
+    } else {
+        image.load(iconPath);
+    }
+    if (image.isNull()) {
+        m_missingIcons.insert(iconPath);
+        return std::nullopt;
+    }
+    m_iconCache.insert(iconPath, image);
+    return image;
+}

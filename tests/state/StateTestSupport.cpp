@@ -1,0 +1,88 @@
+#include "StateTestSupport.h"
+
+#include <QThread>
+
+bool FakeActivation::activateFont(const QString &path)
+{
+    ++callCount;
+    if (delayMs > 0)
+        QThread::msleep(static_cast<unsigned long>(delayMs.load()));
+    const QMutexLocker lock(&m_mutex);
+    m_calls.append(u'+' + path);
+    return !failing.contains(path);
+}
+
+bool FakeActivation::deactivateFont(const QString &path)
+{
+    ++callCount;
+    if (delayMs > 0)
+        QThread::msleep(static_cast<unsigned long>(delayMs.load()));
+    const QMutexLocker lock(&m_mutex);
+    m_calls.append(u'-' + path);
+    return !failing.contains(path);
+}
+
+QStringList FakeActivation::calls() const
+{
+    const QMutexLocker lock(&m_mutex);
+    return m_calls;
+}
+
+StoreFixture::StoreFixture()
+    : library(TestSupport::makeDir(TestSupport::testRoot() + QStringLiteral("/Library")))
+    , store(std::make_unique<AppState>(activation, persistence))
+{
+}
+
+FolderSource StoreFixture::addSource(const QString &sourcePath)
+{
+    FolderSource source{QUuid::createUuid(), sourcePath, sourcePath.section(u'/', -1)};
+    QList<FolderSource> sources = store->sources();
+    sources.append(source);
+    store->setSourcesForTesting(sources);
+    return source;
+}
+
+void StoreFixture::scan()
+{
+    auto service = std::make_shared<FileSystemService>();
+    for (const FolderSource &source : store->sources()) {
+        if (service->insertPreScannedRoot(source.path))
+            service->deepScan(source.path);
+    }
+    for (const FontCollection &collection : store->collections()) {
+        for (const CollectionMember &member : collection.members) {
+            service->recordExistence(member.path);
+            if (member.isDirectory && service->insertPreScannedRoot(member.path))
+                service->deepScan(member.path);
+        }
+    }
+    service->freeze();
+    store->installLibrary(service, {});
+}
+
+FontNode StoreFixture::folder(const QString &relative) const
+{
+    return FontNode::folder(path(relative));
+}
+
+FontNode StoreFixture::font(const QString &relative) const
+{
+    return FontNode::fontFile(path(relative));
+}
+
+QStringList nodeNames(const QList<FontNode> &nodes)
+{
+    QStringList names;
+    for (const FontNode &node : nodes)
+        names.append(node.name().toString());
+    return names;
+}
+
+QStringList columnNames(const AppState &store)
+{
+    QStringList columns;
+    for (const QList<FontNode> &column : store.cachedColumns())
+        columns.append(nodeNames(column).join(u','));
+    return columns;
+}

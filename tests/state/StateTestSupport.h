@@ -1,0 +1,54 @@
+#pragma once
+
+#include "TestSupport.h"
+
+#include "services/FontActivating.h"
+#include "services/PersistenceService.h"
+#include "state/AppState.h"
+
+#include <QMutex>
+#include <QSet>
+#include <QStringList>
+
+#include <atomic>
+#include <memory>
+
+// Stands in for fontconfig: records every call, fails the paths it is told to,
+// and can be slowed down to keep a batch running.
+class FakeActivation : public FontActivating
+{
+public:
+    bool activateFont(const QString &path) override;
+    bool deactivateFont(const QString &path) override;
+
+    QStringList calls() const;
+    QSet<QString> failing;          // set before use
+    std::atomic_int delayMs = 0;
+    std::atomic_int callCount = 0;
+
+private:
+    mutable QMutex m_mutex;
+    QStringList m_calls; // "+path" or "-path"
+};
+
+// A store over a real folder tree: sources added, scanned by the real scanner,
+// frozen and installed as a refresh would.
+struct StoreFixture
+{
+    StoreFixture();
+
+    QString library;
+    FakeActivation activation;
+    PersistenceService persistence;
+    std::unique_ptr<AppState> store;
+
+    FolderSource addSource(const QString &path);
+    // Scans the sources and the collections' folder members and installs the result.
+    void scan();
+    FontNode folder(const QString &relative) const;
+    FontNode font(const QString &relative) const;
+    QString path(const QString &relative) const { return library + u'/' + relative; }
+};
+
+QStringList columnNames(const AppState &store);
+QStringList nodeNames(const QList<FontNode> &nodes);
