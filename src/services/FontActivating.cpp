@@ -17,3 +17,8 @@ QList<bool> FontActivating::deactivateFonts(const QStringList &paths)
         results.append(deactivateFont(path));
     return results;
 }
+
+void FontActivating::removeActivationsExcept(const QSet<QString> &)
+{
+    // Implementations that keep no state of their own have nothing to sweep.
+}

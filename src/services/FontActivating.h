@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QList>
+#include <QSet>
 #include <QString>
 #include <QStringList>
 
@@ -20,4 +21,8 @@ public:
     // One result per path, in order. Implementations may share work across a batch.
     virtual QList<bool> activateFonts(const QStringList &paths);
     virtual QList<bool> deactivateFonts(const QStringList &paths);
+
+    // Withdraws every activation of ours that is not in `keep` or whose file is gone,
+    // such as one left behind by a crash in the middle of a batch.
+    virtual void removeActivationsExcept(const QSet<QString> &keep);
 };

@@ -323,3 +323,14 @@ void FontActivationService::removeLinks(const QStringList &linkPaths)
     }
     rebuildShards(touched);
 }
+
+void FontActivationService::removeActivationsExcept(const QSet<QString> &keep)
+{
+    QStringList unknown;
+    for (const auto &[link, font] : links().asKeyValueRange()) {
+        struct stat info{};
+        if (!keep.contains(font) || ::stat(QFile::encodeName(font).constData(), &info) != 0)
+            unknown.append(link);
+    }
+    removeLinks(unknown);
+}

@@ -37,6 +37,7 @@ public:
     bool deactivateFont(const QString &path) override;
     QList<bool> activateFonts(const QStringList &paths) override;
     QList<bool> deactivateFonts(const QStringList &paths) override;
+    void removeActivationsExcept(const QSet<QString> &keep) override;
 
     QString linkFolder() const { return m_linkFolder; }
     // The link's file name for a font: stable, and unique per font path.

@@ -1,6 +1,7 @@
 #include "AppState.h"
 
 #include <QLocale>
+#include <QThreadPool>
 
 AppState::AppState(FontActivating &fontActivationService, PersistenceService &persistenceService, QObject *parent)
     : QObject(parent)
@@ -15,7 +16,67 @@ AppState::AppState(FontActivating &fontActivationService, PersistenceService &pe
     std::const_pointer_cast<FileSystemService>(m_fileSystemService)->freeze();
 }
 
-AppState::~AppState() = default;
+AppState::~AppState()
+{
+    // A job still running holds the activation service, which may go away with us.
+    m_libraryCancellation.cancel();
+    m_searchCancellation.cancel();
+    m_runningJob.waitForFinished();
+}
+
+void AppState::setActivatedFonts(QSet<QString> fonts)
+{
+    m_activationStateCache.clear();
+    m_collectionStateCache.clear();
+    if (m_activatedFonts == fonts)
+        return;
+    m_activatedFonts = std::move(fonts);
+    Q_EMIT activatedFontsChanged();
+}
+
+void AppState::setIsProcessing(bool processing)
+{
+    if (m_isProcessing == processing)
+        return;
+    m_isProcessing = processing;
+    Q_EMIT isProcessingChanged();
+}
+
+void AppState::setProcessing(double progress, const QString &message)
+{
+    if (m_processingProgress != progress) {
+        m_processingProgress = progress;
+        Q_EMIT processingProgressChanged();
+    }
+    if (m_processingMessage != message) {
+        m_processingMessage = message;
+        Q_EMIT processingMessageChanged();
+    }
+}
+
+void AppState::setIsIndexing(bool indexing)
+{
+    if (m_isIndexing == indexing)
+        return;
+    m_isIndexing = indexing;
+    Q_EMIT isIndexingChanged();
+}
+
+void AppState::setSearchResults(QList<FolderSearchResult> results)
+{
+    if (results.isEmpty() && m_searchResults.isEmpty())
+        return;
+    m_searchResults = std::move(results);
+    Q_EMIT searchResultsChanged();
+}
+
+void AppState::setIsSearchingFolders(bool searching)
+{
+    if (m_isSearchingFolders == searching)
+        return;
+    m_isSearchingFolders = searching;
+    Q_EMIT isSearchingFoldersChanged();
+}
 
 void AppState::setNavigationPath(const QList<FontNode> &path)
 {
@@ -106,36 +167,11 @@ void AppState::setPreviewSize(double size)
     Q_EMIT previewSizeChanged();
 }
 
-void AppState::setSearchQuery(const QString &query)
-{
-    if (m_searchQuery == query)
-        return;
-    m_searchQuery = query;
-    Q_EMIT searchQueryChanged();
-}
-
-bool AppState::isSearching() const
-{
-    // Spaces and tabs only; a line break counts as text.
-    qsizetype start = 0;
-    qsizetype end = m_searchQuery.size();
-    const auto blank = [](QChar c) { return c == u' ' || c == u'\t'; };
-    while (start < end && blank(m_searchQuery.at(start)))
-        ++start;
-    while (end > start && blank(m_searchQuery.at(end - 1)))
-        --end;
-    return end > start;
-}
-
-void AppState::refreshFileSystem()
-{
-    // The background refresh arrives with library loading; until then a member the
-    // last scan did not see shows up at the next scan.
-}
-
 void AppState::installLibrary(std::shared_ptr<const FileSystemService> service, QList<FolderSearchResult> searchIndex)
 {
-    m_fileSystemService = std::move(service);
+    // Freeing the old scan's 100,000 strings is done on a worker, not here.
+    QThreadPool::globalInstance()->start(
+        [old = std::exchange(m_fileSystemService, std::move(service))]() mutable { old.reset(); });
     m_searchIndex = std::move(searchIndex);
     m_activationStateCache.clear();
     m_collectionFontsCache.clear();
@@ -143,5 +179,6 @@ void AppState::installLibrary(std::shared_ptr<const FileSystemService> service, 
     m_sortedMembersCache.clear();
     m_iconCache.clear();
     m_missingIcons.clear();
+    m_finderTagService = FinderTagService(); // tags are read afresh after a refresh
     setCachedColumns(buildColumns());
 }

@@ -12,7 +12,10 @@
 #include "services/FontPreviewService.h"
 #include "services/PersistenceService.h"
 
+#include <QCoroTask>
+
 #include <QCollator>
+#include <QFuture>
 #include <QHash>
 #include <QImage>
 #include <QList>
@@ -21,6 +24,7 @@
 #include <QString>
 #include <QUuid>
 
+#include <functional>
 #include <memory>
 #include <optional>
 
@@ -74,11 +78,19 @@ public:
     bool shouldScrollToSelection() const { return m_shouldScrollToSelection; }
     void setShouldScrollToSelection(bool scroll) { m_shouldScrollToSelection = scroll; }
 
-    // ---- Activation bookkeeping --------------------------------------------------
+    // ---- Activation (AppStateActivation.cpp) -----------------------------------------
     const QSet<QString> &activatedFonts() const { return m_activatedFonts; } // paths we activated
     bool isProcessing() const { return m_isProcessing; }                     // a batch runs
     double processingProgress() const { return m_processingProgress; }       // 0 to 1
     const QString &processingMessage() const { return m_processingMessage; }
+    ActivationState activationState(const FontNode &node);                   // memoised for folders
+    ActivationState collectionActivationState(const FontCollection &collection);
+    // Asynchronous: ignored while a batch runs or the library is indexed; save when done.
+    QCoro::Task<> toggleActivation(FontNode node);
+    QCoro::Task<> toggleCollectionActivation(FontCollection collection);
+    QCoro::Task<> deactivateAllFonts();
+    // The one worker behind them all: chunks of 8, one background job each, in turn.
+    QCoro::Task<> batchProcess(QList<FontNode> fonts, bool activate, QString label);
 
     // ---- Preview settings (saved in the preferences at once) --------------------
     const QString &previewText() const { return m_previewText; }
@@ -88,15 +100,33 @@ public:
 
     // ---- Folder search ------------------------------------------------------------
     const QString &searchQuery() const { return m_searchQuery; }
-    void setSearchQuery(const QString &query);
+    void setSearchQuery(const QString &query); // a different value schedules a search
     const QList<FolderSearchResult> &searchResults() const { return m_searchResults; }
     bool isSearchingFolders() const { return m_isSearchingFolders; } // a non-empty query awaits results
     bool isSearching() const;                                        // trimmed query not empty
     const QList<FolderSearchResult> &searchIndex() const { return m_searchIndex; } // every folder, by name
+    // Filters the index after a 200 ms pause, off the interface thread; a newer query
+    // supersedes it (AppStateSearch.cpp).
+    void scheduleSearch();
 
-    // ---- Library loading ------------------------------------------------------------
+    // ---- Sources and library loading (AppStateSources.cpp) -----------------------------
     bool isIndexing() const { return m_isIndexing; } // a library refresh runs
+    // Restores sources, collections, preview settings and activations; once per store.
+    void loadPersistedState();
+    void addSource(const QString &path);
+    QCoro::Task<> removeSource(FolderSource source); // deactivates its fonts first
+    // Rescans every source and collection folder in the background after a 50 ms pause;
+    // a burst of requests costs one scan, and only the latest result is applied.
     void refreshFileSystem();
+    // What a refresh's background job produces; tests may put another job in its place.
+    struct LibraryScan
+    {
+        std::shared_ptr<FileSystemService> service;
+        QList<FolderSearchResult> searchIndex;
+    };
+    using LibraryScanner = std::function<LibraryScan(const QList<FolderSource> &, const QList<CollectionMember> &,
+                                                     const CancellationToken &)>;
+    void setLibraryScannerForTesting(LibraryScanner scanner) { m_libraryScanner = std::move(scanner); }
     // The last step of a refresh: puts a frozen scan and its search index in place,
     // empties every memo and rebuilds the columns.
     void installLibrary(std::shared_ptr<const FileSystemService> service, QList<FolderSearchResult> searchIndex);
@@ -139,7 +169,23 @@ Q_SIGNALS:
     void shouldFocusSidebarChanged();
 
 private:
+    static LibraryScan scanLibrary(const QList<FolderSource> &sources, const QList<CollectionMember> &members,
+                                   const CancellationToken &cancellation);
+    static QList<FolderSearchResult> filterIndex(const QList<FolderSearchResult> &index, const QString &query,
+                                                 const CancellationToken &cancellation);
+    QCoro::Task<> runRefresh(quint64 generation, QList<FolderSource> sources, QList<CollectionMember> members);
+    QCoro::Task<> runSearch(quint64 generation, QList<FolderSearchResult> index, QString query);
+    QCoro::Task<> restoreActivations(QSet<QString> saved);
+    QCoro::Task<> toggleFolder(FontNode node);
+    void saveActivatedFonts();
+
     // Published setters: assign and notify only when the value differs.
+    void setActivatedFonts(QSet<QString> fonts); // always empties the state memos
+    void setIsProcessing(bool processing);
+    void setProcessing(double progress, const QString &message);
+    void setIsIndexing(bool indexing);
+    void setSearchResults(QList<FolderSearchResult> results);
+    void setIsSearchingFolders(bool searching);
     void setNavigationPath(const QList<FontNode> &path);
     void setActiveColumnIndex(int index);
     void setCachedColumns(QList<QList<FontNode>> columns); // always notifies
@@ -176,10 +222,15 @@ private:
     QList<FolderSearchResult> m_searchResults;
     bool m_isSearchingFolders = false;
     QList<FolderSearchResult> m_searchIndex;
+    quint64 m_searchGeneration = 0;        // a sleeping search runs only if still the latest
+    CancellationToken m_searchCancellation; // the running filter
     // Loading
     bool m_isIndexing = false;
-    quint64 m_libraryGeneration = 0;
+    quint64 m_libraryGeneration = 0;        // only the latest refresh is applied
+    CancellationToken m_libraryCancellation; // the running scan
+    LibraryScanner m_libraryScanner = &AppState::scanLibrary;
     bool m_hasLoaded = false;
+    QFuture<void> m_runningJob;             // the background job a batch awaits
     // Collection memos, emptied wholesale, never patched
     QHash<QUuid, QList<FontNode>> m_collectionFontsCache;
     QHash<QUuid, ActivationState> m_collectionStateCache;

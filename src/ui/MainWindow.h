@@ -2,11 +2,33 @@
 
 #include <QMainWindow>
 
-// Morvane's one window.
+#include <memory>
+
+class AppState;
+class FontActivationService;
+class PersistenceService;
+class QLabel;
+
+// Morvane's one window. It owns the store and the services it is built on, and
+// restores the saved library the first time it is shown.
 class MainWindow : public QMainWindow
 {
     Q_OBJECT
 
 public:
     explicit MainWindow(QWidget *parent = nullptr);
+    ~MainWindow() override;
+
+    AppState &state() { return *m_state; }
+
+protected:
+    void showEvent(QShowEvent *event) override;
+
+private:
+    void updateStatus();
+
+    std::unique_ptr<FontActivationService> m_activation;
+    std::unique_ptr<PersistenceService> m_persistence;
+    std::unique_ptr<AppState> m_state;
+    QLabel *m_status = nullptr;
 };

@@ -1,0 +1,204 @@
+// Sources and library loading: the start-up restore, adding and removing source
+// folders, and the background refresh that swaps in new scan caches.
+#include "AppState.h"
+
+#include <QCoroFuture>
+#include <QCoroTimer>
+#include <QDir>
+#include <QFile>
+#include <QPointer>
+#include <QtConcurrent/qtconcurrenttask.h>
+
+#include <chrono>
+#include <limits>
+
+#include <sys/stat.h>
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace {
+
+bool fileExists(const QString &path)
+{
+    struct stat info{};
+    return ::stat(QFile::encodeName(path).constData(), &info) == 0;
+}
+
+// Every folder below the root, with the path of folders leading to it, depth first.
+void indexFolders(const FileSystemService &service, const FolderSource &source, const QString &folder,
+                  const QList<FontNode> &pathSoFar, QList<FolderSearchResult> &index)
+{
+    for (const FontNode &child : service.children(folder)) {
+        if (!child.isDirectory())
+            continue;
+        QList<FontNode> path = pathSoFar;
+        path.append(child);
+        index.append(FolderSearchResult::make(child, source, path));
+        indexFolders(service, source, child.path(), path, index);
+    }
+}
+
+} // namespace
+
+void AppState::loadPersistedState()
+{
+    if (m_hasLoaded)
+        return;
+    m_hasLoaded = true;
+    setSources(m_persistenceService.loadSources());
+    setCollections(m_persistenceService.loadCollections());
+    sortCollections();
+    const QSet<QString> saved = m_persistenceService.loadActivatedFonts();
+    setActivatedFonts(saved);
+    setPreviewText(m_persistenceService.previewText());
+    setPreviewSize(m_persistenceService.previewSize());
+    if (!m_sources.isEmpty())
+        setSidebarSelection(SidebarItem(m_sources.first()));
+    refreshFileSystem();
+
+    setIsProcessing(true);
+    setProcessing(m_processingProgress, u"Restoring fonts…"_s);
+    restoreActivations(saved);
+}
+
+QCoro::Task<> AppState::restoreActivations(QSet<QString> saved)
+{
+    QPointer<AppState> self(this);
+    FontActivating *activation = &m_fontActivationService;
+    // Off the interface thread, at low priority: which saved fonts still exist, and
+    // away with any activation of ours nothing accounts for (a crash mid-batch).
+    const QFuture<QSet<QString>> check = QtConcurrent::task([activation, saved] {
+                                             QSet<QString> existing;
+                                             for (const QString &path : saved) {
+                                                 if (fileExists(path))
+                                                     existing.insert(path);
+                                             }
+                                             activation->removeActivationsExcept(existing);
+                                             return existing;
+                                         })
+                                             .withPriority(-1)
+                                             .spawn();
+    m_runningJob = QFuture<void>(check);
+    const QSet<QString> existing = co_await check;
+    if (!self)
+        co_return;
+    setActivatedFonts({});
+    QList<FontNode> fonts;
+    fonts.reserve(existing.size());
+    for (const QString &path : existing)
+        fonts.append(FontNode::fromPath(path));
+    const QString label = u"Restoring"_s;
+    co_await batchProcess(fonts, true, label);
+    if (!self)
+        co_return;
+    saveActivatedFonts(); // vanished fonts leave the saved set here
+    setIsProcessing(false);
+}
+
+void AppState::addSource(const QString &path)
+{
+    const QString cleanPath = QDir::cleanPath(path);
+    for (const FolderSource &source : std::as_const(m_sources)) {
+        if (source.path == cleanPath)
+            return;
+    }
+    const FolderSource source{QUuid::createUuid(), cleanPath, cleanPath == u"/" ? cleanPath : cleanPath.section(u'/', -1)};
+    QList<FolderSource> sources = m_sources;
+    sources.append(source);
+    setSources(std::move(sources));
+    refreshFileSystem();
+    if (!m_sidebarSelection)
+        setSidebarSelection(SidebarItem(source));
+    m_persistenceService.saveSources(m_sources);
+}
+
+QCoro::Task<> AppState::removeSource(FolderSource source)
+{
+    if (m_isProcessing)
+        co_return; // never overlaps a batch
+    QPointer<AppState> self(this);
+    QList<FontNode> active;
+    for (const FontNode &font : m_fileSystemService->allFonts(QDir::cleanPath(source.path))) {
+        if (m_activatedFonts.contains(font.path()))
+            active.append(font);
+    }
+    setIsProcessing(true);
+    const QString label = u"Deactivating"_s;
+    co_await batchProcess(active, false, label);
+    if (!self)
+        co_return;
+    QList<FolderSource> sources = m_sources;
+    sources.removeIf([&source](const FolderSource &s) { return s.id == source.id; });
+    setSources(std::move(sources));
+    if (m_sidebarSelection && m_sidebarSelection->isSource() && m_sidebarSelection->payloadId() == source.id) {
+        setSidebarSelection(m_sources.isEmpty() ? std::nullopt : std::optional<SidebarItem>(SidebarItem(m_sources.first())));
+        setNavigationPath({});
+        setCachedColumns(buildColumns());
+    }
+    m_persistenceService.saveSources(m_sources);
+    saveActivatedFonts();
+    refreshFileSystem();
+    setIsProcessing(false);
+}
+
+void AppState::refreshFileSystem()
+{
+    m_libraryCancellation.cancel();
+    if (m_libraryGeneration == std::numeric_limits<quint64>::max())
+        qFatal("AppState: library generation overflow");
+    const quint64 generation = ++m_libraryGeneration;
+    QList<CollectionMember> members;
+    for (const FontCollection &collection : std::as_const(m_collections))
+        members.append(collection.members);
+    setIsIndexing(true);
+    runRefresh(generation, m_sources, members);
+}
+
+QCoro::Task<> AppState::runRefresh(quint64 generation, QList<FolderSource> sources, QList<CollectionMember> members)
+{
+    QPointer<AppState> self(this);
+    co_await QCoro::sleepFor(50ms);
+    if (!self || generation != m_libraryGeneration)
+        co_return; // a newer request came while we slept: one scan per burst
+    const CancellationToken cancellation = CancellationToken::create();
+    m_libraryCancellation = cancellation;
+    LibraryScanner scanner = m_libraryScanner; // the job keeps its own copy
+    const LibraryScan scan = co_await QtConcurrent::task(std::move(scanner))
+                                 .withArguments(sources, members, cancellation)
+                                 .withPriority(1)
+                                 .spawn();
+    if (!self || cancellation.isCancelled() || generation != m_libraryGeneration)
+        co_return; // stale: a newer refresh owns isIndexing
+    installLibrary(scan.service, scan.searchIndex);
+    scheduleSearch(); // an active query runs again on the new index
+    setIsIndexing(false);
+}
+
+AppState::LibraryScan AppState::scanLibrary(const QList<FolderSource> &sources, const QList<CollectionMember> &members,
+                                            const CancellationToken &cancellation)
+{
+    auto service = std::make_shared<FileSystemService>(cancellation);
+    for (const FolderSource &source : sources) {
+        if (cancellation.isCancelled())
+            break;
+        const QString root = QDir::cleanPath(source.path);
+        if (service->insertPreScannedRoot(root))
+            service->deepScan(root);
+    }
+    for (const CollectionMember &member : members) {
+        if (cancellation.isCancelled())
+            break;
+        service->recordExistence(member.path);
+        // Folders outside every source become browsable from their collection.
+        if (member.isDirectory && service->insertPreScannedRoot(QDir::cleanPath(member.path)))
+            service->deepScan(QDir::cleanPath(member.path));
+    }
+    QList<FolderSearchResult> index;
+    for (const FolderSource &source : sources)
+        indexFolders(*service, source, QDir::cleanPath(source.path), {}, index);
+    std::vector<FolderSearchResult> sorted(index.begin(), index.end());
+    NameCollator(QLocale()).stableSort(sorted, [](const FolderSearchResult &result) { return result.folder.name(); });
+    service->freeze();
+    return {service, QList<FolderSearchResult>(sorted.begin(), sorted.end())};
+}

@@ -1,0 +1,154 @@
+#include "StateTestSupport.h"
+
+#include <QSignalSpy>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+using namespace TestSupport;
+
+namespace {
+
+class Activation : public testing::Test, public StoreFixture
+{
+protected:
+    Activation()
+    {
+        for (int i = 0; i < 20; ++i)
+            writeFile(path(u"Big/f%1.ttf"_s.arg(i, 2, 10, QChar(u'0'))));
+        for (const QString &file : {u"Mixed/m1.otf"_s, u"Mixed/m2.otf"_s, u"Mixed/m3.otf"_s, u"Other/o.otf"_s})
+            writeFile(path(file));
+        source = addSource(library);
+        store->setSidebarSelection(SidebarItem(source));
+        scan();
+    }
+
+    bool waitUntilIdle() { return QTest::qWaitFor([this] { return !store->isProcessing(); }, 20'000); }
+
+    QList<FontNode> fontsOf(const QString &folder)
+    {
+        const std::span<const FontNode> fonts = store->fileSystemService().allFonts(path(folder));
+        return QList<FontNode>(fonts.begin(), fonts.end());
+    }
+
+    FolderSource source;
+};
+
+} // namespace
+
+TEST_F(Activation, ABatchReportsProgressInChunksOfEight)
+{
+    QStringList messages;
+    QList<double> progress;
+    QObject::connect(store.get(), &AppState::processingMessageChanged, [&] { messages.append(store->processingMessage()); });
+    QObject::connect(store.get(), &AppState::processingProgressChanged, [&] { progress.append(store->processingProgress()); });
+    QSignalSpy processing(store.get(), &AppState::isProcessingChanged);
+    store->toggleActivation(folder(u"Big"_s));
+    EXPECT_TRUE(store->isProcessing());
+    ASSERT_TRUE(waitUntilIdle());
+    EXPECT_EQ(messages, (QStringList{u"Activating fonts (0 of 20)..."_s, u"Activating fonts (8 of 20)..."_s,
+                                     u"Activating fonts (16 of 20)..."_s, u"Activating fonts (20 of 20)..."_s}));
+    EXPECT_EQ(progress, (QList<double>{0.4, 0.8, 1.0})); // it started at 0 already
+    EXPECT_EQ(processing.count(), 2);
+    EXPECT_EQ(store->activatedFonts().size(), 20);
+    EXPECT_EQ(store->activationState(folder(u"Big"_s)), ActivationState::Active);
+    EXPECT_EQ(PersistenceService().loadActivatedFonts(), store->activatedFonts());
+    EXPECT_EQ(store->processingMessage(), u"Activating fonts (20 of 20)..."_s); // kept after the end
+}
+
+TEST_F(Activation, AMixedFolderBecomesFullyActiveThenInactive)
+{
+    store->toggleActivation(font(u"Mixed/m2.otf"_s));
+    ASSERT_TRUE(waitUntilIdle());
+    EXPECT_EQ(store->processingMessage(), u"Updating fonts (1 of 1)..."_s);
+    EXPECT_EQ(store->activationState(folder(u"Mixed"_s)), ActivationState::Mixed);
+    EXPECT_EQ(store->activationState(folder(u"Other"_s)), ActivationState::Inactive);
+    store->toggleActivation(folder(u"Mixed"_s));
+    ASSERT_TRUE(waitUntilIdle());
+    EXPECT_EQ(store->activationState(folder(u"Mixed"_s)), ActivationState::Active);
+    EXPECT_EQ(store->activatedFonts().size(), 3);
+    store->toggleActivation(folder(u"Mixed"_s));
+    ASSERT_TRUE(waitUntilIdle());
+    EXPECT_EQ(store->processingMessage(), u"Deactivating fonts (3 of 3)..."_s);
+    EXPECT_TRUE(store->activatedFonts().isEmpty());
+    EXPECT_EQ(store->activationState(folder(u"Mixed"_s)), ActivationState::Inactive);
+    EXPECT_TRUE(PersistenceService().loadActivatedFonts().isEmpty());
+}
+
+TEST_F(Activation, DuplicatesCountOnceAndFailuresStayAsTheyWere)
+{
+    const FontNode a = font(u"Other/o.otf"_s);
+    const FontNode b = font(u"Mixed/m1.otf"_s);
+    activation.failing.insert(b.path());
+    store->batchProcess({a, a, b, a}, true, u"Activating"_s);
+    ASSERT_TRUE(waitUntilIdle());
+    EXPECT_EQ(activation.calls(), (QStringList{u'+' + a.path(), u'+' + b.path()}));
+    EXPECT_EQ(store->processingMessage(), u"Activating fonts (2 of 2)..."_s);
+    EXPECT_EQ(store->activatedFonts(), QSet<QString>{a.path()});
+    // The batch itself does not save; its callers do.
+    EXPECT_TRUE(PersistenceService().loadActivatedFonts().isEmpty());
+}
+
+TEST_F(Activation, TogglesWhileABatchRunsOrTheLibraryIndexesAreIgnored)
+{
+    activation.delayMs = 20;
+    store->toggleActivation(folder(u"Big"_s));
+    ASSERT_TRUE(store->isProcessing());
+    store->toggleActivation(font(u"Other/o.otf"_s));
+    store->toggleCollectionActivation(FontCollection::create(u"x"_s));
+    store->deactivateAllFonts();
+    ASSERT_TRUE(waitUntilIdle());
+    EXPECT_EQ(activation.calls().size(), 20);
+    EXPECT_FALSE(store->activatedFonts().contains(path(u"Other/o.otf"_s)));
+
+    activation.delayMs = 0;
+    store->refreshFileSystem();
+    ASSERT_TRUE(store->isIndexing());
+    store->toggleActivation(font(u"Other/o.otf"_s));
+    EXPECT_FALSE(store->isProcessing());
+    ASSERT_TRUE(QTest::qWaitFor([this] { return !store->isIndexing(); }, 20'000));
+    EXPECT_EQ(activation.calls().size(), 20);
+    EXPECT_EQ(PersistenceService().loadActivatedFonts().size(), 20); // the ignored toggle saved nothing new
+}
+
+TEST_F(Activation, CollectionsAndDeactivateAllFollowTheSameRule)
+{
+    store->createCollection(u"Set"_s);
+    const QUuid id = store->collections().first().id;
+    store->addToCollection(id, folder(u"Mixed"_s));
+    store->addToCollection(id, font(u"Other/o.otf"_s));
+    const auto collection = [this] { return store->collections().first(); };
+    EXPECT_EQ(store->collectionActivationState(collection()), ActivationState::Inactive);
+    store->toggleCollectionActivation(collection());
+    ASSERT_TRUE(waitUntilIdle());
+    EXPECT_EQ(store->collectionActivationState(collection()), ActivationState::Active);
+    EXPECT_EQ(store->activatedFonts().size(), 4);
+
+    // Deactivate all: only fonts the sources show; an active path elsewhere stays.
+    store->batchProcess({FontNode::fromPath(testRoot() + u"/Outside/x.otf"_s)}, true, u"Activating"_s);
+    ASSERT_TRUE(waitUntilIdle());
+    EXPECT_EQ(store->collectionActivationState(collection()), ActivationState::Active);
+    store->deactivateAllFonts();
+    ASSERT_TRUE(waitUntilIdle());
+    EXPECT_EQ(store->activatedFonts(), QSet<QString>{testRoot() + u"/Outside/x.otf"_s});
+    EXPECT_EQ(store->collectionActivationState(collection()), ActivationState::Inactive);
+    EXPECT_EQ(PersistenceService().loadActivatedFonts(), store->activatedFonts());
+
+    // Nothing active under any source: nothing runs and nothing is saved.
+    QSignalSpy processing(store.get(), &AppState::isProcessingChanged);
+    persistence.saveActivatedFonts({u"/marker.otf"_s});
+    store->deactivateAllFonts();
+    EXPECT_EQ(processing.count(), 0);
+    EXPECT_EQ(PersistenceService().loadActivatedFonts(), QSet<QString>{u"/marker.otf"_s});
+}
+
+TEST_F(Activation, FolderStatesAreMemoisedUntilTheFontsOrTheLibraryChange)
+{
+    const FontNode unknown = FontNode::folder(path(u"NotScanned"_s));
+    EXPECT_EQ(store->activationState(unknown), ActivationState::Inactive);
+    writeFile(path(u"NotScanned/n.otf"_s));
+    store->batchProcess({font(u"NotScanned/n.otf"_s)}, true, u"Activating"_s);
+    ASSERT_TRUE(waitUntilIdle());
+    EXPECT_EQ(store->activationState(unknown), ActivationState::Inactive); // not scanned yet
+    scan();
+    EXPECT_EQ(store->activationState(unknown), ActivationState::Active);
+}
