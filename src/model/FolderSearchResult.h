@@ -16,4 +16,7 @@ struct FolderSearchResult
 
     static FolderSearchResult make(const FontNode &folder, const FolderSource &source,
                                    QList<FontNode> navigationPath);
+    // The same, given the source's id text with its ":" (indexing makes thousands).
+    static FolderSearchResult make(const QString &idPrefix, const FontNode &folder, const FolderSource &source,
+                                   QList<FontNode> navigationPath);
 };

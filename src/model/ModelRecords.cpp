@@ -15,6 +15,11 @@ size_t qHash(const SidebarItem &item, size_t seed) noexcept
 FolderSearchResult FolderSearchResult::make(const FontNode &folder, const FolderSource &source,
                                             QList<FontNode> navigationPath)
 {
-    return FolderSearchResult{Json::uuidText(source.id) + u':' + folder.id(), folder, source,
-                              std::move(navigationPath)};
+    return make(Json::uuidText(source.id) + u':', folder, source, std::move(navigationPath));
+}
+
+FolderSearchResult FolderSearchResult::make(const QString &idPrefix, const FontNode &folder, const FolderSource &source,
+                                            QList<FontNode> navigationPath)
+{
+    return FolderSearchResult{idPrefix + folder.id(), folder, source, std::move(navigationPath)};
 }

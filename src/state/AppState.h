@@ -108,6 +108,9 @@ public:
     // Filters the index after a 200 ms pause, off the interface thread; a newer query
     // supersedes it (AppStateSearch.cpp).
     void scheduleSearch();
+    // The filter itself: folders whose own name contains the query, case-insensitively.
+    static QList<FolderSearchResult> filterIndex(const QList<FolderSearchResult> &index, const QString &query,
+                                                 const CancellationToken &cancellation);
 
     // ---- Sources and library loading (AppStateSources.cpp) -----------------------------
     bool isIndexing() const { return m_isIndexing; } // a library refresh runs
@@ -171,8 +174,6 @@ Q_SIGNALS:
 private:
     static LibraryScan scanLibrary(const QList<FolderSource> &sources, const QList<CollectionMember> &members,
                                    const CancellationToken &cancellation);
-    static QList<FolderSearchResult> filterIndex(const QList<FolderSearchResult> &index, const QString &query,
-                                                 const CancellationToken &cancellation);
     QCoro::Task<> runRefresh(quint64 generation, QList<FolderSource> sources, QList<CollectionMember> members);
     QCoro::Task<> runSearch(quint64 generation, QList<FolderSearchResult> index, QString query);
     QCoro::Task<> restoreActivations(QSet<QString> saved);

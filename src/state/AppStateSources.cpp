@@ -2,6 +2,8 @@
 // folders, and the background refresh that swaps in new scan caches.
 #include "AppState.h"
 
+#include "model/Json.h"
+
 #include <QCoroFuture>
 #include <QCoroTimer>
 #include <QDir>
@@ -26,16 +28,19 @@ bool fileExists(const QString &path)
 }
 
 // Every folder below the root, with the path of folders leading to it, depth first.
-void indexFolders(const FileSystemService &service, const FolderSource &source, const QString &folder,
-                  const QList<FontNode> &pathSoFar, QList<FolderSearchResult> &index)
+// Children lists hold folders first, so the walk stops at the first font.
+void indexFolders(const FileSystemService &service, const FolderSource &source, const QString &idPrefix,
+                  const QString &folder, const QList<FontNode> &pathSoFar, std::vector<FolderSearchResult> &index)
 {
     for (const FontNode &child : service.children(folder)) {
         if (!child.isDirectory())
-            continue;
-        QList<FontNode> path = pathSoFar;
+            break;
+        QList<FontNode> path;
+        path.reserve(pathSoFar.size() + 1);
+        path.append(pathSoFar);
         path.append(child);
-        index.append(FolderSearchResult::make(child, source, path));
-        indexFolders(service, source, child.path(), path, index);
+        index.push_back(FolderSearchResult::make(idPrefix, child, source, path));
+        indexFolders(service, source, idPrefix, child.path(), path, index);
     }
 }
 
@@ -194,11 +199,13 @@ AppState::LibraryScan AppState::scanLibrary(const QList<FolderSource> &sources, 
         if (member.isDirectory && service->insertPreScannedRoot(QDir::cleanPath(member.path)))
             service->deepScan(QDir::cleanPath(member.path));
     }
-    QList<FolderSearchResult> index;
-    for (const FolderSource &source : sources)
-        indexFolders(*service, source, QDir::cleanPath(source.path), {}, index);
-    std::vector<FolderSearchResult> sorted(index.begin(), index.end());
-    NameCollator(QLocale()).stableSort(sorted, [](const FolderSearchResult &result) { return result.folder.name(); });
+    std::vector<FolderSearchResult> index;
+    index.reserve(static_cast<size_t>(service->folderCount()));
+    for (const FolderSource &source : sources) {
+        const QString idPrefix = Json::uuidText(source.id) + u':';
+        indexFolders(*service, source, idPrefix, QDir::cleanPath(source.path), {}, index);
+    }
+    NameCollator(QLocale()).stableSort(index, [](const FolderSearchResult &result) { return result.folder.name(); });
     service->freeze();
-    return {service, QList<FolderSearchResult>(sorted.begin(), sorted.end())};
+    return {service, QList<FolderSearchResult>(std::make_move_iterator(index.begin()), std::make_move_iterator(index.end()))};
 }
