@@ -1,5 +1,7 @@
 #pragma once
 
+#include "services/FontActivating.h"
+
 #include <QString>
 
 #include <functional>
@@ -32,5 +34,13 @@ const QString &libraryRootPath();
 
 // Bytes the allocator currently hands out (all arenas, mmapped blocks included).
 size_t allocatedBytes();
+
+// Activation that succeeds at once: what remains is the store's own cost.
+class NoActivation : public FontActivating
+{
+public:
+    bool activateFont(const QString &) override { return true; }
+    bool deactivateFont(const QString &) override { return true; }
+};
 
 } // namespace BenchFigures

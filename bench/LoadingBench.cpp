@@ -16,13 +16,6 @@ namespace {
 
 constexpr double kRefreshPauseMs = 50.0;
 
-class NoActivation : public FontActivating
-{
-public:
-    bool activateFont(const QString &) override { return true; }
-    bool deactivateFont(const QString &) override { return true; }
-};
-
 struct LibraryStore
 {
     LibraryStore()
@@ -45,7 +38,7 @@ struct LibraryStore
         QObject::disconnect(connection);
     }
 
-    NoActivation activation;
+    BenchFigures::NoActivation activation;
     PersistenceService persistence;
     AppState store;
 };

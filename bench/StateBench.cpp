@@ -10,13 +10,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-class NoActivation : public FontActivating
-{
-public:
-    bool activateFont(const QString &) override { return true; }
-    bool deactivateFont(const QString &) override { return true; }
-};
-
 struct ScannedStore
 {
     ScannedStore()
@@ -32,7 +25,7 @@ struct ScannedStore
         store.setSidebarSelection(SidebarItem(source));
         store.installLibrary(service, {});
     }
-    NoActivation activation;
+    BenchFigures::NoActivation activation;
     PersistenceService persistence;
     AppState store;
 };

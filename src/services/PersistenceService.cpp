@@ -69,6 +69,19 @@ Expected<QList<Record>> decodeList(const QByteArray &bytes)
     return records;
 }
 
+template <typename Record>
+QByteArray encodeList(const QList<Record> &records)
+{
+    QByteArray json("[");
+    for (qsizetype i = 0; i < records.size(); ++i) {
+        if (i > 0)
+            json.append(',');
+        records.at(i).appendJson(json);
+    }
+    json.append(']');
+    return json;
+}
+
 QString lastExtension(const QString &path)
 {
     const QString name = path.section(u'/', -1);
@@ -125,26 +138,12 @@ void PersistenceService::save(const char *fileName, const QByteArray &json, cons
 
 void PersistenceService::saveSources(const QList<FolderSource> &sources)
 {
-    QByteArray json("[");
-    for (qsizetype i = 0; i < sources.size(); ++i) {
-        if (i > 0)
-            json.append(',');
-        sources.at(i).appendJson(json);
-    }
-    json.append(']');
-    save(kSourcesFile, json, u"Failed to save sources: "_s);
+    save(kSourcesFile, encodeList(sources), u"Failed to save sources: "_s);
 }
 
 void PersistenceService::saveCollections(const QList<FontCollection> &collections)
 {
-    QByteArray json("[");
-    for (qsizetype i = 0; i < collections.size(); ++i) {
-        if (i > 0)
-            json.append(',');
-        collections.at(i).appendJson(json);
-    }
-    json.append(']');
-    save(kCollectionsFile, json, u"Failed to save collections: "_s);
+    save(kCollectionsFile, encodeList(collections), u"Failed to save collections: "_s);
 }
 
 void PersistenceService::saveActivatedFonts(const QSet<QString> &paths)

@@ -193,6 +193,8 @@ private:
     void setCollections(QList<FontCollection> collections);
     void setSources(QList<FolderSource> sources);
     void jumpTo(const FolderSource &source, const QList<FontNode> &path);
+    int keyboardColumn() const;
+    void moveInColumn(int step); // -1 up, +1 down
     void clearCollectionMemos();
     FontCollection *findCollection(const QUuid &id);
     void saveCollections();

@@ -5,28 +5,29 @@
 
 #include <algorithm>
 
+namespace {
+
+// The list's element with the selection's id, when the selection is of that kind.
+template <typename Record>
+std::optional<Record> selected(const std::optional<SidebarItem> &selection, bool rightKind, const QList<Record> &list)
+{
+    if (!selection || !rightKind)
+        return std::nullopt;
+    const QUuid id = selection->payloadId();
+    const auto found = std::find_if(list.cbegin(), list.cend(), [&id](const Record &record) { return record.id == id; });
+    return found == list.cend() ? std::nullopt : std::optional<Record>(*found);
+}
+
+} // namespace
+
 std::optional<FolderSource> AppState::selectedSource() const
 {
-    if (!m_sidebarSelection || !m_sidebarSelection->isSource())
-        return std::nullopt;
-    const QUuid id = m_sidebarSelection->payloadId();
-    for (const FolderSource &source : m_sources) {
-        if (source.id == id)
-            return source;
-    }
-    return std::nullopt;
+    return selected(m_sidebarSelection, m_sidebarSelection && m_sidebarSelection->isSource(), m_sources);
 }
 
 std::optional<FontCollection> AppState::selectedCollection() const
 {
-    if (!m_sidebarSelection || !m_sidebarSelection->isCollection())
-        return std::nullopt;
-    const QUuid id = m_sidebarSelection->payloadId();
-    for (const FontCollection &collection : m_collections) {
-        if (collection.id == id)
-            return collection;
-    }
-    return std::nullopt;
+    return selected(m_sidebarSelection, m_sidebarSelection && m_sidebarSelection->isCollection(), m_collections);
 }
 
 std::optional<FontNode> AppState::selectedFont() const
@@ -75,41 +76,46 @@ qsizetype indexOf(const QList<FontNode> &items, const std::optional<FontNode> &n
 
 } // namespace
 
-void AppState::handleArrowUp()
+int AppState::keyboardColumn() const
+{
+    // An active index beyond the last column acts on the last column.
+    return std::min(static_cast<int>(m_cachedColumns.size()) - 1, m_activeColumnIndex);
+}
+
+void AppState::moveInColumn(int step)
 {
     if (m_cachedColumns.isEmpty())
         return;
-    const int column = std::min(static_cast<int>(m_cachedColumns.size()) - 1, m_activeColumnIndex);
+    const int column = keyboardColumn();
     const QList<FontNode> items = m_cachedColumns.at(column);
     if (items.isEmpty())
         return;
     const qsizetype current = indexOf(items, selectedNode(column));
-    if (current < 0)
-        selectNode(items.constLast(), column); // from nowhere, Up lands on the bottom row
-    else if (current >= 1)
-        selectNode(items.at(current - 1), column);
+    if (current < 0) {
+        // From nowhere, Up lands on the bottom row and Down on the top row.
+        selectNode(step < 0 ? items.constLast() : items.constFirst(), column);
+        return;
+    }
+    const qsizetype next = current + step;
+    if (next >= 0 && next < items.size()) // no wrap-around at either end
+        selectNode(items.at(next), column);
+}
+
+void AppState::handleArrowUp()
+{
+    moveInColumn(-1);
 }
 
 void AppState::handleArrowDown()
 {
-    if (m_cachedColumns.isEmpty())
-        return;
-    const int column = std::min(static_cast<int>(m_cachedColumns.size()) - 1, m_activeColumnIndex);
-    const QList<FontNode> items = m_cachedColumns.at(column);
-    if (items.isEmpty())
-        return;
-    const qsizetype current = indexOf(items, selectedNode(column));
-    if (current < 0)
-        selectNode(items.constFirst(), column);
-    else if (current < items.size() - 1)
-        selectNode(items.at(current + 1), column);
+    moveInColumn(1);
 }
 
 void AppState::handleArrowRight()
 {
     if (m_cachedColumns.isEmpty())
         return;
-    const int column = std::min(static_cast<int>(m_cachedColumns.size()) - 1, m_activeColumnIndex);
+    const int column = keyboardColumn();
     const std::optional<FontNode> current = selectedNode(column);
     if (!current || !current->isDirectory())
         return;
