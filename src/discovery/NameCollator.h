@@ -52,9 +52,18 @@ void NameCollator::stableSort(std::vector<T> &items, NameOf nameOf) const
                 for (size_t j = i; j > 0 && less(items[j], items[j - 1]); --j)
                     std::swap(items[j], items[j - 1]);
             }
-        } else {
-            std::stable_sort(items.begin(), items.end(), less);
+            return;
         }
+        // Long lists: sort positions, then move each item once.
+        std::vector<quint32> order(items.size());
+        for (quint32 i = 0; i < order.size(); ++i)
+            order[i] = i;
+        std::stable_sort(order.begin(), order.end(), [&](quint32 a, quint32 b) { return less(items[a], items[b]); });
+        std::vector<T> sorted;
+        sorted.reserve(items.size());
+        for (quint32 index : order)
+            sorted.push_back(std::move(items[index]));
+        items = std::move(sorted);
         return;
     }
     std::vector<QStringView> names;

@@ -169,10 +169,13 @@ void AppState::setPreviewSize(double size)
 
 void AppState::installLibrary(std::shared_ptr<const FileSystemService> service, QList<FolderSearchResult> searchIndex)
 {
-    // Freeing the old scan's 100,000 strings is done on a worker, not here.
-    QThreadPool::globalInstance()->start(
-        [old = std::exchange(m_fileSystemService, std::move(service))]() mutable { old.reset(); });
-    m_searchIndex = std::move(searchIndex);
+    // Freeing the old scan's 100,000 strings and the old index is done on a worker,
+    // not on the interface thread.
+    QThreadPool::globalInstance()->start([oldService = std::exchange(m_fileSystemService, std::move(service)),
+                                          oldIndex = std::exchange(m_searchIndex, std::move(searchIndex))]() mutable {
+        oldService.reset();
+        oldIndex.clear();
+    });
     m_activationStateCache.clear();
     m_collectionFontsCache.clear();
     m_collectionStateCache.clear();
