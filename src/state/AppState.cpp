@@ -129,8 +129,14 @@ void AppState::setSidebarSelection(const std::optional<SidebarItem> &selection)
     const bool same = m_sidebarSelection.has_value() == selection.has_value() &&
                       (!selection || *m_sidebarSelection == *selection);
     m_sidebarSelection = selection;
-    if (!same)
-        Q_EMIT sidebarSelectionChanged();
+    if (same)
+        return;
+    Q_EMIT sidebarSelectionChanged();
+    // Another item shows another tree: the browser starts again at its top, so the
+    // columns always match the path.
+    setNavigationPath({});
+    setActiveColumnIndex(0);
+    setCachedColumns(buildColumns());
 }
 
 void AppState::setShouldFocusBrowser(bool focus)

@@ -217,3 +217,19 @@ TEST_F(Navigation, JumpsToSearchResultsAndCollectionMembers)
     store->navigateToMember({path(u"Serif/new.otf"_s), false});
     EXPECT_EQ(nodeNames(store->navigationPath()), QStringList{u"top.ttf"_s});
 }
+
+TEST_F(Navigation, AnotherSidebarItemStartsTheBrowserAgain)
+{
+    store->selectNode(folder(u"Sans"_s), 0);
+    store->selectNode(font(u"Sans/a.ttf"_s), 1);
+    store->setSidebarSelection(SidebarItem(source)); // the same item: nothing changes
+    EXPECT_EQ(store->navigationPath().size(), 2);
+
+    store->createCollection(u"Picked"_s); // selects the new collection
+    EXPECT_TRUE(store->navigationPath().isEmpty());
+    EXPECT_EQ(store->activeColumnIndex(), 0);
+    EXPECT_TRUE(store->cachedColumns().isEmpty());
+    EXPECT_EQ(store->cachedColumns(), store->buildColumns());
+    store->setSidebarSelection(SidebarItem(source));
+    EXPECT_EQ(columnNames(*store), QStringList{u"Sans,Serif,top.ttf"_s});
+}
