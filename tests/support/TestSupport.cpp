@@ -101,9 +101,15 @@ QByteArray readFile(const QString &path)
 bool isolateProcess()
 {
     qputenv("QT_QPA_PLATFORM", "offscreen");
-    g_processRoot = std::make_unique<QTemporaryDir>(QDir::tempPath() + u"/morvane-test-XXXXXX"_s);
+    // A process started by a test (a death test's child) lives inside its parent's
+    // folder, which the parent removes; a child that aborts can't clean up after itself.
+    const QString parentRoot = qEnvironmentVariable("MORVANE_TEST_PROCESS_ROOT");
+    const QString base = parentRoot.isEmpty() ? QDir::tempPath() : parentRoot;
+    g_processRoot = std::make_unique<QTemporaryDir>(base + u"/morvane-test-XXXXXX"_s);
     if (!g_processRoot->isValid())
         return false;
+    if (parentRoot.isEmpty())
+        qputenv("MORVANE_TEST_PROCESS_ROOT", QFile::encodeName(g_processRoot->path()));
     pointEnvironmentAt(g_processRoot->path() + u"/process"_s);
     // ICU collation needs a real locale; the C locale would bypass it.
     QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
