@@ -82,6 +82,11 @@ TEST(FontMetadata, NamesFromEveryKindOfNameTable)
     ASSERT_TRUE(pair.has_value());
     EXPECT_EQ(pair->familyName, u"Collection First"_s);
     EXPECT_EQ(pair->fileType, u"TrueType Collection"_s);
+
+    const std::optional<FontMetadata> suitcase = FontMetadata::load(kFonts + u"/Pair.dfont"_s);
+    ASSERT_TRUE(suitcase.has_value());
+    EXPECT_EQ(suitcase->familyName, u"Collection First"_s);
+    EXPECT_EQ(suitcase->fileType, u"Data Fork Suitcase"_s);
 }
 
 TEST(FontMetadata, FileTypeComesFromTheExtensionAlone)

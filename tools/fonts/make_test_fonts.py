@@ -43,6 +43,30 @@ def builder(names, axes=None):
     return fb
 
 
+def write_suitcase(path, sfnt_fonts):
+    """A data-fork suitcase (.dfont): a resource fork holding 'sfnt' resources."""
+    import struct
+    data = b"".join(struct.pack(">I", len(font)) + font for font in sfnt_fonts)
+    data_offset = 256
+    references = b""
+    position = 0
+    for number, font in enumerate(sfnt_fonts):
+        # id, no name, attributes 0 with a 3-byte data offset, handle
+        references += struct.pack(">hHI", 128 + number, 0xFFFF, position) + b"\0\0\0\0"
+        position += 4 + len(font)
+    type_list = struct.pack(">H", 0) + b"sfnt" + struct.pack(">HH", len(sfnt_fonts) - 1, 2 + 8)
+    map_header_length = 16 + 4 + 2 + 2 + 2 + 2
+    type_list_offset = map_header_length
+    name_list_offset = map_header_length + len(type_list) + len(references)
+    map_offset = data_offset + len(data)
+    map_length = name_list_offset
+    header = struct.pack(">IIII", data_offset, map_offset, len(data), map_length)
+    resource_map = header + b"\0" * 4 + b"\0" * 2 + b"\0" * 2
+    resource_map += struct.pack(">HH", type_list_offset, name_list_offset) + type_list + references
+    with open(path, "wb") as target:
+        target.write(header + b"\0" * (data_offset - len(header)) + data + resource_map)
+
+
 def drop_names(font, name_ids):
     table = font["name"]
     table.names = [record for record in table.names if record.nameID not in name_ids]
@@ -94,6 +118,18 @@ def main(out):
     collection.save(os.path.join(out, "Pair.ttc"))
     os.remove(os.path.join(out, "first.tmp"))
     os.remove(os.path.join(out, "second.tmp"))
+
+    # A suitcase of the same two faces: readers see the first.
+    with open(os.path.join(out, "first.tmp"), "wb") as target:
+        first.save(target)
+    with open(os.path.join(out, "second.tmp"), "wb") as target:
+        second.save(target)
+    faces = []
+    for name in ("first.tmp", "second.tmp"):
+        with open(os.path.join(out, name), "rb") as source:
+            faces.append(source.read())
+        os.remove(os.path.join(out, name))
+    write_suitcase(os.path.join(out, "Pair.dfont"), faces)
 
     # Broken: cut in half (tables run past the end), and not a font at all.
     with open(os.path.join(out, "Plain.ttf"), "rb") as source:
