@@ -3,7 +3,7 @@
 // against a service that does nothing.
 #include "BenchFigures.h"
 
-#include "state/AppState.h"
+#include "BenchStore.h"
 
 #include <QElapsedTimer>
 #include <QEventLoop>
@@ -16,42 +16,9 @@ namespace {
 
 constexpr double kRefreshPauseMs = 50.0;
 
-struct LibraryStore
-{
-    LibraryStore()
-        : persistence(BenchFigures::dataDirectory() + u"/store"_s)
-        , store(activation, persistence)
-    {
-        store.setSourcesForTesting({{QUuid::createUuid(), BenchFigures::libraryRootPath(), u"library-100k"_s}});
-        refresh();
-    }
-
-    void refresh()
-    {
-        QEventLoop loop;
-        const auto connection = QObject::connect(&store, &AppState::isIndexingChanged, &loop, [&] {
-            if (!store.isIndexing())
-                loop.quit();
-        });
-        store.refreshFileSystem();
-        loop.exec();
-        QObject::disconnect(connection);
-    }
-
-    BenchFigures::NoActivation activation;
-    PersistenceService persistence;
-    AppState store;
-};
-
-LibraryStore &library()
-{
-    static LibraryStore instance;
-    return instance;
-}
-
 void refresh100k(benchmark::State &state)
 {
-    LibraryStore &store = library();
+    BenchStore &store = BenchStore::instance();
     for (auto _ : state) {
         QElapsedTimer timer;
         timer.start();
@@ -64,7 +31,7 @@ BENCHMARK(refresh100k)->Unit(benchmark::kMillisecond)->UseManualTime()->Iteratio
 
 void searchFilter10k(benchmark::State &state)
 {
-    const QList<FolderSearchResult> index = library().store.searchIndex();
+    const QList<FolderSearchResult> index = BenchStore::instance().store().searchIndex();
     if (index.size() < 9'000)
         state.SkipWithError("the index is too small");
     for (auto _ : state)
@@ -75,7 +42,7 @@ BENCHMARK(searchFilter10k)->Unit(benchmark::kMillisecond)->Repetitions(5)
 
 void batch2000(benchmark::State &state)
 {
-    AppState &store = library().store;
+    AppState &store = BenchStore::instance().store();
     QList<FontNode> fonts;
     for (const FontNode &font : store.fileSystemService().allFonts(BenchFigures::libraryRootPath())) {
         fonts.append(font);

@@ -2,7 +2,7 @@
 // expanding a collection of 1,000 folder members into its fonts.
 #include "BenchFigures.h"
 
-#include "state/AppState.h"
+#include "BenchStore.h"
 
 #include <benchmark/benchmark.h>
 
@@ -10,35 +10,9 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-struct ScannedStore
-{
-    ScannedStore()
-        : persistence(BenchFigures::dataDirectory() + u"/store"_s)
-        , store(activation, persistence)
-    {
-        const QString root = BenchFigures::libraryRootPath();
-        auto service = std::make_shared<FileSystemService>();
-        service->deepScan(root);
-        service->freeze();
-        const FolderSource source{QUuid::createUuid(), root, u"library-100k"_s};
-        store.setSourcesForTesting({source});
-        store.setSidebarSelection(SidebarItem(source));
-        store.installLibrary(service, {});
-    }
-    BenchFigures::NoActivation activation;
-    PersistenceService persistence;
-    AppState store;
-};
-
-ScannedStore &scanned()
-{
-    static ScannedStore instance;
-    return instance;
-}
-
 void selectNode10k(benchmark::State &state)
 {
-    AppState &store = scanned().store;
+    AppState &store = BenchStore::instance().store();
     const FontNode wide = FontNode::folder(BenchFigures::libraryRootPath() + u"/Sans Serif/Mega Family"_s);
     store.selectNode(FontNode::folder(BenchFigures::libraryRootPath() + u"/Sans Serif"_s), 0);
     if (store.fileSystemService().children(wide.path()).size() < 10'000)
@@ -51,7 +25,7 @@ BENCHMARK(selectNode10k)->Unit(benchmark::kMicrosecond)->Repetitions(5)
 
 FontCollection thousandFolders()
 {
-    const QList<FontNode> folders = scanned().store.fileSystemService().allFolders(BenchFigures::libraryRootPath());
+    const QList<FontNode> folders = BenchStore::instance().store().fileSystemService().allFolders(BenchFigures::libraryRootPath());
     FontCollection collection = FontCollection::create(u"Many folders"_s);
     for (qsizetype i = 0; i < folders.size() && collection.members.size() < 1000; i += 9)
         collection.members.append({folders[i].path(), true});
@@ -60,7 +34,7 @@ FontCollection thousandFolders()
 
 void collectionFontsFirst(benchmark::State &state)
 {
-    AppState &store = scanned().store;
+    AppState &store = BenchStore::instance().store();
     FontCollection collection = thousandFolders();
     for (auto _ : state) {
         collection.id = QUuid::createUuid(); // a new id: no memo to answer from
@@ -72,7 +46,7 @@ BENCHMARK(collectionFontsFirst)->Unit(benchmark::kMillisecond)->Iterations(5)->R
 
 void collectionFontsMemo(benchmark::State &state)
 {
-    AppState &store = scanned().store;
+    AppState &store = BenchStore::instance().store();
     const FontCollection collection = thousandFolders();
     store.allFontsInCollection(collection);
     for (auto _ : state)

@@ -44,7 +44,6 @@ QString readLink(const QString &linkPath)
 FontActivationService::FontActivationService(std::optional<QString> linkFolder)
     : m_linkFolder(linkFolder.value_or(QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) +
                                        u"/fonts/Morvane"_s))
-    , m_config(FcInitLoadConfig()) // configuration only: where caches go; no font list
 {
     m_rebuilders.setMaxThreadCount(std::max(2, QThread::idealThreadCount()));
 }
@@ -84,6 +83,10 @@ bool FontActivationService::ensureReady()
 {
     if (m_ready)
         return true;
+    // Loaded on first use, under the batch lock and usually on a worker, not while the
+    // window is built. Configuration only (where caches go), no font list.
+    if (!m_config)
+        m_config = FcInitLoadConfig();
     // All shards exist from the start: creating one later would change its parent
     // and make every application rescan it.
     bool created = false;

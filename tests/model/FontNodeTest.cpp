@@ -1,6 +1,5 @@
 #include "TestSupport.h"
 
-#include "model/ActivationState.h"
 #include "model/FontNode.h"
 
 #include <QSet>
@@ -42,12 +41,4 @@ TEST(FontNode, BuiltFromAStoredPath)
     // The URL is derived from the path and leads back to it, whatever the characters.
     const QString odd = u"/tmp/a #b%20c\n\U0001F600.ttf"_s;
     EXPECT_EQ(FontNode::fromPath(odd).url().toLocalFile(), odd);
-}
-
-TEST(ActivationState, OneRuleForEveryKind)
-{
-    EXPECT_EQ(activationStateFor(0, 0), ActivationState::Inactive);
-    EXPECT_EQ(activationStateFor(0, 5), ActivationState::Inactive);
-    EXPECT_EQ(activationStateFor(5, 5), ActivationState::Active);
-    EXPECT_EQ(activationStateFor(1, 5), ActivationState::Mixed);
 }

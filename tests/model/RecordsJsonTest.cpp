@@ -61,15 +61,6 @@ TEST(FolderSourceJson, DecodingIsStrictAboutRequiredKeysAndUuids)
     EXPECT_FALSE(FolderSource::fromJson(QJsonValue(u"just a string"_s)));
 }
 
-TEST(FolderSource, EqualityComparesEveryField)
-{
-    const FolderSource a{kId, u"/a"_s, u"a"_s};
-    FolderSource renamed = a;
-    renamed.name = u"b"_s;
-    EXPECT_NE(a, renamed);
-    EXPECT_EQ(QSet<FolderSource>({a, renamed}).size(), 2);
-}
-
 TEST(FontCollectionJson, IconPathIsOptionalAndNeverNull)
 {
     FontCollection collection{kId, u"Display"_s, {{u"/A"_s, true}, {u"/b.otf"_s, false}}, std::nullopt};
