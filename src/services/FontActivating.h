@@ -22,7 +22,21 @@ public:
     virtual QList<bool> activateFonts(const QStringList &paths);
     virtual QList<bool> deactivateFonts(const QStringList &paths);
 
+    // A batch of calls between these two may leave the system's font list behind
+    // (each call still reports per font whether it can be activated); finishBatch()
+    // brings it up to date and returns the fonts the system then turned down, which
+    // are no longer active.
+    virtual void beginBatch() {}
+    virtual QStringList finishBatch() { return {}; }
+
+    // Start-up upkeep, before anything is restored: withdraws activations whose file
+    // is gone or is no font any more, refreshes the system's view of files changed
+    // since they were activated, and clears what a killed process left half done.
+    virtual void repairActivations() {}
+    // Every font our own activations record, whatever any saved list says.
+    virtual QSet<QString> recordedActivations() { return {}; }
     // Withdraws every activation of ours that is not in `keep` or whose file is gone,
-    // such as one left behind by a crash in the middle of a batch.
+    // such as one left behind by a crash in the middle of a batch. Only ever called
+    // with a saved set that was read back whole.
     virtual void removeActivationsExcept(const QSet<QString> &keep);
 };

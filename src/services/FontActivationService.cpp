@@ -1,6 +1,7 @@
 #include "FontActivationService.h"
 
 #include "Console.h"
+#include "FreeTypeLibrary.h"
 
 #include <QCryptographicHash>
 #include <QDir>
@@ -12,9 +13,11 @@
 
 #include <fontconfig/fontconfig.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <climits>
 #include <cstring>
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -22,21 +25,43 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int kShardCount = 256;
+constexpr int kTopCount = 256;
 constexpr qsizetype kMaxNameBytes = 255;
+constexpr qint64 kRebuildIntervalMs = 1000;
 
 QString errorText(int error)
 {
     return QString::fromLocal8Bit(std::strerror(error));
 }
 
+QByteArray encoded(const QString &path)
+{
+    return QFile::encodeName(path);
+}
+
 // The link's own text, not resolved further; empty when there is no link.
 QString readLink(const QString &linkPath)
 {
     QByteArray buffer(PATH_MAX, Qt::Uninitialized);
-    const ssize_t size = ::readlink(QFile::encodeName(linkPath).constData(), buffer.data(),
-                                    static_cast<size_t>(buffer.size()));
+    const ssize_t size = ::readlink(encoded(linkPath).constData(), buffer.data(), static_cast<size_t>(buffer.size()));
     return size < 0 ? QString() : QFile::decodeName(buffer.left(size));
+}
+
+// What fontconfig does with each file it scans, without its costly character sets:
+// FreeType must open the file as a font.
+bool readsAsFont(const QString &path)
+{
+    FT_Face face = nullptr;
+    if (FT_New_Face(FreeType::threadLibrary(), encoded(path).constData(), 0, &face) != 0)
+        return false;
+    const bool font = face->num_glyphs > 0 || face->num_faces > 0;
+    FT_Done_Face(face);
+    return font;
+}
+
+bool isNewer(const timespec &a, const timespec &b)
+{
+    return a.tv_sec != b.tv_sec ? a.tv_sec > b.tv_sec : a.tv_nsec > b.tv_nsec;
 }
 
 } // namespace
@@ -46,6 +71,7 @@ FontActivationService::FontActivationService(std::optional<QString> linkFolder)
                                        u"/fonts/Morvane"_s))
 {
     m_rebuilders.setMaxThreadCount(std::max(2, QThread::idealThreadCount()));
+    m_sinceRebuild.start();
 }
 
 FontActivationService::~FontActivationService()
@@ -83,56 +109,68 @@ bool FontActivationService::ensureReady()
 {
     if (m_ready)
         return true;
-    // Loaded on first use, under the batch lock and usually on a worker, not while the
+    // fontconfig writes a cache to the first cache folder it can use, and makes a
+    // missing one on the way: two rebuilds racing to make it would send one cache to
+    // the deprecated ~/.fontconfig. Made here, before any rebuild.
+    QDir().mkpath(QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation) + u"/fontconfig"_s);
+    // Loaded on first use, under the lock and usually on a worker, not while the
     // window is built. Configuration only (where caches go), no font list.
     if (!m_config)
         m_config = FcInitLoadConfig();
-    // All shards exist from the start: creating one later would change its parent
-    // and make every application rescan it.
+    // The 256 top folders exist from the start: making one later would change their
+    // parent and make every application rescan it.
     bool created = false;
-    for (int i = 0; i < kShardCount; ++i) {
-        const QString shard = m_linkFolder + u'/' + u"%1"_s.arg(i, 2, 16, QChar(u'0'));
-        if (!QFileInfo::exists(shard)) {
-            if (!QDir().mkpath(shard))
+    for (int i = 0; i < kTopCount; ++i) {
+        const QString top = m_linkFolder + u'/' + u"%1"_s.arg(i, 2, 16, QChar(u'0'));
+        if (!QFileInfo::exists(top)) {
+            if (!QDir().mkpath(top))
                 return false;
             created = true;
         }
-        m_shards.append(shard);
+        m_tops.append(top);
     }
     if (created) {
-        rebuildShards(QSet<QString>(m_shards.begin(), m_shards.end()));
-        for (const QString &folder : {m_linkFolder, m_linkFolder.section(u'/', 0, -2)}) {
-            if (FcCache *cache = FcDirCacheRead(reinterpret_cast<const FcChar8 *>(QFile::encodeName(folder).constData()),
-                                                FcFalse, m_config))
-                FcDirCacheUnload(cache);
-        }
+        QSet<QString> all(m_tops.begin(), m_tops.end());
+        all << m_linkFolder << m_linkFolder.section(u'/', 0, -2);
+        rebuildShards(all);
     }
     loadIndex();
     m_ready = true;
     return true;
 }
 
+void FontActivationService::indexLink(const QString &link, const QString &shard, QSet<QString> &duplicateShards)
+{
+    const QString font = readLink(link);
+    if (font.isEmpty())
+        return;
+    if (m_linkOfFont.contains(font)) {
+        // Linked twice (a crash mid-batch): fontconfig would list it twice.
+        ::unlink(encoded(link).constData());
+        duplicateShards.insert(shard);
+        return;
+    }
+    m_linkOfFont.insert(font, link);
+    m_fontOfLink.insert(link, font);
+    ++m_shardSize[shard];
+}
+
 void FontActivationService::loadIndex()
 {
     QSet<QString> duplicates;
-    for (const QString &shard : std::as_const(m_shards)) {
-        qsizetype size = 0;
-        for (const QString &name : QDir(shard).entryList(QDir::Files | QDir::System | QDir::Hidden)) {
-            const QString link = shard + u'/' + name;
-            const QString font = readLink(link);
-            if (font.isEmpty())
-                continue;
-            if (m_linkOfFont.contains(font)) {
-                // Linked twice (a crash mid-batch): fontconfig would list it twice.
-                ::unlink(QFile::encodeName(link).constData());
-                duplicates.insert(shard);
-                continue;
-            }
-            m_linkOfFont.insert(font, link);
-            m_fontOfLink.insert(link, font);
-            ++size;
+    for (const QString &top : std::as_const(m_tops)) {
+        const QDir topDir(top);
+        // Links right in a top folder are from before shards were made on demand.
+        for (const QString &name : topDir.entryList(QDir::Files | QDir::System | QDir::Hidden))
+            indexLink(top + u'/' + name, top, duplicates);
+        const QStringList shards = topDir.entryList(QDir::Dirs | QDir::NoDotAndDotDot | QDir::NoSymLinks);
+        m_shardsInTop.insert(top, static_cast<int>(shards.size()));
+        for (const QString &shardName : shards) {
+            const QString shard = top + u'/' + shardName;
+            m_shardSize.insert(shard, m_shardSize.value(shard));
+            for (const QString &name : QDir(shard).entryList(QDir::Files | QDir::System | QDir::Hidden))
+                indexLink(shard + u'/' + name, shard, duplicates);
         }
-        m_shardSize.insert(shard, size);
     }
     rebuildShards(duplicates);
 }
@@ -144,25 +182,68 @@ void FontActivationService::forget(const QString &linkPath)
     --m_shardSize[shardOf(linkPath)];
 }
 
+void FontActivationService::unlinkAndForget(const QString &linkPath)
+{
+    ::unlink(encoded(linkPath).constData());
+    forget(linkPath);
+    m_pendingShards.insert(shardOf(linkPath));
+}
+
+QString FontActivationService::createShard()
+{
+    // In the top folder with the fewest shards, so the top folders' caches (which
+    // list only their shard folders) stay small and even.
+    const QString top = *std::min_element(m_tops.cbegin(), m_tops.cend(), [this](const QString &a, const QString &b) {
+        return m_shardsInTop.value(a) < m_shardsInTop.value(b);
+    });
+    int number = m_shardsInTop.value(top);
+    QString shard;
+    do {
+        shard = top + u'/' + QString::number(number++);
+    } while (QFileInfo::exists(shard));
+    if (!QDir().mkdir(shard))
+        return {};
+    m_shardsInTop.insert(top, m_shardsInTop.value(top) + 1);
+    m_shardSize.insert(shard, 0);
+    m_pendingShards.insert(top); // its list of folders changed
+    return shard;
+}
+
 QStringList FontActivationService::placeNewLinks(qsizetype count)
 {
-    // A shard holds at least 32 links before the next is opened, so a batch of 1,000
-    // rewrites about 32 caches, not 256; beyond 8,192 links they share the load evenly.
-    const qsizetype total = m_linkOfFont.size() + count;
-    const qsizetype target = std::max<qsizetype>(32, (total + kShardCount - 1) / kShardCount);
-    QStringList byEmptiness = m_shards;
-    std::stable_sort(byEmptiness.begin(), byEmptiness.end(),
-                     [this](const QString &a, const QString &b) { return m_shardSize.value(a) < m_shardSize.value(b); });
+    // A shard's rescan costs all of its fonts. So empty shards are filled first (the
+    // rescan is then the batch's own fonts); a big batch then opens new shards rather
+    // than topping up part-full ones; a small one goes to the least full shards.
+    QStringList empty;
+    QList<std::pair<qsizetype, QString>> partFull;
+    for (const auto &[shard, size] : m_shardSize.asKeyValueRange()) {
+        if (shard.section(u'/', 0, -2) == m_linkFolder)
+            continue; // an old top folder holding links: no new ones go there
+        if (size == 0)
+            empty.append(shard);
+        else if (size < kShardCapacity)
+            partFull.append({size, shard});
+    }
+    std::sort(empty.begin(), empty.end());
+    std::sort(partFull.begin(), partFull.end());
     QStringList placed;
     placed.reserve(count);
-    for (const QString &shard : byEmptiness) {
-        for (qsizetype room = target - m_shardSize.value(shard); room > 0 && placed.size() < count; --room)
+    const auto fill = [&](const QString &shard, qsizetype size) {
+        for (qsizetype room = kShardCapacity - size; room > 0 && placed.size() < count; --room)
             placed.append(shard);
-        if (placed.size() == count)
-            break;
+    };
+    for (const QString &shard : std::as_const(empty))
+        fill(shard, 0);
+    if (count - placed.size() < kShardCapacity) {
+        for (const auto &[size, shard] : std::as_const(partFull))
+            fill(shard, size);
     }
-    while (placed.size() < count) // only when every shard is at the target already
-        placed.append(byEmptiness.at(placed.size() % byEmptiness.size()));
+    while (placed.size() < count) {
+        const QString shard = createShard();
+        if (shard.isEmpty())
+            break; // the caller reports the fonts left without a place
+        fill(shard, 0);
+    }
     return placed;
 }
 
@@ -170,8 +251,7 @@ QSet<QString> FontActivationService::rebuildShard(const QString &shard)
 {
     QSet<QString> files;
     // Forced: the folder just changed, so its old cache is stale anyway.
-    FcCache *cache = FcDirCacheRead(reinterpret_cast<const FcChar8 *>(QFile::encodeName(shard).constData()), FcTrue,
-                                    m_config);
+    FcCache *cache = FcDirCacheRead(reinterpret_cast<const FcChar8 *>(encoded(shard).constData()), FcTrue, m_config);
     if (!cache)
         return files;
     if (FcFontSet *set = FcCacheCopySet(cache)) {
@@ -198,6 +278,52 @@ QHash<QString, QSet<QString>> FontActivationService::rebuildShards(const QSet<QS
     for (qsizetype i = 0; i < list.size(); ++i)
         result.insert(list[i], rebuilt[i].result());
     return result;
+}
+
+void FontActivationService::rebuildPending()
+{
+    m_sinceRebuild.restart();
+    if (m_pendingShards.isEmpty())
+        return;
+    const QSet<QString> shards = std::exchange(m_pendingShards, {});
+    const QHash<QString, QSet<QString>> listed = rebuildShards(shards);
+    // fontconfig is the judge: a link it does not list is no activation.
+    QStringList refused;
+    for (const QString &shard : shards) {
+        if (m_shardSize.value(shard) == 0)
+            continue; // no links: a top folder, or a shard emptied by deactivation
+        const QSet<QString> &files = listed[shard];
+        for (const QString &name : QDir(shard).entryList(QDir::Files | QDir::System | QDir::Hidden)) {
+            const QString link = shard + u'/' + name;
+            if (!files.contains(link) && m_fontOfLink.contains(link))
+                refused.append(link);
+        }
+    }
+    for (const QString &link : std::as_const(refused)) {
+        const QString font = m_fontOfLink.value(link);
+        Console::printLine(u"Failed to activate font at "_s + font + u": not a font file fontconfig can read"_s);
+        m_turnedDown.append(font);
+        unlinkAndForget(link);
+    }
+    if (!refused.isEmpty())
+        rebuildShards(std::exchange(m_pendingShards, {}));
+}
+
+void FontActivationService::beginBatch()
+{
+    const QMutexLocker lock(&m_mutex);
+    m_inBatch = true;
+    m_turnedDown.clear();
+    m_sinceRebuild.restart();
+}
+
+QStringList FontActivationService::finishBatch()
+{
+    const QMutexLocker lock(&m_mutex);
+    m_inBatch = false;
+    if (ensureReady())
+        rebuildPending();
+    return std::exchange(m_turnedDown, {});
 }
 
 bool FontActivationService::activateFont(const QString &path)
@@ -228,56 +354,47 @@ QList<bool> FontActivationService::activateFonts(const QStringList &paths)
     for (qsizetype i = 0; i < paths.size(); ++i) {
         const QString &path = paths[i];
         struct stat info{};
-        if (::stat(QFile::encodeName(path).constData(), &info) != 0)
+        if (m_linkOfFont.contains(path))
+            results[i] = true; // already active
+        else if (seen.contains(path))
+            continue;
+        else if (::stat(encoded(path).constData(), &info) != 0)
             fail(i, errorText(errno));
         else if (!S_ISREG(info.st_mode))
             fail(i, u"not a font file"_s);
-        else if (m_linkOfFont.contains(path))
-            results[i] = true; // already active
-        else if (!seen.contains(path)) {
-            seen.insert(path);
+        else if (!readsAsFont(path))
+            fail(i, u"not a font file fontconfig can read"_s);
+        else
             wanted.append(i);
-        }
+        seen.insert(path);
     }
 
-    // All link changes first, then each touched shard rebuilt once.
+    // All link changes first; caches are rebuilt after (or at the batch's end).
     const QStringList shards = placeNewLinks(wanted.size());
-    QSet<QString> touched;
-    QList<qsizetype> linked;
     for (qsizetype n = 0; n < wanted.size(); ++n) {
         const qsizetype i = wanted[n];
+        if (n >= shards.size()) {
+            fail(i, u"can't create a folder in "_s + m_linkFolder);
+            continue;
+        }
         const QString link = shards[n] + u'/' + linkNameFor(paths[i]);
-        if (::symlink(QFile::encodeName(paths[i]).constData(), QFile::encodeName(link).constData()) != 0) {
+        if (::symlink(encoded(paths[i]).constData(), encoded(link).constData()) != 0) {
             fail(i, errorText(errno));
             continue;
         }
         m_linkOfFont.insert(paths[i], link);
         m_fontOfLink.insert(link, paths[i]);
         ++m_shardSize[shards[n]];
-        touched.insert(shards[n]);
-        linked.append(i);
+        m_pendingShards.insert(shards[n]);
     }
-    const QHash<QString, QSet<QString>> listedByShard = rebuildShards(touched);
-
-    // What fontconfig could not read as a font is no activation: take the link back.
-    QSet<QString> shardsToRedo;
-    for (const qsizetype i : linked) {
-        const QString link = m_linkOfFont.value(paths[i]);
-        if (listedByShard.value(shardOf(link)).contains(link)) {
-            results[i] = true;
-            continue;
-        }
-        ::unlink(QFile::encodeName(link).constData());
-        forget(link);
-        shardsToRedo.insert(shardOf(link));
-        fail(i, u"not a font file fontconfig can read"_s);
+    if (!m_inBatch || m_sinceRebuild.elapsed() >= kRebuildIntervalMs) {
+        rebuildPending();
+        if (!m_inBatch)
+            m_turnedDown.clear();
     }
-    rebuildShards(shardsToRedo);
-    // Duplicates within the batch share the first one's outcome.
-    for (qsizetype i = 0; i < paths.size(); ++i) {
-        if (!results[i] && m_linkOfFont.contains(paths[i]))
-            results[i] = true;
-    }
+    // Duplicates share the first one's outcome; what fontconfig refused is not active.
+    for (qsizetype i = 0; i < paths.size(); ++i)
+        results[i] = m_linkOfFont.contains(paths[i]);
     return results;
 }
 
@@ -287,21 +404,21 @@ QList<bool> FontActivationService::deactivateFonts(const QStringList &paths)
     QList<bool> results(paths.size(), true);
     if (!ensureReady())
         return results; // nothing of ours can be active
-    QSet<QString> touched;
     for (qsizetype i = 0; i < paths.size(); ++i) {
         const auto found = m_linkOfFont.constFind(paths[i]);
         if (found == m_linkOfFont.cend())
             continue; // not active
         const QString link = *found;
-        if (::unlink(QFile::encodeName(link).constData()) == 0 || errno == ENOENT) {
+        if (::unlink(encoded(link).constData()) == 0 || errno == ENOENT) {
             forget(link);
-            touched.insert(shardOf(link));
+            m_pendingShards.insert(shardOf(link));
         } else {
             Console::printLine(u"Failed to deactivate font at "_s + paths[i] + u": "_s + errorText(errno));
             results[i] = false;
         }
     }
-    rebuildShards(touched);
+    if (!m_inBatch || m_sinceRebuild.elapsed() >= kRebuildIntervalMs)
+        rebuildPending();
     return results;
 }
 
@@ -312,19 +429,23 @@ QHash<QString, QString> FontActivationService::links()
     return m_fontOfLink;
 }
 
+QSet<QString> FontActivationService::recordedActivations()
+{
+    const QMutexLocker lock(&m_mutex);
+    ensureReady();
+    return QSet<QString>(m_fontOfLink.cbegin(), m_fontOfLink.cend());
+}
+
 void FontActivationService::removeLinks(const QStringList &linkPaths)
 {
     const QMutexLocker lock(&m_mutex);
     if (!ensureReady())
         return;
-    QSet<QString> touched;
     for (const QString &link : linkPaths) {
-        if (!m_fontOfLink.contains(link) || ::unlink(QFile::encodeName(link).constData()) != 0)
-            continue;
-        forget(link);
-        touched.insert(shardOf(link));
+        if (m_fontOfLink.contains(link))
+            unlinkAndForget(link);
     }
-    rebuildShards(touched);
+    rebuildPending();
 }
 
 void FontActivationService::removeActivationsExcept(const QSet<QString> &keep)
@@ -332,8 +453,70 @@ void FontActivationService::removeActivationsExcept(const QSet<QString> &keep)
     QStringList unknown;
     for (const auto &[link, font] : links().asKeyValueRange()) {
         struct stat info{};
-        if (!keep.contains(font) || ::stat(QFile::encodeName(font).constData(), &info) != 0)
+        if (!keep.contains(font) || ::stat(encoded(font).constData(), &info) != 0)
             unknown.append(link);
     }
     removeLinks(unknown);
+}
+
+void FontActivationService::removeStaleCacheLocks()
+{
+    // A process killed while fontconfig wrote a cache leaves its lock and temporary
+    // files, which stop that cache from being written again. Only ours, found by
+    // fontconfig's cache name: the MD5 of the folder's path.
+    QSet<QString> ours;
+    const auto add = [&ours](const QString &folder) {
+        ours.insert(QString::fromLatin1(QCryptographicHash::hash(encoded(folder), QCryptographicHash::Md5).toHex()));
+    };
+    add(m_linkFolder);
+    for (const QString &shard : m_shardSize.keys())
+        add(shard);
+    for (const QString &top : std::as_const(m_tops))
+        add(top);
+    FcStrList *dirs = FcConfigGetCacheDirs(m_config);
+    while (FcChar8 *dir = FcStrListNext(dirs)) {
+        const QString folder = QFile::decodeName(reinterpret_cast<const char *>(dir));
+        for (const QString &name : QDir(folder).entryList(QDir::Files | QDir::Hidden)) {
+            const bool leftover = name.endsWith(u".LCK"_s) || name.endsWith(u".NEW"_s) || name.contains(u".TMP-"_s);
+            if (leftover && ours.contains(name.section(u'-', 0, 0)))
+                QFile::remove(folder + u'/' + name);
+        }
+    }
+    FcStrListDone(dirs);
+}
+
+void FontActivationService::repairActivations()
+{
+    const QMutexLocker lock(&m_mutex);
+    if (!ensureReady())
+        return;
+    removeStaleCacheLocks();
+    QStringList changed;
+    const QHash<QString, QString> links = m_fontOfLink;
+    for (const auto &[link, font] : links.asKeyValueRange()) {
+        struct stat target{};
+        struct stat own{};
+        if (::stat(encoded(font).constData(), &target) != 0 || !S_ISREG(target.st_mode)) {
+            // Gone, or now a folder (fontconfig would list what is inside it).
+            unlinkAndForget(link);
+            continue;
+        }
+        // Replaced or rewritten since it was linked: fontconfig's cache still describes
+        // the old file, because the shard folder itself did not change.
+        if (::lstat(encoded(link).constData(), &own) == 0 &&
+            (isNewer(target.st_mtim, own.st_mtim) || isNewer(target.st_ctim, own.st_mtim))) {
+            if (!readsAsFont(font)) {
+                unlinkAndForget(link);
+                continue;
+            }
+            m_pendingShards.insert(shardOf(link));
+            changed.append(link);
+        }
+    }
+    rebuildPending();
+    // Checked now: the links' own time says so until the file changes again.
+    for (const QString &link : std::as_const(changed)) {
+        const timespec now[2] = {{0, UTIME_NOW}, {0, UTIME_NOW}};
+        ::utimensat(AT_FDCWD, encoded(link).constData(), now, AT_SYMLINK_NOFOLLOW);
+    }
 }

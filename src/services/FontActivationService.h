@@ -2,6 +2,7 @@
 
 #include "FontActivating.h"
 
+#include <QElapsedTimer>
 #include <QHash>
 #include <QMutex>
 #include <QSet>
@@ -17,16 +18,20 @@ struct _FcConfig;
 // folder ($XDG_DATA_HOME/fonts/Morvane), and deactivating removes the link.
 //
 // fontconfig keeps one cache per folder and rescans a whole folder when it changes,
-// so the links are spread over 256 pre-created shard folders, and after a batch of
-// link changes each touched shard's cache is rebuilt once, in-process. A batch's new
-// links go into the emptiest shards, each filled to a modest size, so a big batch
-// rewrites few caches and a single font lands in a small shard. An index of our links
-// (read from disk on first use) finds a font's link again. A font counts as active
-// only when fontconfig's rebuilt cache lists it.
-// One batch at a time; safe to call from any thread.
+// so links live in small shard folders of at most kShardCapacity links, made on
+// demand inside 256 pre-created folders (00 … ff): one toggle rescans one small
+// shard however many fonts are active, and a big batch fills fresh shards, so it
+// rescans little beyond its own fonts. Within a batch each font is checked on its
+// own (FreeType opens it, as fontconfig will), and the touched shards' caches are
+// rebuilt at its end, and about once a second while it runs. A font counts as active
+// once fontconfig's rebuilt cache lists it; one it turns down loses its link again.
+// An index of our links (read from disk on first use) finds a font's link.
+// Safe to call from any thread; calls are serialised.
 class FontActivationService : public FontActivating
 {
 public:
+    static constexpr qsizetype kShardCapacity = 16;
+
     // `linkFolder` overrides where the links live (tests); the application passes none.
     explicit FontActivationService(std::optional<QString> linkFolder = std::nullopt);
     ~FontActivationService() override;
@@ -37,6 +42,10 @@ public:
     bool deactivateFont(const QString &path) override;
     QList<bool> activateFonts(const QStringList &paths) override;
     QList<bool> deactivateFonts(const QStringList &paths) override;
+    void beginBatch() override;
+    QStringList finishBatch() override;
+    void repairActivations() override;
+    QSet<QString> recordedActivations() override;
     void removeActivationsExcept(const QSet<QString> &keep) override;
 
     QString linkFolder() const { return m_linkFolder; }
@@ -52,22 +61,34 @@ public:
 private:
     bool ensureReady();
     void loadIndex();
+    void indexLink(const QString &link, const QString &shard, QSet<QString> &duplicateShards);
     void forget(const QString &linkPath);
-    // Shards for `count` new links: emptiest first, each filled up to the target size.
+    void unlinkAndForget(const QString &linkPath);
+    // Shards for `count` new links (see placement in the .cpp).
     QStringList placeNewLinks(qsizetype count);
+    QString createShard();
     static QString shardOf(const QString &linkPath);
     // Rescans a shard, writes its cache and returns the files fontconfig listed.
     QSet<QString> rebuildShard(const QString &shard);
     // The same for several shards at once, side by side.
     QHash<QString, QSet<QString>> rebuildShards(const QSet<QString> &shards);
+    // Rebuilds the shards changed since the last time; links fontconfig does not list
+    // are taken back and their fonts remembered as turned down.
+    void rebuildPending();
+    void removeStaleCacheLocks();
 
     QString m_linkFolder;
     _FcConfig *m_config = nullptr;
     bool m_ready = false;
-    QStringList m_shards;
+    QStringList m_tops;                   // 00 … ff
+    QHash<QString, int> m_shardsInTop;    // top folder -> shards made in it
     QHash<QString, QString> m_linkOfFont; // font path -> link path
     QHash<QString, QString> m_fontOfLink; // link path -> font path
-    QHash<QString, qsizetype> m_shardSize;
+    QHash<QString, qsizetype> m_shardSize; // every folder holding links, new shards included
+    QSet<QString> m_pendingShards;         // changed, cache not yet rebuilt
+    QStringList m_turnedDown;              // fonts fontconfig refused since the batch began
+    bool m_inBatch = false;
+    QElapsedTimer m_sinceRebuild;
     mutable QMutex m_mutex;
     QThreadPool m_rebuilders; // our own, so a batch job on the global pool can't starve it
 };

@@ -1,5 +1,6 @@
 #include "PersistenceService.h"
 
+#include "AtomicFile.h"
 #include "Console.h"
 
 #include "model/Json.h"
@@ -10,9 +11,13 @@
 #include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
-#include <QSaveFile>
 #include <QSettings>
 #include <QStandardPaths>
+
+#include <condition_variable>
+#include <map>
+#include <mutex>
+#include <thread>
 
 using namespace Qt::StringLiterals;
 
@@ -25,6 +30,8 @@ constexpr const char *kActivatedFontsFile = "activated_fonts.json";
 // Where a parse error is, as a person looks for it in an editor.
 QString describeParseError(const QByteArray &bytes, const QJsonParseError &error)
 {
+    if (bytes.trimmed().isEmpty())
+        return u"the file is empty"_s;
     const QByteArray before = bytes.left(error.offset);
     const qsizetype line = before.count('\n') + 1;
     const qsizetype column = error.offset - (before.lastIndexOf('\n') + 1) + 1;
@@ -102,9 +109,114 @@ QString PersistenceService::defaultPreviewText()
     return u"The quick brown fox jumps over the lazy dog"_s;
 }
 
+// One thread that writes the queued files in turn. A file's newer save replaces its
+// queued one: only the latest state of each file matters.
+class PersistenceService::Writer
+{
+public:
+    struct Job
+    {
+        QString path;
+        std::function<QByteArray()> encode;
+        QString failureMessage;
+    };
+
+    Writer()
+        : m_thread([this] { run(); })
+    {
+    }
+
+    ~Writer()
+    {
+        {
+            const std::lock_guard lock(m_mutex);
+            m_stopping = true;
+        }
+        m_wake.notify_all();
+        m_thread.join(); // writes whatever is still queued first
+    }
+
+    void queue(const QString &fileName, Job job)
+    {
+        {
+            const std::lock_guard lock(m_mutex);
+            m_pending.insert_or_assign(fileName, std::move(job));
+        }
+        m_wake.notify_all();
+    }
+
+    void waitUntilWritten()
+    {
+        std::unique_lock lock(m_mutex);
+        m_idle.wait(lock, [this] { return m_pending.empty() && !m_busy; });
+    }
+
+    void setObserver(SaveObserver observer)
+    {
+        const std::lock_guard lock(m_observerMutex); // no call is under way once this returns
+        m_observer = std::move(observer);
+    }
+
+private:
+    void run()
+    {
+        std::unique_lock lock(m_mutex);
+        for (;;) {
+            m_wake.wait(lock, [this] { return m_stopping || !m_pending.empty(); });
+            if (m_pending.empty())
+                return; // stopping, and everything is written
+            auto next = m_pending.begin();
+            const QString fileName = next->first;
+            Job job = std::move(next->second);
+            m_pending.erase(next);
+            m_busy = true;
+            lock.unlock();
+            write(fileName, job);
+            job = {}; // the saved state is released here, not under the lock
+            lock.lock();
+            m_busy = false;
+            if (m_pending.empty())
+                m_idle.notify_all();
+        }
+    }
+
+    void write(const QString &fileName, const Job &job)
+    {
+        const std::optional<QString> error = AtomicFile::write(job.path, job.encode());
+        if (error)
+            Console::printLine(job.failureMessage + *error);
+        const std::lock_guard lock(m_observerMutex);
+        if (m_observer)
+            m_observer(fileName, error.value_or(QString()));
+    }
+
+    std::mutex m_mutex;
+    std::condition_variable m_wake;
+    std::condition_variable m_idle;
+    std::map<QString, Job> m_pending;
+    bool m_busy = false;
+    bool m_stopping = false;
+    std::mutex m_observerMutex;
+    SaveObserver m_observer;
+    std::thread m_thread; // last: started once everything above exists
+};
+
 PersistenceService::PersistenceService(std::optional<QString> directory)
     : m_directory(std::move(directory))
+    , m_writer(std::make_unique<Writer>())
 {
+}
+
+PersistenceService::~PersistenceService() = default;
+
+void PersistenceService::waitForWrites()
+{
+    m_writer->waitUntilWritten();
+}
+
+void PersistenceService::setSaveObserver(SaveObserver observer)
+{
+    m_writer->setObserver(std::move(observer));
 }
 
 QString PersistenceService::storageURL() const
@@ -127,26 +239,25 @@ QString PersistenceService::settingsPath() const
     return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) + u"/Morvane/Morvane.conf"_s;
 }
 
-void PersistenceService::save(const char *fileName, const QByteArray &json, const QString &failureMessage)
+void PersistenceService::save(const char *fileName, std::function<QByteArray()> encode, const QString &failureMessage)
 {
-    // QSaveFile writes a temporary file and renames it over the old one, so a crash
-    // or a full disk leaves the previous file as it was.
-    QSaveFile file(storageURL() + u'/' + QLatin1StringView(fileName));
-    if (!file.open(QIODevice::WriteOnly) || file.write(json) != json.size() || !file.commit())
-        Console::printLine(failureMessage + file.errorString());
+    const QString name = QLatin1StringView(fileName);
+    m_writer->queue(name, {storageURL() + u'/' + name, std::move(encode), failureMessage});
 }
 
 void PersistenceService::saveSources(const QList<FolderSource> &sources)
 {
-    save(kSourcesFile, encodeList(sources), u"Failed to save sources: "_s);
+    save(kSourcesFile, [sources] { return encodeList(sources); }, u"Failed to save sources: "_s);
 }
 
 void PersistenceService::saveCollections(const QList<FontCollection> &collections)
 {
-    save(kCollectionsFile, encodeList(collections), u"Failed to save collections: "_s);
+    save(kCollectionsFile, [collections] { return encodeList(collections); }, u"Failed to save collections: "_s);
 }
 
-void PersistenceService::saveActivatedFonts(const QSet<QString> &paths)
+namespace {
+
+QByteArray encodePaths(const QSet<QString> &paths)
 {
     QByteArray json;
     json.reserve(paths.size() * 96 + 2);
@@ -159,7 +270,15 @@ void PersistenceService::saveActivatedFonts(const QSet<QString> &paths)
         Json::appendString(json, path);
     }
     json.append(']');
-    save(kActivatedFontsFile, json, u"Failed to save activated fonts: "_s);
+    return json;
+}
+
+} // namespace
+
+void PersistenceService::saveActivatedFonts(const QSet<QString> &paths)
+{
+    // The set is shared, not copied: encoding 100,000 paths happens on the writer.
+    save(kActivatedFontsFile, [paths] { return encodePaths(paths); }, u"Failed to save activated fonts: "_s);
 }
 
 QString PersistenceService::keepUnreadableCopy(const QString &filePath, const QByteArray &bytes) const
@@ -179,38 +298,68 @@ QString PersistenceService::keepUnreadableCopy(const QString &filePath, const QB
     return QFile::copy(filePath, copy) ? copy : QString();
 }
 
-template <typename Record>
-QList<Record> PersistenceService::loadList(const char *fileName, const QString &failureMessage)
+QString PersistenceService::moveUnreadableAside(const QString &filePath) const
 {
+    // A file we may not read can't be copied, but it can be moved out of the way of
+    // the next save (which would replace it) by renaming it in its folder.
+    const QString base = filePath + u".unreadable-"_s + QDateTime::currentDateTime().toString(u"yyyyMMdd-HHmmss"_s);
+    QString aside = base;
+    for (int n = 2; QFileInfo::exists(aside); ++n)
+        aside = base + u'-' + QString::number(n);
+    return QFile::rename(filePath, aside) ? aside : QString();
+}
+
+template <typename Record>
+QList<Record> PersistenceService::loadList(const char *fileName, const QString &failureMessage, LoadStatus *status)
+{
+    waitForWrites();
     const QString filePath = storageURL() + u'/' + QLatin1StringView(fileName);
+    const auto report = [&](LoadStatus result) {
+        if (status)
+            *status = result;
+    };
     QFile file(filePath);
-    if (!file.open(QIODevice::ReadOnly))
-        return {}; // missing on first run, or unreadable: silently empty
+    if (!file.open(QIODevice::ReadOnly)) {
+        const QString error = file.errorString();
+        if (!QFileInfo(filePath).exists() && !QFileInfo(filePath).isSymLink()) {
+            report(LoadStatus::Missing); // first run: silently empty
+            return {};
+        }
+        const QString aside = moveUnreadableAside(filePath);
+        Console::printLine(failureMessage + error +
+                           (aside.isEmpty() ? u" (the file was left where it is)"_s
+                                            : u" (the file was moved to %1)"_s.arg(aside)));
+        report(LoadStatus::Unreadable);
+        return {};
+    }
     const QByteArray bytes = file.readAll();
     Expected<QList<Record>> decoded = decodeList<Record>(bytes);
-    if (decoded)
+    if (decoded) {
+        report(LoadStatus::Read);
         return std::move(decoded).value();
+    }
     // The next save would overwrite what the user had: keep it.
     const QString copy = keepUnreadableCopy(filePath, bytes);
     const QString kept = copy.isEmpty() ? u" (could not keep a copy of the file)"_s
                                         : u" (the file was kept as %1)"_s.arg(copy);
     Console::printLine(failureMessage + decoded.error() + kept);
+    report(LoadStatus::Unreadable);
     return {};
 }
 
-QList<FolderSource> PersistenceService::loadSources()
+QList<FolderSource> PersistenceService::loadSources(LoadStatus *status)
 {
-    return loadList<FolderSource>(kSourcesFile, u"Failed to load sources: "_s);
+    return loadList<FolderSource>(kSourcesFile, u"Failed to load sources: "_s, status);
 }
 
-QList<FontCollection> PersistenceService::loadCollections()
+QList<FontCollection> PersistenceService::loadCollections(LoadStatus *status)
 {
-    return loadList<FontCollection>(kCollectionsFile, u"Failed to load collections: "_s);
+    return loadList<FontCollection>(kCollectionsFile, u"Failed to load collections: "_s, status);
 }
 
-QSet<QString> PersistenceService::loadActivatedFonts()
+QSet<QString> PersistenceService::loadActivatedFonts(LoadStatus *status)
 {
-    const QList<QString> paths = loadList<QString>(kActivatedFontsFile, u"Failed to load activated fonts: "_s);
+    const QList<QString> paths = loadList<QString>(kActivatedFontsFile, u"Failed to load activated fonts: "_s, status);
     return QSet<QString>(paths.begin(), paths.end());
 }
 

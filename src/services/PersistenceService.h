@@ -8,6 +8,8 @@
 #include <QString>
 #include <QUuid>
 
+#include <functional>
+#include <memory>
 #include <optional>
 
 // Everything that outlives a run: the sources, the collections and the activated
@@ -16,9 +18,24 @@
 // in a settings file under $XDG_CONFIG_HOME/Morvane. Never reports failure to the
 // caller: it prints one line and the caller goes on with an empty or unchanged value.
 // A file that can't be decoded is copied aside before anything can overwrite it.
+//
+// Saves are handed to one background writer: the caller pays only for a shallow
+// copy, a newer save of the same file replaces one that has not started yet, and
+// every write is still atomic. waitForWrites() (and the destructor) block until all
+// of it is on disk.
 class PersistenceService
 {
 public:
+    // How a saved list was read back.
+    enum class LoadStatus {
+        Read,       // decoded; the result is what was saved
+        Missing,    // no file (first run): empty, silently
+        Unreadable, // there but can't be read or decoded: empty, reported, the file kept
+    };
+    // Told after every write, on the writer thread: the file's name, and the error's
+    // description, or an empty text when the write succeeded.
+    using SaveObserver = std::function<void(const QString &fileName, const QString &failure)>;
+
     static constexpr const char *previewTextKey = "morvane_preview_text";
     static constexpr const char *previewSizeKey = "morvane_preview_size";
     static constexpr double defaultPreviewSize = 36.0;
@@ -26,6 +43,9 @@ public:
 
     // `directory` overrides the storage folder (tests); the application passes none.
     explicit PersistenceService(std::optional<QString> directory = std::nullopt);
+    ~PersistenceService();
+    PersistenceService(const PersistenceService &) = delete;
+    PersistenceService &operator=(const PersistenceService &) = delete;
 
     // Both create the folder (and missing parents) on every access.
     QString storageURL() const;
@@ -35,9 +55,13 @@ public:
     void saveCollections(const QList<FontCollection> &collections);
     void saveActivatedFonts(const QSet<QString> &paths);
 
-    QList<FolderSource> loadSources();
-    QList<FontCollection> loadCollections();
-    QSet<QString> loadActivatedFonts();
+    // Each waits for this service's pending saves first, so it reads what was saved.
+    QList<FolderSource> loadSources(LoadStatus *status = nullptr);
+    QList<FontCollection> loadCollections(LoadStatus *status = nullptr);
+    QSet<QString> loadActivatedFonts(LoadStatus *status = nullptr);
+
+    void waitForWrites();
+    void setSaveObserver(SaveObserver observer);
 
     // Removes every stored icon of the collection, then copies the new one in.
     // Returns the stored icon's path; none when cleared or the copy failed.
@@ -51,10 +75,13 @@ public:
     QString settingsPath() const;
 
 private:
-    void save(const char *fileName, const QByteArray &json, const QString &failureMessage);
+    class Writer;
+    void save(const char *fileName, std::function<QByteArray()> encode, const QString &failureMessage);
     template <typename Record>
-    QList<Record> loadList(const char *fileName, const QString &failureMessage);
+    QList<Record> loadList(const char *fileName, const QString &failureMessage, LoadStatus *status);
     QString keepUnreadableCopy(const QString &filePath, const QByteArray &bytes) const;
+    QString moveUnreadableAside(const QString &filePath) const;
 
     std::optional<QString> m_directory;
+    std::unique_ptr<Writer> m_writer;
 };

@@ -12,12 +12,18 @@ AppState::AppState(FontActivating &fontActivationService, PersistenceService &pe
     , m_collator(QLocale())
 {
     m_collator.setCaseSensitivity(Qt::CaseInsensitive);
+    // The writer reports from its own thread; the result is applied on ours.
+    m_persistenceService.setSaveObserver([this](const QString &fileName, const QString &failure) {
+        QMetaObject::invokeMethod(this, [this, fileName, failure] { recordSaveResult(fileName, failure); },
+                                  Qt::QueuedConnection);
+    });
     // Empty and frozen until the first refresh brings a scan.
     std::const_pointer_cast<FileSystemService>(m_fileSystemService)->freeze();
 }
 
 AppState::~AppState()
 {
+    m_persistenceService.setSaveObserver(nullptr); // no report can reach us any more
     // A job still running holds the activation service, which may go away with us.
     m_libraryCancellation.cancel();
     m_searchCancellation.cancel();
@@ -32,6 +38,19 @@ void AppState::setActivatedFonts(QSet<QString> fonts)
         return;
     m_activatedFonts = std::move(fonts);
     Q_EMIT activatedFontsChanged();
+}
+
+void AppState::recordSaveResult(const QString &fileName, const QString &failure)
+{
+    if (failure.isEmpty())
+        m_saveFailures.remove(fileName);
+    else
+        m_saveFailures.insert(fileName, failure);
+    const QString shown = m_saveFailures.isEmpty() ? QString() : m_saveFailures.first();
+    if (m_saveFailure == shown)
+        return;
+    m_saveFailure = shown;
+    Q_EMIT saveFailureChanged();
 }
 
 void AppState::setIsProcessing(bool processing)

@@ -19,6 +19,7 @@
 #include <QHash>
 #include <QImage>
 #include <QList>
+#include <QMap>
 #include <QObject>
 #include <QSet>
 #include <QString>
@@ -91,6 +92,11 @@ public:
     QCoro::Task<> deactivateAllFonts();
     // The one worker behind them all: chunks of 8, one background job each, in turn.
     QCoro::Task<> batchProcess(QList<FontNode> fonts, bool activate, QString label);
+
+    // ---- Saving -----------------------------------------------------------------------
+    // Why the last save of some file failed (the system's words), or empty once every
+    // file's latest save succeeded. While set, changes live only in this run.
+    const QString &saveFailure() const { return m_saveFailure; }
 
     // ---- Preview settings (saved in the preferences at once) --------------------
     const QString &previewText() const { return m_previewText; }
@@ -170,13 +176,15 @@ Q_SIGNALS:
     void isIndexingChanged();
     void shouldFocusBrowserChanged();
     void shouldFocusSidebarChanged();
+    void saveFailureChanged();
 
 private:
     static LibraryScan scanLibrary(const QList<FolderSource> &sources, const QList<CollectionMember> &members,
                                    const CancellationToken &cancellation);
     QCoro::Task<> runRefresh(quint64 generation, QList<FolderSource> sources, QList<CollectionMember> members);
     QCoro::Task<> runSearch(quint64 generation, QList<FolderSearchResult> index, QString query);
-    QCoro::Task<> restoreActivations(QSet<QString> saved);
+    QCoro::Task<> restoreActivations(QSet<QString> saved, bool savedSetIsWhole);
+    void recordSaveResult(const QString &fileName, const QString &failure);
     QCoro::Task<> toggleFolder(FontNode node);
     void saveActivatedFonts();
 
@@ -233,6 +241,9 @@ private:
     CancellationToken m_libraryCancellation; // the running scan
     LibraryScanner m_libraryScanner = &AppState::scanLibrary;
     bool m_hasLoaded = false;
+    // Saving
+    QString m_saveFailure;
+    QMap<QString, QString> m_saveFailures; // file name -> why its latest save failed
     QFuture<void> m_runningJob;             // the background job a batch awaits
     // Collection memos, emptied wholesale, never patched
     QHash<QUuid, QList<FontNode>> m_collectionFontsCache;

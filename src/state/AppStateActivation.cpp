@@ -144,6 +144,7 @@ QCoro::Task<> AppState::batchProcess(QList<FontNode> fonts, bool activate, QStri
     setProcessing(0.0, progressMessage(label, 0, total));
 
     FontActivating *service = &m_fontActivationService;
+    service->beginBatch();
     for (qsizetype start = 0; start < total; start += kChunkSize) {
         const QStringList chunk = paths.mid(start, kChunkSize);
         // One job per chunk, awaited before the next: the interface stays free between them.
@@ -180,6 +181,21 @@ QCoro::Task<> AppState::batchProcess(QList<FontNode> fonts, bool activate, QStri
         }
         const qsizetype done = std::min(start + kChunkSize, total);
         setProcessing(static_cast<double>(done) / static_cast<double>(total), progressMessage(label, done, total));
+    }
+    // The system's font list catches up once per batch; what it turns down then is
+    // not active after all.
+    const QFuture<QStringList> finish = QtConcurrent::task([service] { return service->finishBatch(); }).spawn();
+    m_runningJob = QFuture<void>(finish);
+    const QStringList turnedDown = co_await finish;
+    if (!self)
+        co_return;
+    bool changed = false;
+    for (const QString &path : turnedDown)
+        changed |= m_activatedFonts.remove(path);
+    if (changed) {
+        m_activationStateCache.clear();
+        m_collectionStateCache.clear();
+        Q_EMIT activatedFontsChanged();
     }
     setIsProcessing(false);
 }

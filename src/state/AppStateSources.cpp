@@ -3,6 +3,7 @@
 #include "AppState.h"
 
 #include "model/Json.h"
+#include "services/Console.h"
 
 #include <QCoroFuture>
 #include <QCoroTimer>
@@ -54,7 +55,8 @@ void AppState::loadPersistedState()
     setSources(m_persistenceService.loadSources());
     setCollections(m_persistenceService.loadCollections());
     sortCollections();
-    const QSet<QString> saved = m_persistenceService.loadActivatedFonts();
+    PersistenceService::LoadStatus savedStatus = PersistenceService::LoadStatus::Missing;
+    const QSet<QString> saved = m_persistenceService.loadActivatedFonts(&savedStatus);
     setActivatedFonts(saved);
     setPreviewText(m_persistenceService.previewText());
     setPreviewSize(m_persistenceService.previewSize());
@@ -64,24 +66,45 @@ void AppState::loadPersistedState()
 
     setIsProcessing(true);
     setProcessing(m_processingProgress, u"Restoring fonts…"_s);
-    restoreActivations(saved);
+    restoreActivations(saved, savedStatus == PersistenceService::LoadStatus::Read);
 }
 
-QCoro::Task<> AppState::restoreActivations(QSet<QString> saved)
+namespace {
+
+// Off the interface thread, at low priority: repairs our activations, decides what
+// to restore and which saved fonts still exist.
+QSet<QString> checkSavedFonts(FontActivating *activation, const QSet<QString> &saved, bool savedSetIsWhole)
+{
+    activation->repairActivations();
+    QSet<QString> candidates = saved;
+    if (!savedSetIsWhole) {
+        // The saved list is gone or unreadable, but our activations themselves record
+        // what was active: restore those rather than sweep them away.
+        candidates = activation->recordedActivations();
+        if (!candidates.isEmpty())
+            Console::printLine(u"Restoring the %1 activated fonts that Morvane's font links record instead"_s
+                                   .arg(candidates.size()));
+    }
+    QSet<QString> existing;
+    for (const QString &path : std::as_const(candidates)) {
+        if (fileExists(path))
+            existing.insert(path);
+    }
+    // Away with activations nothing accounts for (a crash mid-batch), but only when
+    // the saved set says for sure what should be active.
+    if (savedSetIsWhole)
+        activation->removeActivationsExcept(existing);
+    return existing;
+}
+
+} // namespace
+
+QCoro::Task<> AppState::restoreActivations(QSet<QString> saved, bool savedSetIsWhole)
 {
     QPointer<AppState> self(this);
     FontActivating *activation = &m_fontActivationService;
-    // Off the interface thread, at low priority: which saved fonts still exist, and
-    // away with any activation of ours nothing accounts for (a crash mid-batch).
-    const QFuture<QSet<QString>> check = QtConcurrent::task([activation, saved] {
-                                             QSet<QString> existing;
-                                             for (const QString &path : saved) {
-                                                 if (fileExists(path))
-                                                     existing.insert(path);
-                                             }
-                                             activation->removeActivationsExcept(existing);
-                                             return existing;
-                                         })
+    const QFuture<QSet<QString>> check = QtConcurrent::task(&checkSavedFonts)
+                                             .withArguments(activation, saved, savedSetIsWhole)
                                              .withPriority(-1)
                                              .spawn();
     m_runningJob = QFuture<void>(check);

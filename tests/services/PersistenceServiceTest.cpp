@@ -45,6 +45,7 @@ TEST(Persistence, FirstRunIsSilentAndSavesRoundTrip)
     const QList<FolderSource> sources{{kId, u"/home/me/Fonts/Client \"A\""_s, u"Client \"A\""_s},
                                       {QUuid::createUuid(), u"/mnt/a\\b/c\nd/\U0001F600"_s, u"\U0001F600"_s}};
     persistence.saveSources(sources);
+    persistence.waitForWrites();
     EXPECT_EQ(readFile(storage() + u"/sources.json"_s).left(64),
               QByteArray(R"([{"id":"6F1C1A52-0D63-4B4A-9C4E-1B2F8E3D42E2","path":"/home/me/F)"));
     EXPECT_FALSE(readFile(storage() + u"/sources.json"_s).contains('\n')); // compact: escaped, never raw
@@ -53,13 +54,16 @@ TEST(Persistence, FirstRunIsSilentAndSavesRoundTrip)
     FontCollection collection{kId, u"Favorites"_s, {{u"/A"_s, true}, {u"/b \"x\".otf"_s, false}}, u"/i/x.png"_s};
     const QList<FontCollection> collections{collection, FontCollection::create(u"Empty"_s)};
     persistence.saveCollections(collections);
+    persistence.waitForWrites();
     EXPECT_EQ(PersistenceService().loadCollections(), collections);
 
     const QSet<QString> fonts{u"/f/a.otf"_s, u"/f/quote\".ttf"_s, u"/f/back\\slash.ttf"_s,
                               u"/f/new\nline.ttf"_s, u"/f/\U0001D11E.otf"_s};
     persistence.saveActivatedFonts(fonts);
+    persistence.waitForWrites();
     EXPECT_EQ(PersistenceService().loadActivatedFonts(), fonts);
     persistence.saveActivatedFonts({});
+    persistence.waitForWrites();
     EXPECT_EQ(readFile(storage() + u"/activated_fonts.json"_s), QByteArray("[]"));
 }
 
@@ -102,6 +106,7 @@ TEST(Persistence, UnreadableFilesAreReportedWhereTheFaultIsAndKept)
     EXPECT_EQ(unreadableCopies(u"collections.json"_s).size(), 1);
     // The next save replaces the file; the copy stays.
     persistence.saveCollections({});
+    persistence.waitForWrites();
     EXPECT_EQ(readFile(storage() + u"/collections.json"_s), QByteArray("[]"));
     EXPECT_EQ(readFile(copy), truncated);
 
@@ -142,6 +147,7 @@ TEST(Persistence, LargeActivatedFontSetsLoadWhole)
         paths.insert(u"/home/designer/Fonts/Library/Foundry %1/Family %2/Family-Style %3 \"x\".otf"_s.arg(i % 97).arg(i % 1013).arg(i));
     PersistenceService persistence;
     persistence.saveActivatedFonts(paths);
+    persistence.waitForWrites();
     EXPECT_GT(QFileInfo(storage() + u"/activated_fonts.json"_s).size(), 7'000'000);
     EXPECT_EQ(PersistenceService().loadActivatedFonts(), paths);
 }
@@ -152,16 +158,20 @@ TEST(Persistence, SavingIntoAnUnusableFolderPrintsAndKeepsGoing)
     PersistenceService persistence(blocker + u"/Morvane"_s);
     const QString output = capturedStdout([&] {
         persistence.saveSources({{kId, u"/a"_s, u"a"_s}});
+        persistence.waitForWrites();
         persistence.saveCollections({});
+        persistence.waitForWrites();
         persistence.saveActivatedFonts({u"/a.otf"_s});
+        persistence.waitForWrites();
         EXPECT_TRUE(persistence.loadSources().isEmpty());
     });
-    const QStringList lines = output.split(u'\n', Qt::SkipEmptyParts);
+    QStringList lines = output.split(u'\n', Qt::SkipEmptyParts);
+    lines.sort(); // the writer takes files in its own order
     ASSERT_EQ(lines.size(), 3) << output.toStdString();
-    EXPECT_TRUE(lines[0].startsWith(u"Failed to save sources: "_s));
-    EXPECT_GT(lines[0].size(), 24); // the reason follows
+    EXPECT_TRUE(lines[0].startsWith(u"Failed to save activated fonts: "_s));
     EXPECT_TRUE(lines[1].startsWith(u"Failed to save collections: "_s));
-    EXPECT_TRUE(lines[2].startsWith(u"Failed to save activated fonts: "_s));
+    EXPECT_TRUE(lines[2].startsWith(u"Failed to save sources: "_s));
+    EXPECT_GT(lines[2].size(), 24); // the reason follows
     EXPECT_EQ(readFile(blocker), QByteArray("x"));
 }
 
@@ -228,6 +238,7 @@ TEST(Persistence, AWriteThatRunsOutOfSpaceLeavesThePreviousFile)
     PersistenceService persistence;
     const QList<FolderSource> before{{kId, u"/a"_s, u"a"_s}};
     persistence.saveSources(before);
+    persistence.waitForWrites();
     const QByteArray saved = readFile(storage() + u"/sources.json"_s);
 
     // A file size limit makes the write fail the way a full disk does.
@@ -240,7 +251,11 @@ TEST(Persistence, AWriteThatRunsOutOfSpaceLeavesThePreviousFile)
     rlimit tiny = previous;
     tiny.rlim_cur = 512;
     ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &tiny), 0);
-    const QString output = capturedStdout([&] { persistence.saveSources(many); });
+    const QString output = capturedStdout([&] {
+        persistence.saveSources(many);
+        persistence.waitForWrites();
+        persistence.waitForWrites();
+    });
     ::setrlimit(RLIMIT_FSIZE, &previous);
     std::signal(SIGXFSZ, oldHandler);
 

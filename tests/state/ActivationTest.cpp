@@ -51,7 +51,7 @@ TEST_F(Activation, ABatchReportsProgressInChunksOfEight)
     EXPECT_EQ(processing.count(), 2);
     EXPECT_EQ(store->activatedFonts().size(), 20);
     EXPECT_EQ(store->activationState(folder(u"Big"_s)), ActivationState::Active);
-    EXPECT_EQ(PersistenceService().loadActivatedFonts(), store->activatedFonts());
+    EXPECT_EQ(written().loadActivatedFonts(), store->activatedFonts());
     EXPECT_EQ(store->processingMessage(), u"Activating fonts (20 of 20)..."_s); // kept after the end
 }
 
@@ -71,7 +71,7 @@ TEST_F(Activation, AMixedFolderBecomesFullyActiveThenInactive)
     EXPECT_EQ(store->processingMessage(), u"Deactivating fonts (3 of 3)..."_s);
     EXPECT_TRUE(store->activatedFonts().isEmpty());
     EXPECT_EQ(store->activationState(folder(u"Mixed"_s)), ActivationState::Inactive);
-    EXPECT_TRUE(PersistenceService().loadActivatedFonts().isEmpty());
+    EXPECT_TRUE(written().loadActivatedFonts().isEmpty());
 }
 
 TEST_F(Activation, DuplicatesCountOnceAndFailuresStayAsTheyWere)
@@ -85,7 +85,7 @@ TEST_F(Activation, DuplicatesCountOnceAndFailuresStayAsTheyWere)
     EXPECT_EQ(store->processingMessage(), u"Activating fonts (2 of 2)..."_s);
     EXPECT_EQ(store->activatedFonts(), QSet<QString>{a.path()});
     // The batch itself does not save; its callers do.
-    EXPECT_TRUE(PersistenceService().loadActivatedFonts().isEmpty());
+    EXPECT_TRUE(written().loadActivatedFonts().isEmpty());
 }
 
 TEST_F(Activation, TogglesWhileABatchRunsOrTheLibraryIndexesAreIgnored)
@@ -107,7 +107,7 @@ TEST_F(Activation, TogglesWhileABatchRunsOrTheLibraryIndexesAreIgnored)
     EXPECT_FALSE(store->isProcessing());
     ASSERT_TRUE(QTest::qWaitFor([this] { return !store->isIndexing(); }, 20'000));
     EXPECT_EQ(activation.calls().size(), 20);
-    EXPECT_EQ(PersistenceService().loadActivatedFonts().size(), 20); // the ignored toggle saved nothing new
+    EXPECT_EQ(written().loadActivatedFonts().size(), 20); // the ignored toggle saved nothing new
 }
 
 TEST_F(Activation, CollectionsAndDeactivateAllFollowTheSameRule)
@@ -131,14 +131,14 @@ TEST_F(Activation, CollectionsAndDeactivateAllFollowTheSameRule)
     ASSERT_TRUE(waitUntilIdle());
     EXPECT_EQ(store->activatedFonts(), QSet<QString>{testRoot() + u"/Outside/x.otf"_s});
     EXPECT_EQ(store->collectionActivationState(collection()), ActivationState::Inactive);
-    EXPECT_EQ(PersistenceService().loadActivatedFonts(), store->activatedFonts());
+    EXPECT_EQ(written().loadActivatedFonts(), store->activatedFonts());
 
     // Nothing active under any source: nothing runs and nothing is saved.
     QSignalSpy processing(store.get(), &AppState::isProcessingChanged);
     persistence.saveActivatedFonts({u"/marker.otf"_s});
     store->deactivateAllFonts();
     EXPECT_EQ(processing.count(), 0);
-    EXPECT_EQ(PersistenceService().loadActivatedFonts(), QSet<QString>{u"/marker.otf"_s});
+    EXPECT_EQ(written().loadActivatedFonts(), QSet<QString>{u"/marker.otf"_s});
 }
 
 TEST_F(Activation, FolderStatesAreMemoisedUntilTheFontsOrTheLibraryChange)

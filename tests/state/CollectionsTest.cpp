@@ -24,7 +24,7 @@ protected:
     QStringList savedNames()
     {
         QStringList names;
-        for (const FontCollection &collection : PersistenceService().loadCollections())
+        for (const FontCollection &collection : written().loadCollections())
             names.append(collection.name);
         return names;
     }
@@ -114,7 +114,7 @@ TEST_F(Collections, MembersAreUniqueAndExpandIntoFontsOnce)
     EXPECT_EQ(fonts.size(), 3);
     EXPECT_EQ(fonts.first(), u"a.ttf"_s);
     EXPECT_EQ(QSet<QString>(fonts.begin(), fonts.end()), (QSet<QString>{u"a.ttf"_s, u"b.otf"_s, u"d.ttf"_s}));
-    EXPECT_TRUE(PersistenceService().loadCollections().first().contains(path(u"Sans"_s)));
+    EXPECT_TRUE(written().loadCollections().first().contains(path(u"Sans"_s)));
 
     // A member the scan never saw (deleted since) gives nothing and stays a member.
     store->addToCollection(work, FontNode::fromPath(path(u"Gone/x.otf"_s)));
@@ -123,7 +123,7 @@ TEST_F(Collections, MembersAreUniqueAndExpandIntoFontsOnce)
 
     store->removeFromCollection(work, {path(u"Sans"_s), true});
     EXPECT_EQ(fontsIn(u"Work"_s), QStringList{u"a.ttf"_s});
-    EXPECT_EQ(PersistenceService().loadCollections().first().members.size(), 2);
+    EXPECT_EQ(written().loadCollections().first().members.size(), 2);
 }
 
 TEST_F(Collections, MemosAreEmptiedByEveryChange)
@@ -206,7 +206,7 @@ TEST_F(Collections, IconsLoadReplaceAndFailedOnesAreNotRetried)
     EXPECT_FALSE(QFile::exists(storedPng));
     ASSERT_TRUE(store->collectionIcon(storedSvg).has_value());
     EXPECT_EQ(store->collectionIcon(storedSvg)->pixelColor(64, 64), QColor(Qt::blue));
-    EXPECT_EQ(PersistenceService().loadCollections().first().iconPath, storedSvg);
+    EXPECT_EQ(written().loadCollections().first().iconPath, storedSvg);
 
     // A broken file fails once and is not read again until an icon is set anew.
     const QString broken = writeFile(testRoot() + u"/broken.png"_s, "not an image");

@@ -74,7 +74,7 @@ TEST(Loading, RestoresEverythingOnceAndDropsVanishedFonts)
     EXPECT_EQ(f.store->previewText(), u"Sphinx"_s);
     EXPECT_EQ(f.store->activatedFonts(), QSet<QString>{kept});
     EXPECT_EQ(f.activation.calls(), QStringList{u'+' + kept});
-    EXPECT_EQ(PersistenceService().loadActivatedFonts(), QSet<QString>{kept});
+    EXPECT_EQ(f.written().loadActivatedFonts(), QSet<QString>{kept});
     EXPECT_EQ(messages, (QStringList{u"Restoring fonts…"_s, u"Restoring fonts (0 of 1)..."_s, u"Restoring fonts (1 of 1)..."_s}));
     EXPECT_EQ(columnNames(*f.store), QStringList{u"Sans"_s}); // the refresh ran
 
@@ -161,7 +161,7 @@ TEST(Loading, AddingAndRemovingSources)
     EXPECT_EQ(selection.count(), 0);
     EXPECT_EQ(sources.count(), 0);
     ASSERT_TRUE(waitUntilIdle(*f.store));
-    EXPECT_EQ(PersistenceService().loadSources(), f.store->sources());
+    EXPECT_EQ(f.written().loadSources(), f.store->sources());
 
     // Removing the selected source deactivates its fonts and selects the one left.
     f.store->toggleActivation(FontNode::fontFile(a));
@@ -175,8 +175,8 @@ TEST(Loading, AddingAndRemovingSources)
     EXPECT_EQ(f.store->selectedSource()->path, other);
     EXPECT_TRUE(f.store->navigationPath().isEmpty());
     EXPECT_EQ(columnNames(*f.store), QStringList{u"o.otf"_s});
-    EXPECT_EQ(PersistenceService().loadSources().size(), 1);
-    EXPECT_TRUE(PersistenceService().loadActivatedFonts().isEmpty());
+    EXPECT_EQ(f.written().loadSources().size(), 1);
+    EXPECT_TRUE(f.written().loadActivatedFonts().isEmpty());
 }
 
 TEST(Loading, ANewCollectionFolderOutsideTheSourcesIsScanned)

@@ -61,6 +61,12 @@ void StoreFixture::scan()
     store->installLibrary(service, {});
 }
 
+PersistenceService &StoreFixture::written()
+{
+    persistence.waitForWrites();
+    return persistence;
+}
+
 FontNode StoreFixture::folder(const QString &relative) const
 {
     return FontNode::folder(path(relative));

@@ -45,6 +45,8 @@ struct StoreFixture
     FolderSource addSource(const QString &path);
     // Scans the sources and the collections' folder members and installs the result.
     void scan();
+    // The store's persistence once its queued saves are on disk.
+    PersistenceService &written();
     FontNode folder(const QString &relative) const;
     FontNode font(const QString &relative) const;
     QString path(const QString &relative) const { return library + u'/' + relative; }
