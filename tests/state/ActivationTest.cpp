@@ -42,8 +42,10 @@ TEST_F(Activation, ABatchReportsProgressInChunksOfEight)
     QObject::connect(store.get(), &AppState::processingMessageChanged, [&] { messages.append(store->processingMessage()); });
     QObject::connect(store.get(), &AppState::processingProgressChanged, [&] { progress.append(store->processingProgress()); });
     QSignalSpy processing(store.get(), &AppState::isProcessingChanged);
+    activation.hold(); // the batch can't finish before it is looked at
     store->toggleActivation(folder(u"Big"_s));
     EXPECT_TRUE(store->isProcessing());
+    activation.open();
     ASSERT_TRUE(waitUntilIdle());
     EXPECT_EQ(messages, (QStringList{u"Activating fonts (0 of 20)..."_s, u"Activating fonts (8 of 20)..."_s,
                                      u"Activating fonts (16 of 20)..."_s, u"Activating fonts (20 of 20)..."_s}));
@@ -90,17 +92,17 @@ TEST_F(Activation, DuplicatesCountOnceAndFailuresStayAsTheyWere)
 
 TEST_F(Activation, TogglesWhileABatchRunsOrTheLibraryIndexesAreIgnored)
 {
-    activation.delayMs = 20;
+    activation.hold();
     store->toggleActivation(folder(u"Big"_s));
     ASSERT_TRUE(store->isProcessing());
     store->toggleActivation(font(u"Other/o.otf"_s));
     store->toggleCollectionActivation(FontCollection::create(u"x"_s));
     store->deactivateAllFonts();
+    activation.open();
     ASSERT_TRUE(waitUntilIdle());
     EXPECT_EQ(activation.calls().size(), 20);
     EXPECT_FALSE(store->activatedFonts().contains(path(u"Other/o.otf"_s)));
 
-    activation.delayMs = 0;
     store->refreshFileSystem();
     ASSERT_TRUE(store->isIndexing());
     store->toggleActivation(font(u"Other/o.otf"_s));

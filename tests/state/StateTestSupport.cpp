@@ -1,25 +1,37 @@
 #include "StateTestSupport.h"
 
-#include <QThread>
+void FakeActivation::record(const QString &call)
+{
+    ++callCount;
+    QMutexLocker lock(&m_mutex);
+    while (m_held)
+        m_opened.wait(&m_mutex);
+    m_calls.append(call);
+}
 
 bool FakeActivation::activateFont(const QString &path)
 {
-    ++callCount;
-    if (delayMs > 0)
-        QThread::msleep(static_cast<unsigned long>(delayMs.load()));
-    const QMutexLocker lock(&m_mutex);
-    m_calls.append(u'+' + path);
+    record(u'+' + path);
     return !failing.contains(path);
 }
 
 bool FakeActivation::deactivateFont(const QString &path)
 {
-    ++callCount;
-    if (delayMs > 0)
-        QThread::msleep(static_cast<unsigned long>(delayMs.load()));
-    const QMutexLocker lock(&m_mutex);
-    m_calls.append(u'-' + path);
+    record(u'-' + path);
     return !failing.contains(path);
+}
+
+void FakeActivation::hold()
+{
+    const QMutexLocker lock(&m_mutex);
+    m_held = true;
+}
+
+void FakeActivation::open()
+{
+    const QMutexLocker lock(&m_mutex);
+    m_held = false;
+    m_opened.wakeAll();
 }
 
 QStringList FakeActivation::calls() const

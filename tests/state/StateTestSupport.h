@@ -9,25 +9,34 @@
 #include <QMutex>
 #include <QSet>
 #include <QStringList>
+#include <QWaitCondition>
 
 #include <atomic>
 #include <memory>
 
 // Stands in for fontconfig: records every call, fails the paths it is told to,
-// and can be slowed down to keep a batch running.
+// and can be held at a gate to keep a batch running for as long as a test needs.
 class FakeActivation : public FontActivating
 {
 public:
+    ~FakeActivation() override { open(); }
     bool activateFont(const QString &path) override;
     bool deactivateFont(const QString &path) override;
 
     QStringList calls() const;
     QSet<QString> failing;          // set before use
-    std::atomic_int delayMs = 0;
     std::atomic_int callCount = 0;
 
+    // While held, every call waits until open() is called.
+    void hold();
+    void open();
+
 private:
+    void record(const QString &call);
+
     mutable QMutex m_mutex;
+    QWaitCondition m_opened;
+    bool m_held = false;
     QStringList m_calls; // "+path" or "-path"
 };
 
