@@ -1,3 +1,6 @@
+#include "SingleInstance.h"
+
+#include "services/PersistenceService.h"
 #include "ui/MainWindow.h"
 
 #include <QApplication>
@@ -49,7 +52,19 @@ int main(int argc, char *argv[])
     QApplication::setDesktopFileName(u"morvane"_s);
     quitOnSignals(app);
 
+    // Before any store exists: a second copy must not read or write our files.
+    SingleInstance instance(PersistenceService::defaultStorageFolder());
+    switch (instance.start()) {
+    case SingleInstance::Outcome::HandedOver:
+        return 0;
+    case SingleInstance::Outcome::NoAnswer:
+        return 1;
+    case SingleInstance::Outcome::Owner:
+        break;
+    }
+
     MainWindow window;
+    QObject::connect(&instance, &SingleInstance::showRequested, &window, &MainWindow::bringToFront);
     window.show();
     return QApplication::exec();
 }

@@ -219,10 +219,14 @@ void PersistenceService::setSaveObserver(SaveObserver observer)
     m_writer->setObserver(std::move(observer));
 }
 
+QString PersistenceService::defaultStorageFolder()
+{
+    return QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + u"/Morvane"_s;
+}
+
 QString PersistenceService::storageURL() const
 {
-    const QString folder = m_directory.value_or(
-        QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + u"/Morvane"_s);
+    const QString folder = m_directory.value_or(defaultStorageFolder());
     QDir().mkpath(folder); // failure shows up as a failed write later
     return folder;
 }

@@ -47,6 +47,8 @@ public:
     PersistenceService(const PersistenceService &) = delete;
     PersistenceService &operator=(const PersistenceService &) = delete;
 
+    // $XDG_DATA_HOME/Morvane, the storage folder of the application's own service.
+    static QString defaultStorageFolder();
     // Both create the folder (and missing parents) on every access.
     QString storageURL() const;
     QString collectionIconsURL() const;

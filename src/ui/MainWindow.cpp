@@ -6,6 +6,7 @@
 
 #include <QLabel>
 #include <QStatusBar>
+#include <QVBoxLayout>
 
 using namespace Qt::StringLiterals;
 
@@ -17,8 +18,22 @@ MainWindow::MainWindow(QWidget *parent)
 {
     setWindowTitle(u"Morvane"_s);
     resize(1100, 700);
+    auto *central = new QWidget(this);
+    auto *layout = new QVBoxLayout(central);
+    layout->setContentsMargins(0, 0, 0, 0);
+    m_saveFailure = new QLabel(central);
+    m_saveFailure->setAccessibleName(u"Save problem"_s);
+    m_saveFailure->setWordWrap(true);
+    m_saveFailure->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    m_saveFailure->setStyleSheet(u"QLabel { background: #fde2e1; color: #5c1a16; padding: 8px 12px; }"_s);
+    m_saveFailure->hide();
+    layout->addWidget(m_saveFailure);
+    layout->addStretch(1);
+    setCentralWidget(central);
     m_status = new QLabel(this);
+    m_status->setAccessibleName(u"Status"_s);
     statusBar()->addWidget(m_status, 1);
+    connect(m_state.get(), &AppState::saveFailureChanged, this, &MainWindow::updateSaveFailure);
     connect(m_state.get(), &AppState::isIndexingChanged, this, &MainWindow::updateStatus);
     connect(m_state.get(), &AppState::isProcessingChanged, this, &MainWindow::updateStatus);
     connect(m_state.get(), &AppState::processingMessageChanged, this, &MainWindow::updateStatus);
@@ -34,6 +49,25 @@ void MainWindow::showEvent(QShowEvent *event)
 {
     QMainWindow::showEvent(event);
     m_state->loadPersistedState(); // once per store, whatever the number of shows
+}
+
+// Shown until a save succeeds again: until then, what the user changes lives only in
+// this run.
+void MainWindow::updateSaveFailure()
+{
+    const QString failure = m_state->saveFailure();
+    m_saveFailure->setVisible(!failure.isEmpty());
+    m_saveFailure->setText(failure.isEmpty() ? QString()
+                                             : u"Morvane can't save its library: %1. Changes made now will be lost "
+                                               u"when Morvane quits."_s.arg(failure));
+}
+
+void MainWindow::bringToFront()
+{
+    setWindowState((windowState() & ~Qt::WindowMinimized) | Qt::WindowActive);
+    show();
+    raise();
+    activateWindow();
 }
 
 void MainWindow::updateStatus()

@@ -20,15 +20,19 @@ public:
     ~MainWindow() override;
 
     AppState &state() { return *m_state; }
+    // A second start of Morvane asked for this window.
+    void bringToFront();
 
 protected:
     void showEvent(QShowEvent *event) override;
 
 private:
     void updateStatus();
+    void updateSaveFailure();
 
     std::unique_ptr<FontActivationService> m_activation;
     std::unique_ptr<PersistenceService> m_persistence;
     std::unique_ptr<AppState> m_state;
     QLabel *m_status = nullptr;
+    QLabel *m_saveFailure = nullptr;
 };

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <QLockFile>
+#include <QObject>
+#include <QString>
+
+class QLocalServer;
+
+// One Morvane per account. The running copy holds a lock file in the storage folder,
+// so two stores never write the same files, and listens on a local socket; a second
+// start finds the lock, asks the running copy to bring its window to the front and
+// exits. The lock of a copy that crashed or was killed is stale (its process is gone)
+// and is taken over.
+class SingleInstance : public QObject
+{
+    Q_OBJECT
+
+public:
+    enum class Outcome {
+        Owner,       // this process runs Morvane
+        HandedOver,  // another copy runs and showed its window
+        NoAnswer,    // another copy holds the lock but did not answer
+    };
+
+    explicit SingleInstance(const QString &storageFolder, QObject *parent = nullptr);
+    ~SingleInstance() override;
+
+    // Takes the lock, or hands over to the copy that holds it. Prints one line unless
+    // this process is the owner.
+    Outcome start();
+
+    QString lockPath() const { return m_lockPath; }
+    QString socketPath() const { return m_socketPath; }
+
+Q_SIGNALS:
+    // A second start asked for the window.
+    void showRequested();
+
+private:
+    bool handOver();
+    void listen();
+
+    QString m_lockPath;
+    QString m_socketPath;
+    QLockFile m_lock;
+    QLocalServer *m_server = nullptr;
+};

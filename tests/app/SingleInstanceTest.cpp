@@ -1,0 +1,187 @@
+// Morvane as real processes: two copies on one account, and a copy killed in the
+// middle of a batch, then started again.
+#include "TestSupport.h"
+
+#include "services/FontActivationService.h"
+#include "services/PersistenceService.h"
+
+#include <QDateTime>
+#include <QDir>
+#include <QDirIterator>
+#include <QFile>
+#include <QFileInfo>
+#include <QProcess>
+#include <QStandardPaths>
+#include <QTest>
+
+#include <csignal>
+#include <memory>
+
+using namespace Qt::StringLiterals;
+using namespace TestSupport;
+
+namespace {
+
+const QString kMorvane = QStringLiteral(MORVANE_BINARY);
+const QString kFonts = QStringLiteral(MORVANE_TEST_FONTS);
+
+QString storage()
+{
+    return PersistenceService::defaultStorageFolder();
+}
+
+QString linkFolder()
+{
+    return QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + u"/fonts/Morvane"_s;
+}
+
+// A copy of Morvane in this test's own home, stopped (killed if need be) when the test ends.
+struct Morvane
+{
+    Morvane()
+    {
+        process->setProgram(kMorvane);
+        process->setProcessEnvironment(QProcessEnvironment::systemEnvironment());
+        process->start();
+        EXPECT_TRUE(process->waitForStarted(10'000));
+    }
+    ~Morvane()
+    {
+        if (process->state() != QProcess::NotRunning) {
+            process->kill();
+            process->waitForFinished(10'000);
+        }
+    }
+    qint64 pid() const { return process->processId(); }
+    // Quits as a logout would, through the event loop.
+    int terminate()
+    {
+        ::kill(static_cast<pid_t>(pid()), SIGTERM);
+        EXPECT_TRUE(process->waitForFinished(60'000));
+        return process->exitCode();
+    }
+    std::unique_ptr<QProcess> process = std::make_unique<QProcess>();
+};
+
+QString lockHolder()
+{
+    QFile lock(storage() + u"/morvane.lock"_s);
+    return lock.open(QIODevice::ReadOnly) ? QString::fromUtf8(lock.readLine()).trimmed() : QString();
+}
+
+QStringList ourLinks()
+{
+    QStringList links;
+    QDirIterator it(linkFolder(), QDir::Files | QDir::System | QDir::Hidden, QDirIterator::Subdirectories);
+    while (it.hasNext())
+        links.append(it.next());
+    return links;
+}
+
+QSet<QString> listedByFontconfig()
+{
+    QProcess process;
+    process.start(u"fc-list"_s, {u"--format=%{file}\\n"_s});
+    EXPECT_TRUE(process.waitForFinished(120'000));
+    QSet<QString> fonts;
+    for (const QString &file : QString::fromUtf8(process.readAllStandardOutput()).split(u'\n', Qt::SkipEmptyParts)) {
+        if (file.startsWith(linkFolder() + u'/'))
+            fonts.insert(QFile::symLinkTarget(file));
+    }
+    return fonts;
+}
+
+QByteArray pathsJson(const QStringList &paths)
+{
+    QByteArray json("[");
+    for (const QString &path : paths)
+        json += '"' + path.toUtf8() + "\",";
+    json.chop(paths.isEmpty() ? 0 : 1);
+    return json + ']';
+}
+
+QDateTime modified(const QString &path)
+{
+    return QFileInfo(path).fileTime(QFileDevice::FileModificationTime);
+}
+
+} // namespace
+
+TEST(SingleInstance, ASecondStartHandsOverToTheRunningCopy)
+{
+    Morvane first;
+    ASSERT_TRUE(QTest::qWaitFor([&] { return lockHolder() == QString::number(first.pid()); }, 30'000));
+
+    QProcess second;
+    second.start(kMorvane, {});
+    ASSERT_TRUE(second.waitForFinished(30'000));
+    EXPECT_EQ(second.exitStatus(), QProcess::NormalExit);
+    EXPECT_EQ(second.exitCode(), 0);
+    EXPECT_EQ(QString::fromUtf8(second.readAllStandardOutput()),
+              u"Morvane is already running; its window was brought to the front.\n"_s);
+    EXPECT_EQ(first.process->state(), QProcess::Running);
+    EXPECT_EQ(lockHolder(), QString::number(first.pid()));
+
+    // A clean quit gives the lock back.
+    EXPECT_EQ(first.terminate(), 0);
+    EXPECT_FALSE(QFile::exists(storage() + u"/morvane.lock"_s));
+
+    // A killed copy leaves its lock behind; the next start takes it over.
+    Morvane killed;
+    const QString killedPid = QString::number(killed.pid());
+    ASSERT_TRUE(QTest::qWaitFor([&] { return lockHolder() == killedPid; }, 30'000));
+    killed.process->kill();
+    ASSERT_TRUE(killed.process->waitForFinished(10'000));
+    EXPECT_EQ(lockHolder(), killedPid);
+    Morvane next;
+    ASSERT_TRUE(QTest::qWaitFor([&] { return lockHolder() == QString::number(next.pid()); }, 30'000));
+    EXPECT_EQ(next.process->state(), QProcess::Running);
+}
+
+// The restore at start-up is a batch of every saved font. Killed in its middle, the
+// next start must still end with every saved font active, each linked once, listed
+// by fontconfig, and no cache left locked.
+TEST(SingleInstance, AKillInTheMiddleOfABatchLosesNothing)
+{
+    const QString library = makeDir(testRoot() + u"/Library"_s);
+    const QStringList faces{u"/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf"_s,
+                            u"/usr/share/fonts/truetype/dejavu/DejaVuSerif.ttf"_s, kFonts + u"/Plain.ttf"_s};
+    QStringList fonts;
+    for (int i = 0; i < 4000; ++i) {
+        const QString font = library + u"/Family %1/Font %2.ttf"_s.arg(i / 100).arg(i);
+        QDir().mkpath(font.section(u'/', 0, -2));
+        makeSymlink(faces[i % faces.size()], font);
+        fonts.append(font);
+    }
+    const QString saved = writeFile(storage() + u"/activated_fonts.json"_s, pathsJson(fonts));
+    const QByteArray savedBytes = readFile(saved);
+
+    {
+        Morvane first;
+        ASSERT_TRUE(QTest::qWaitFor([] { return !ourLinks().isEmpty(); }, 60'000));
+        ::kill(static_cast<pid_t>(first.pid()), SIGSTOP); // frozen where it is, then killed there
+        const qsizetype linkedAtKill = ourLinks().size();
+        ::kill(static_cast<pid_t>(first.pid()), SIGKILL);
+        ASSERT_TRUE(first.process->waitForFinished(10'000));
+        ASSERT_LT(linkedAtKill, fonts.size()) << "the batch ended before it could be killed";
+    }
+    EXPECT_EQ(readFile(saved), savedBytes); // the saved set never shrinks mid-batch
+
+    const QDateTime before = modified(saved);
+    Morvane next;
+    // The restore ends by saving the set it restored.
+    ASSERT_TRUE(QTest::qWaitFor([&] { return modified(saved) != before; }, 120'000));
+    EXPECT_EQ(next.terminate(), 0);
+
+    const QStringList links = ourLinks();
+    QSet<QString> linked;
+    for (const QString &link : links)
+        linked.insert(QFile::symLinkTarget(link));
+    EXPECT_EQ(links.size(), fonts.size()); // each font linked once
+    EXPECT_EQ(linked, QSet<QString>(fonts.begin(), fonts.end()));
+    EXPECT_EQ(PersistenceService().loadActivatedFonts(), QSet<QString>(fonts.begin(), fonts.end()));
+    EXPECT_EQ(listedByFontconfig(), QSet<QString>(fonts.begin(), fonts.end()));
+    const QString caches = QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation) + u"/fontconfig"_s;
+    EXPECT_EQ(QDir(caches).entryList({u"*.LCK"_s, u"*.NEW"_s, u"*.TMP-*"_s}, QDir::Files | QDir::Hidden), QStringList());
+    EXPECT_FALSE(QFileInfo::exists(QDir::homePath() + u"/.fontconfig"_s));
+}
