@@ -17,6 +17,7 @@
 #include <cerrno>
 #include <climits>
 #include <cstring>
+#include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -57,6 +58,27 @@ bool readsAsFont(const QString &path)
     const bool font = face->num_glyphs > 0 || face->num_faces > 0;
     FT_Done_Face(face);
     return font;
+}
+
+// The entries of one of our folders that are symbolic links, whatever they point at
+// (a link to a folder included: QDir would count that as a folder).
+QStringList linkNamesIn(const QString &folder)
+{
+    QStringList names;
+    DIR *dir = ::opendir(encoded(folder).constData());
+    if (!dir)
+        return names;
+    while (const dirent *entry = ::readdir(dir)) {
+        bool link = entry->d_type == DT_LNK;
+        if (entry->d_type == DT_UNKNOWN) {
+            struct stat info{};
+            link = ::fstatat(::dirfd(dir), entry->d_name, &info, AT_SYMLINK_NOFOLLOW) == 0 && S_ISLNK(info.st_mode);
+        }
+        if (link)
+            names.append(QFile::decodeName(entry->d_name));
+    }
+    ::closedir(dir);
+    return names;
 }
 
 bool isNewer(const timespec &a, const timespec &b)
@@ -161,14 +183,14 @@ void FontActivationService::loadIndex()
     for (const QString &top : std::as_const(m_tops)) {
         const QDir topDir(top);
         // Links right in a top folder are from before shards were made on demand.
-        for (const QString &name : topDir.entryList(QDir::Files | QDir::System | QDir::Hidden))
+        for (const QString &name : linkNamesIn(top))
             indexLink(top + u'/' + name, top, duplicates);
         const QStringList shards = topDir.entryList(QDir::Dirs | QDir::NoDotAndDotDot | QDir::NoSymLinks);
         m_shardsInTop.insert(top, static_cast<int>(shards.size()));
         for (const QString &shardName : shards) {
             const QString shard = top + u'/' + shardName;
             m_shardSize.insert(shard, m_shardSize.value(shard));
-            for (const QString &name : QDir(shard).entryList(QDir::Files | QDir::System | QDir::Hidden))
+            for (const QString &name : linkNamesIn(shard))
                 indexLink(shard + u'/' + name, shard, duplicates);
         }
     }
@@ -293,7 +315,7 @@ void FontActivationService::rebuildPending()
         if (m_shardSize.value(shard) == 0)
             continue; // no links: a top folder, or a shard emptied by deactivation
         const QSet<QString> &files = listed[shard];
-        for (const QString &name : QDir(shard).entryList(QDir::Files | QDir::System | QDir::Hidden)) {
+        for (const QString &name : linkNamesIn(shard)) {
             const QString link = shard + u'/' + name;
             if (!files.contains(link) && m_fontOfLink.contains(link))
                 refused.append(link);

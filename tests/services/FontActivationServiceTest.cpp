@@ -2,6 +2,8 @@
 
 #include "services/FontActivationService.h"
 
+#include <QCryptographicHash>
+#include <QDateTime>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -170,4 +172,97 @@ TEST_F(Activation, BatchesFillFewShardsAndSingleFontsLandInSmallOnes)
     FontActivationService next;
     EXPECT_EQ(next.links().size(), 101);
     EXPECT_FALSE(QFile::exists(extra) || QFileInfo(extra).isSymLink());
+}
+
+namespace {
+
+// What fontconfig says each of our links is: font path -> family.
+QHash<QString, QString> familiesListedByFontconfig(const QString &linkFolder)
+{
+    QProcess process;
+    process.start(u"fc-list"_s, {u"--format=%{file}|%{family[0]}\\n"_s});
+    EXPECT_TRUE(process.waitForFinished(60'000));
+    QHash<QString, QString> families;
+    for (const QString &line : QString::fromUtf8(process.readAllStandardOutput()).split(u'\n', Qt::SkipEmptyParts)) {
+        const QString file = line.section(u'|', 0, 0);
+        if (file.startsWith(linkFolder + u'/'))
+            families.insert(QFile::symLinkTarget(file), line.section(u'|', 1));
+    }
+    return families;
+}
+
+// Replaces a file the way editors and package managers do: a new file renamed over it.
+void replaceFile(const QString &path, const QString &withCopyOf)
+{
+    const QString fresh = path + u".new"_s;
+    ASSERT_TRUE(QFile::copy(withCopyOf, fresh));
+    ASSERT_EQ(::rename(QFile::encodeName(fresh).constData(), QFile::encodeName(path).constData()), 0);
+}
+
+} // namespace
+
+// Files changed behind our back keep the link folder's time, so fontconfig trusts its
+// old cache: the next start must set it right.
+TEST_F(Activation, TheNextStartTellsFontconfigTheTruthAboutChangedFiles)
+{
+    const QString replaced = copyFont(kFonts + u"/Plain.ttf"_s, library + u"/Replaced.ttf"_s);
+    const QString scrambled = copyFont(kFonts + u"/NoStyle.ttf"_s, library + u"/Scrambled.ttf"_s);
+    const QString becameFolder = copyFont(kFonts + u"/Nameless.ttf"_s, library + u"/Folder.ttf"_s);
+    const QString vanished = copyFont(kFonts + u"/Axes.ttf"_s, library + u"/Vanished.ttf"_s);
+    QString linkOfReplaced;
+    QStringList unchanged;
+    {
+        // The replaced font fills a shard with fonts that stay as they are, so only
+        // its change can make that shard's cache stale.
+        QStringList firstShard{replaced};
+        for (qsizetype i = 1; i < FontActivationService::kShardCapacity; ++i)
+            firstShard.append(copyFont(kFonts + u"/Plain.ttf"_s, library + u"/Same/Plain %1.ttf"_s.arg(i)));
+        FontActivationService service;
+        ASSERT_EQ(service.activateFonts(firstShard), QList<bool>(firstShard.size(), true));
+        ASSERT_EQ(service.activateFonts({sans, scrambled, becameFolder, vanished}), QList<bool>(4, true));
+        linkOfReplaced = *service.linkPathFor(replaced);
+        ASSERT_NE(service.linkPathFor(sans)->section(u'/', 0, -2), linkOfReplaced.section(u'/', 0, -2));
+        unchanged = firstShard.mid(1);
+    }
+    const QString links = FontActivationService().linkFolder();
+    EXPECT_EQ(familiesListedByFontconfig(links).value(replaced), u"Morvane Test"_s);
+
+    replaceFile(replaced, kFonts + u"/MacRoman.ttf"_s);
+    writeFile(scrambled + u".new"_s, QByteArray(4096, '\x5a'));
+    ASSERT_EQ(::rename(QFile::encodeName(scrambled + u".new"_s).constData(), QFile::encodeName(scrambled).constData()), 0);
+    ASSERT_TRUE(QFile::remove(becameFolder));
+    copyFont(kFonts + u"/Plain.ttf"_s, becameFolder + u"/Inside.ttf"_s);
+    ASSERT_TRUE(QFile::remove(vanished));
+    // Without the repair, every application is told stale things.
+    EXPECT_EQ(familiesListedByFontconfig(links).value(replaced), u"Morvane Test"_s);
+
+    // A killed process's lock on the replaced font's shard cache, and one of another folder.
+    const QString caches = QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation) + u"/fontconfig"_s;
+    const QString shardHash = QString::fromLatin1(
+        QCryptographicHash::hash(QFile::encodeName(linkOfReplaced.section(u'/', 0, -2)), QCryptographicHash::Md5).toHex());
+    const QStringList ours{shardHash + u"-le64.cache-8.LCK"_s, shardHash + u"-le64.cache-8.NEW"_s,
+                           shardHash + u"-le64.cache-8.TMP-Ab12Cd"_s};
+    for (const QString &name : ours)
+        writeFile(caches + u'/' + name, "stale");
+    const QString foreign = writeFile(caches + u"/0123456789abcdef0123456789abcdef-le64.cache-8.LCK"_s, "theirs");
+
+    FontActivationService next;
+    const QString output = capturedStdout([&] { next.repairActivations(); });
+    EXPECT_EQ(output, QString());
+    const QHash<QString, QString> families = familiesListedByFontconfig(links);
+    EXPECT_EQ(families.value(replaced), u"Café Ñandú"_s);
+    QSet<QString> active{sans, replaced};
+    active.unite(QSet<QString>(unchanged.begin(), unchanged.end()));
+    EXPECT_EQ(QSet<QString>(families.keyBegin(), families.keyEnd()), active);
+    EXPECT_EQ(next.recordedActivations(), active);
+    for (const QString &name : ours)
+        EXPECT_FALSE(QFile::exists(caches + u'/' + name)) << name.toStdString();
+    EXPECT_TRUE(QFile::exists(foreign));
+
+    // Repaired once: the next start leaves the caches as they are.
+    const QStringList cachesBefore = QDir(caches).entryList(QDir::Files, QDir::Time);
+    const QDateTime newest = QFileInfo(caches + u'/' + cachesBefore.first()).lastModified();
+    FontActivationService().repairActivations();
+    EXPECT_EQ(QFileInfo(caches + u'/' + QDir(caches).entryList(QDir::Files, QDir::Time).first()).lastModified(), newest);
+    EXPECT_FALSE(QFileInfo::exists(QDir::homePath() + u"/.fontconfig"_s)); // never the deprecated folder
 }

@@ -38,6 +38,25 @@ void pointEnvironmentAt(const QString &root)
     g_testRoot = root;
 }
 
+// Run as root, fontconfig writes caches to the system's /var/cache/fontconfig before
+// the user's own folder. Tests read the system's configuration but write caches only
+// to the test's own cache folder, as an ordinary user's fontconfig does.
+void useOwnFontconfigCaches(const QString &root)
+{
+    const QString config = root + u"/fonts.conf"_s;
+    QFile file(config);
+    if (!file.open(QIODevice::WriteOnly))
+        return;
+    file.write("<?xml version=\"1.0\"?>\n<!DOCTYPE fontconfig SYSTEM \"urn:fontconfig:fonts.dtd\">\n"
+               "<fontconfig>\n"
+               "  <dir>/usr/share/fonts</dir>\n"
+               "  <dir prefix=\"xdg\">fonts</dir>\n"
+               "  <cachedir prefix=\"xdg\">fontconfig</cachedir>\n"
+               "  <include ignore_missing=\"yes\">/etc/fonts/conf.d</include>\n"
+               "</fontconfig>\n");
+    qputenv("FONTCONFIG_FILE", QFile::encodeName(config));
+}
+
 class FreshFolderPerTest : public testing::EmptyTestEventListener
 {
     void OnTestStart(const testing::TestInfo &) override
@@ -111,6 +130,7 @@ bool isolateProcess()
     if (parentRoot.isEmpty())
         qputenv("MORVANE_TEST_PROCESS_ROOT", QFile::encodeName(g_processRoot->path()));
     pointEnvironmentAt(g_processRoot->path() + u"/process"_s);
+    useOwnFontconfigCaches(g_processRoot->path());
     // ICU collation needs a real locale; the C locale would bypass it.
     QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
     return true;
