@@ -15,8 +15,11 @@ int main(int argc, char **argv)
         return 2;
     testing::InitGoogleTest(&argc, argv);
     TestSupport::isolateEachTest();
-    TestApplication app(argc, argv);
-    const int result = RUN_ALL_TESTS();
+    int result = 0;
+    {
+        TestApplication app(argc, argv);
+        result = RUN_ALL_TESTS();
+    } // the application may still read the folder's font configuration as it goes
     TestSupport::removeProcessRoot();
     return result;
 }
