@@ -73,6 +73,11 @@ void set(const std::string &figure, double value, const std::string &unit)
     figures().push_back({figure, value, unit});
 }
 
+void setCount(const std::string &figure, int value)
+{
+    figures().push_back({figure, static_cast<double>(value), {}});
+}
+
 void print()
 {
     for (const Figure &figure : figures()) {

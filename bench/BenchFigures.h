@@ -17,6 +17,8 @@ double milliseconds(const std::string &benchmarkName);
 void recordMilliseconds(const std::string &benchmarkName, double value);
 
 void set(const std::string &figure, double value, const std::string &unit = {});
+// A count, printed even when it is zero.
+void setCount(const std::string &figure, int value);
 // Each benchmark file registers how it turns recorded times into figures; they run
 // after all benchmarks, in registration order.
 bool onFinish(void (*addFigures)());

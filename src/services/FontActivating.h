@@ -35,8 +35,8 @@ public:
     virtual void repairActivations() {}
     // Every font our own activations record, whatever any saved list says.
     virtual QSet<QString> recordedActivations() { return {}; }
-    // Withdraws every activation of ours that is not in `keep` or whose file is gone,
-    // such as one left behind by a crash in the middle of a batch. Only ever called
+    // Withdraws every activation of ours that is not in `keep`, such as one left behind
+    // by a crash in the middle of a batch. Called after repairActivations(), and only
     // with a saved set that was read back whole.
     virtual void removeActivationsExcept(const QSet<QString> &keep);
 };

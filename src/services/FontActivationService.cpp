@@ -150,6 +150,7 @@ bool FontActivationService::ensureReady()
             created = true;
         }
         m_tops.append(top);
+        m_topSet.insert(top);
     }
     if (created) {
         QSet<QString> all(m_tops.begin(), m_tops.end());
@@ -236,10 +237,12 @@ QStringList FontActivationService::placeNewLinks(qsizetype count)
     // A shard's rescan costs all of its fonts. So empty shards are filled first (the
     // rescan is then the batch's own fonts); a big batch then opens new shards rather
     // than topping up part-full ones; a small one goes to the least full shards.
+    if (count == 0)
+        return {};
     QStringList empty;
     QList<std::pair<qsizetype, QString>> partFull;
     for (const auto &[shard, size] : m_shardSize.asKeyValueRange()) {
-        if (shard.section(u'/', 0, -2) == m_linkFolder)
+        if (m_topSet.contains(shard))
             continue; // an old top folder holding links: no new ones go there
         if (size == 0)
             empty.append(shard);
@@ -472,10 +475,10 @@ void FontActivationService::removeLinks(const QStringList &linkPaths)
 
 void FontActivationService::removeActivationsExcept(const QSet<QString> &keep)
 {
+    // Links to files that are gone were taken back by repairActivations().
     QStringList unknown;
     for (const auto &[link, font] : links().asKeyValueRange()) {
-        struct stat info{};
-        if (!keep.contains(font) || ::stat(encoded(font).constData(), &info) != 0)
+        if (!keep.contains(font))
             unknown.append(link);
     }
     removeLinks(unknown);

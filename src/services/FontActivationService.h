@@ -81,6 +81,7 @@ private:
     _FcConfig *m_config = nullptr;
     bool m_ready = false;
     QStringList m_tops;                   // 00 … ff
+    QSet<QString> m_topSet;
     QHash<QString, int> m_shardsInTop;    // top folder -> shards made in it
     QHash<QString, QString> m_linkOfFont; // font path -> link path
     QHash<QString, QString> m_fontOfLink; // link path -> font path

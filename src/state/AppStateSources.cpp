@@ -76,18 +76,21 @@ namespace {
 QSet<QString> checkSavedFonts(FontActivating *activation, const QSet<QString> &saved, bool savedSetIsWhole)
 {
     activation->repairActivations();
+    // After the repair every recorded activation's file exists: only the others are looked at.
+    const QSet<QString> recorded = activation->recordedActivations();
     QSet<QString> candidates = saved;
     if (!savedSetIsWhole) {
         // The saved list is gone or unreadable, but our activations themselves record
         // what was active: restore those rather than sweep them away.
-        candidates = activation->recordedActivations();
+        candidates = recorded;
         if (!candidates.isEmpty())
             Console::printLine(u"Restoring the %1 activated fonts that Morvane's font links record instead"_s
                                    .arg(candidates.size()));
     }
     QSet<QString> existing;
+    existing.reserve(candidates.size());
     for (const QString &path : std::as_const(candidates)) {
-        if (fileExists(path))
+        if (recorded.contains(path) || fileExists(path))
             existing.insert(path);
     }
     // Away with activations nothing accounts for (a crash mid-batch), but only when

@@ -1,0 +1,15 @@
+#pragma once
+
+#include <QStringList>
+
+// Real font files for the font benchmarks, the same on every machine: links under
+// distinct names to the fonts of the Debian packages tools/install-deps.sh installs,
+// taken in a fixed order. A face that does not read as a font is counted and left out.
+namespace FontCorpus {
+
+// `count` links in the benchmark data folder `name`, made (or mended) on first use.
+QStringList fonts(const QString &name, int count);
+// How many of the packaged faces did not read (printed as a figure).
+int unreadableFaces();
+
+} // namespace FontCorpus
