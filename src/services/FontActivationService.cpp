@@ -235,34 +235,46 @@ QString FontActivationService::createShard()
 QStringList FontActivationService::placeNewLinks(qsizetype count)
 {
     // A shard's rescan costs all of its fonts. So empty shards are filled first (the
-    // rescan is then the batch's own fonts); a big batch then opens new shards rather
-    // than topping up part-full ones; a small one goes to the least full shards.
+    // rescan is then the batch's own fonts), after any shard the running batch has begun
+    // to fill; a big batch then opens new shards rather than topping up part-full ones;
+    // a small one goes to the least full shards.
+    // Called for every chunk of a batch, with thousands of shards: one pass, and only
+    // as many shards as the links need are kept.
     if (count == 0)
         return {};
+    const qsizetype emptyWanted = (count + kShardCapacity - 1) / kShardCapacity;
+    const bool small = count < kShardCapacity;
+    QStringList opened;
     QStringList empty;
-    QList<std::pair<qsizetype, QString>> partFull;
-    for (const auto &[shard, size] : m_shardSize.asKeyValueRange()) {
-        if (m_topSet.contains(shard))
+    std::vector<std::pair<qsizetype, QString>> partFull;
+    for (auto it = m_shardSize.cbegin(); it != m_shardSize.cend(); ++it) {
+        const qsizetype size = it.value();
+        if (size >= kShardCapacity || (size > 0 && !small) || (size == 0 && empty.size() >= emptyWanted))
+            continue;
+        if (m_topSet.contains(it.key()))
             continue; // an old top folder holding links: no new ones go there
         if (size == 0)
-            empty.append(shard);
-        else if (size < kShardCapacity)
-            partFull.append({size, shard});
+            empty.append(it.key());
+        else if (m_pendingShards.contains(it.key()))
+            opened.append(it.key()); // being filled by this batch: finish it first
+        else
+            partFull.emplace_back(size, it.key());
     }
-    std::sort(empty.begin(), empty.end());
-    std::sort(partFull.begin(), partFull.end());
+    const auto bySize = [](const auto &a, const auto &b) { return a.first < b.first; };
+    const auto kept = partFull.begin() + std::min<qsizetype>(count, static_cast<qsizetype>(partFull.size()));
+    std::partial_sort(partFull.begin(), kept, partFull.end(), bySize);
     QStringList placed;
     placed.reserve(count);
     const auto fill = [&](const QString &shard, qsizetype size) {
         for (qsizetype room = kShardCapacity - size; room > 0 && placed.size() < count; --room)
             placed.append(shard);
     };
+    for (const QString &shard : std::as_const(opened))
+        fill(shard, m_shardSize.value(shard));
     for (const QString &shard : std::as_const(empty))
         fill(shard, 0);
-    if (count - placed.size() < kShardCapacity) {
-        for (const auto &[size, shard] : std::as_const(partFull))
-            fill(shard, size);
-    }
+    for (auto it = partFull.begin(); it != kept; ++it)
+        fill(it->second, it->first);
     while (placed.size() < count) {
         const QString shard = createShard();
         if (shard.isEmpty())

@@ -166,6 +166,19 @@ TEST_F(Activation, BatchesFillFewShardsAndSingleFontsLandInSmallOnes)
     EXPECT_EQ(perShard.value(service.linkPathFor(sans)->section(u'/', 0, -2)), 100 % FontActivationService::kShardCapacity);
     EXPECT_EQ(fontsListedByFontconfig(service.linkFolder()).size(), 101);
 
+    // A batch in chunks of 8, as the store runs it, with empty shards about (left by a
+    // deactivation): it still fills shards one after another.
+    ASSERT_EQ(service.deactivateFonts(fonts.mid(0, 64)), QList<bool>(64, true));
+    service.beginBatch();
+    for (qsizetype start = 0; start < 64; start += 8)
+        ASSERT_EQ(service.activateFonts(fonts.mid(start, 8)), QList<bool>(8, true));
+    EXPECT_EQ(service.finishBatch(), QStringList());
+    QSet<QString> batchShards;
+    for (const QString &font : fonts.mid(0, 64))
+        batchShards.insert(service.linkPathFor(font)->section(u'/', 0, -2));
+    EXPECT_EQ(batchShards.size(), 64 / FontActivationService::kShardCapacity);
+    EXPECT_EQ(fontsListedByFontconfig(service.linkFolder()).size(), 101);
+
     // A link made twice (a crash mid-batch) is cleaned up by the next start.
     const QString extra = service.linkFolder() + u"/ff/dup-"_s + FontActivationService::linkNameFor(sans);
     makeSymlink(sans, extra);
