@@ -51,13 +51,13 @@ SingleInstance::Outcome SingleInstance::start()
     }
     if (m_lock.error() != QLockFile::LockFailedError) {
         // No lock can be made (a read-only storage folder): Morvane still runs, with
-        // the socket alone keeping a second copy away.
-        if (handOver())
+        // the socket alone keeping a second copy away. Nothing says one runs: one try.
+        if (handOver(0))
             return Outcome::HandedOver;
         listen();
         return Outcome::Owner;
     }
-    if (handOver())
+    if (handOver(kAnswerTimeoutMs))
         return Outcome::HandedOver;
     qint64 pid = 0;
     QString host;
@@ -68,18 +68,20 @@ SingleInstance::Outcome SingleInstance::start()
     return Outcome::NoAnswer;
 }
 
-bool SingleInstance::handOver()
+bool SingleInstance::handOver(int patienceMs)
 {
     // The running copy may be between taking the lock and listening: try for a while.
-    const QDeadlineTimer deadline(kAnswerTimeoutMs);
-    while (!deadline.hasExpired()) {
+    const QDeadlineTimer deadline(std::max(patienceMs, 500));
+    const QDeadlineTimer patience(patienceMs);
+    for (;;) {
         QLocalSocket socket;
         socket.connectToServer(m_socketPath);
         if (socket.waitForConnected(static_cast<int>(deadline.remainingTime()))) {
             socket.write(kShow.data(), kShow.size());
             socket.flush();
             QByteArray answer;
-            while (!answer.endsWith('\n') && socket.waitForReadyRead(static_cast<int>(deadline.remainingTime())))
+            const QDeadlineTimer answered(kAnswerTimeoutMs); // a busy copy answers between two jobs
+            while (!answer.endsWith('\n') && socket.waitForReadyRead(static_cast<int>(answered.remainingTime())))
                 answer += socket.readAll();
             if (answer == kShown) {
                 Console::printLine(u"Morvane is already running; its window was brought to the front."_s);
@@ -87,9 +89,10 @@ bool SingleInstance::handOver()
             }
             return false;
         }
+        if (patience.hasExpired())
+            return false;
         QThread::msleep(50);
     }
-    return false;
 }
 
 void SingleInstance::listen()

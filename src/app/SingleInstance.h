@@ -37,7 +37,8 @@ Q_SIGNALS:
     void showRequested();
 
 private:
-    bool handOver();
+    // Asks a running copy to show its window, trying to connect for `patienceMs`.
+    bool handOver(int patienceMs);
     void listen();
 
     QString m_lockPath;

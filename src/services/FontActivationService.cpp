@@ -40,14 +40,6 @@ QByteArray encoded(const QString &path)
     return QFile::encodeName(path);
 }
 
-// The link's own text, not resolved further; empty when there is no link.
-QString readLink(const QString &linkPath)
-{
-    QByteArray buffer(PATH_MAX, Qt::Uninitialized);
-    const ssize_t size = ::readlink(encoded(linkPath).constData(), buffer.data(), static_cast<size_t>(buffer.size()));
-    return size < 0 ? QString() : QFile::decodeName(buffer.left(size));
-}
-
 // What fontconfig does with each file it scans, without its costly character sets:
 // FreeType must open the file as a font.
 bool readsAsFont(const QString &path)
@@ -124,7 +116,7 @@ std::optional<QString> FontActivationService::linkPathFor(const QString &fontPat
 
 QString FontActivationService::shardOf(const QString &linkPath)
 {
-    return linkPath.section(u'/', 0, -2);
+    return linkPath.left(linkPath.lastIndexOf(u'/'));
 }
 
 bool FontActivationService::ensureReady()
@@ -162,37 +154,82 @@ bool FontActivationService::ensureReady()
     return true;
 }
 
-void FontActivationService::indexLink(const QString &link, const QString &shard, QSet<QString> &duplicateShards)
+// One pass over a folder of ours: its subfolders, its links with where they point, and
+// when the folder last changed, read through the folder's handle rather than path by
+// path (a start-up reads every link).
+struct FontActivationService::FolderEntries
 {
-    const QString font = readLink(link);
-    if (font.isEmpty())
-        return;
-    if (m_linkOfFont.contains(font)) {
-        // Linked twice (a crash mid-batch): fontconfig would list it twice.
-        ::unlink(encoded(link).constData());
-        duplicateShards.insert(shard);
-        return;
+    QStringList folders;
+    QStringList linkNames;
+    QStringList targets;
+    timespec changed{};
+};
+
+FontActivationService::FolderEntries FontActivationService::readFolder(const QString &folder)
+{
+    FolderEntries result;
+    DIR *dir = ::opendir(encoded(folder).constData());
+    if (!dir)
+        return result;
+    const int fd = ::dirfd(dir);
+    struct stat own{};
+    if (::fstat(fd, &own) == 0)
+        result.changed = own.st_mtim;
+    QByteArray target(PATH_MAX, Qt::Uninitialized);
+    while (const dirent *entry = ::readdir(dir)) {
+        unsigned char type = entry->d_type;
+        if (type == DT_UNKNOWN) {
+            struct stat info{};
+            if (::fstatat(fd, entry->d_name, &info, AT_SYMLINK_NOFOLLOW) != 0)
+                continue;
+            type = S_ISDIR(info.st_mode) ? DT_DIR : S_ISLNK(info.st_mode) ? DT_LNK : DT_REG;
+        }
+        if (type == DT_DIR) {
+            if (std::strcmp(entry->d_name, ".") != 0 && std::strcmp(entry->d_name, "..") != 0)
+                result.folders.append(QFile::decodeName(entry->d_name));
+        } else if (type == DT_LNK) {
+            const ssize_t size = ::readlinkat(fd, entry->d_name, target.data(), static_cast<size_t>(target.size()));
+            if (size <= 0)
+                continue;
+            result.linkNames.append(QFile::decodeName(entry->d_name));
+            result.targets.append(QFile::decodeName(QByteArrayView(target.constData(), size).toByteArray()));
+        }
     }
-    m_linkOfFont.insert(font, link);
-    m_fontOfLink.insert(link, font);
-    ++m_shardSize[shard];
+    ::closedir(dir);
+    return result;
+}
+
+void FontActivationService::indexLinks(const QString &folder, const FolderEntries &entries, QSet<QString> &duplicateShards)
+{
+    for (qsizetype i = 0; i < entries.linkNames.size(); ++i) {
+        const QString link = folder + u'/' + entries.linkNames[i];
+        const QString &font = entries.targets[i];
+        if (m_linkOfFont.contains(font)) {
+            // Linked twice (a crash mid-batch): fontconfig would list it twice.
+            ::unlink(encoded(link).constData());
+            duplicateShards.insert(folder);
+            continue;
+        }
+        m_linkOfFont.insert(font, link);
+        m_fontOfLink.insert(link, font);
+        ++m_shardSize[folder];
+    }
+    if (!entries.linkNames.isEmpty())
+        m_shardTimes.insert(folder, entries.changed);
 }
 
 void FontActivationService::loadIndex()
 {
     QSet<QString> duplicates;
     for (const QString &top : std::as_const(m_tops)) {
-        const QDir topDir(top);
+        const FolderEntries topEntries = readFolder(top);
         // Links right in a top folder are from before shards were made on demand.
-        for (const QString &name : linkNamesIn(top))
-            indexLink(top + u'/' + name, top, duplicates);
-        const QStringList shards = topDir.entryList(QDir::Dirs | QDir::NoDotAndDotDot | QDir::NoSymLinks);
-        m_shardsInTop.insert(top, static_cast<int>(shards.size()));
-        for (const QString &shardName : shards) {
+        indexLinks(top, topEntries, duplicates);
+        m_shardsInTop.insert(top, static_cast<int>(topEntries.folders.size()));
+        for (const QString &shardName : topEntries.folders) {
             const QString shard = top + u'/' + shardName;
             m_shardSize.insert(shard, m_shardSize.value(shard));
-            for (const QString &name : linkNamesIn(shard))
-                indexLink(shard + u'/' + name, shard, duplicates);
+            indexLinks(shard, readFolder(shard), duplicates);
         }
     }
     rebuildShards(duplicates);
@@ -528,32 +565,35 @@ void FontActivationService::repairActivations()
     if (!ensureReady())
         return;
     removeStaleCacheLocks();
-    QStringList changed;
+    QSet<QString> changed;
     const QHash<QString, QString> links = m_fontOfLink;
     for (const auto &[link, font] : links.asKeyValueRange()) {
         struct stat target{};
-        struct stat own{};
         if (::stat(encoded(font).constData(), &target) != 0 || !S_ISREG(target.st_mode)) {
             // Gone, or now a folder (fontconfig would list what is inside it).
             unlinkAndForget(link);
             continue;
         }
-        // Replaced or rewritten since it was linked: fontconfig's cache still describes
-        // the old file, because the shard folder itself did not change.
-        if (::lstat(encoded(link).constData(), &own) == 0 &&
-            (isNewer(target.st_mtim, own.st_mtim) || isNewer(target.st_ctim, own.st_mtim))) {
+        // Changed since its shard last changed (when the link was made, or the shard
+        // last repaired): fontconfig's cache may still describe the old file, because
+        // the shard folder itself did not change.
+        const auto shardChanged = m_shardTimes.constFind(shardOf(link));
+        if (shardChanged != m_shardTimes.cend() &&
+            (isNewer(target.st_mtim, *shardChanged) || isNewer(target.st_ctim, *shardChanged))) {
             if (!readsAsFont(font)) {
                 unlinkAndForget(link);
                 continue;
             }
-            m_pendingShards.insert(shardOf(link));
-            changed.append(link);
+            changed.insert(shardOf(link));
         }
     }
-    rebuildPending();
-    // Checked now: the links' own time says so until the file changes again.
-    for (const QString &link : std::as_const(changed)) {
+    // The shard's own time marks it checked until a file changes again; set before the
+    // rebuild, so the new cache records it and stays valid.
+    for (const QString &shard : std::as_const(changed)) {
         const timespec now[2] = {{0, UTIME_NOW}, {0, UTIME_NOW}};
-        ::utimensat(AT_FDCWD, encoded(link).constData(), now, AT_SYMLINK_NOFOLLOW);
+        ::utimensat(AT_FDCWD, encoded(shard).constData(), now, 0);
+        m_pendingShards.insert(shard);
     }
+    rebuildPending();
+    m_shardTimes.clear(); // needed once, at start
 }

@@ -11,6 +11,8 @@
 
 #include <optional>
 
+#include <ctime>
+
 struct _FcConfig;
 
 // Activates fonts for every application through fontconfig: an active font is a
@@ -60,8 +62,10 @@ public:
 
 private:
     bool ensureReady();
+    struct FolderEntries;
+    static FolderEntries readFolder(const QString &folder);
     void loadIndex();
-    void indexLink(const QString &link, const QString &shard, QSet<QString> &duplicateShards);
+    void indexLinks(const QString &folder, const FolderEntries &entries, QSet<QString> &duplicateShards);
     void forget(const QString &linkPath);
     void unlinkAndForget(const QString &linkPath);
     // Shards for `count` new links (see placement in the .cpp).
@@ -85,6 +89,7 @@ private:
     QHash<QString, int> m_shardsInTop;    // top folder -> shards made in it
     QHash<QString, QString> m_linkOfFont; // font path -> link path
     QHash<QString, QString> m_fontOfLink; // link path -> font path
+    QHash<QString, timespec> m_shardTimes; // shard -> when it last changed, as read at start
     QHash<QString, qsizetype> m_shardSize; // every folder holding links, new shards included
     QSet<QString> m_pendingShards;         // changed, cache not yet rebuilt
     QStringList m_turnedDown;              // fonts fontconfig refused since the batch began
