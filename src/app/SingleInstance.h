@@ -29,9 +29,6 @@ public:
     // this process is the owner.
     Outcome start();
 
-    QString lockPath() const { return m_lockPath; }
-    QString socketPath() const { return m_socketPath; }
-
 Q_SIGNALS:
     // A second start asked for the window.
     void showRequested();

@@ -52,27 +52,6 @@ bool readsAsFont(const QString &path)
     return font;
 }
 
-// The entries of one of our folders that are symbolic links, whatever they point at
-// (a link to a folder included: QDir would count that as a folder).
-QStringList linkNamesIn(const QString &folder)
-{
-    QStringList names;
-    DIR *dir = ::opendir(encoded(folder).constData());
-    if (!dir)
-        return names;
-    while (const dirent *entry = ::readdir(dir)) {
-        bool link = entry->d_type == DT_LNK;
-        if (entry->d_type == DT_UNKNOWN) {
-            struct stat info{};
-            link = ::fstatat(::dirfd(dir), entry->d_name, &info, AT_SYMLINK_NOFOLLOW) == 0 && S_ISLNK(info.st_mode);
-        }
-        if (link)
-            names.append(QFile::decodeName(entry->d_name));
-    }
-    ::closedir(dir);
-    return names;
-}
-
 bool isNewer(const timespec &a, const timespec &b)
 {
     return a.tv_sec != b.tv_sec ? a.tv_sec > b.tv_sec : a.tv_nsec > b.tv_nsec;
@@ -367,7 +346,7 @@ void FontActivationService::rebuildPending()
         if (m_shardSize.value(shard) == 0)
             continue; // no links: a top folder, or a shard emptied by deactivation
         const QSet<QString> &files = listed[shard];
-        for (const QString &name : linkNamesIn(shard)) {
+        for (const QString &name : readFolder(shard).linkNames) {
             const QString link = shard + u'/' + name;
             if (!files.contains(link) && m_fontOfLink.contains(link))
                 refused.append(link);
