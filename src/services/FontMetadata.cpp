@@ -1,15 +1,18 @@
 #include "FontMetadata.h"
 
 #include "FreeTypeLibrary.h"
+#include "MappedFile.h"
 
-#include FT_MULTIPLE_MASTERS_H
+#include FT_TRUETYPE_TABLES_H
+#include FT_TRUETYPE_TAGS_H
 #include FT_TYPE1_TABLES_H
 
 #include <QFile>
 #include <QLocale>
 #include <QtEndian>
 
-#include <sys/stat.h>
+#include <cmath>
+#include <iterator>
 
 using namespace Qt::StringLiterals;
 
@@ -18,17 +21,25 @@ namespace {
 constexpr FT_UInt kFamilyId = 1;
 constexpr FT_UInt kStyleId = 2;
 constexpr FT_UInt kFullNameId = 4;
+constexpr FT_UInt kPostScriptNameId = 6;
 constexpr FT_UInt kTypographicFamilyId = 16;
 constexpr FT_UInt kTypographicStyleId = 17;
 
+// The first of the name ids the name table has. A font without a name table (not
+// an sfnt) has only what FreeType read from its own format.
 QString firstName(FT_Face face, std::initializer_list<FT_UInt> ids, const char *fallback)
 {
+    if (!FT_IS_SFNT(face)) {
+        QString name = fallback ? QString::fromUtf8(fallback) : QString();
+        name.removeIf([](QChar c) { return c.category() == QChar::Other_Control; });
+        return name;
+    }
     for (const FT_UInt id : ids) {
         QString name = FreeType::sfntName(face, id);
         if (!name.isEmpty())
             return name;
     }
-    return fallback ? QString::fromUtf8(fallback) : QString();
+    return {};
 }
 
 // Closes the face whatever way the reader leaves.
@@ -42,38 +53,73 @@ struct FaceHolder
     }
 };
 
-QString fullNameOf(FT_Face face, const QString &family, const QString &style)
+// What the name table says; a Type 1 font has none and says it in its font info.
+QString fullNameOf(FT_Face face)
 {
     QString name = FreeType::sfntName(face, kFullNameId);
     if (!name.isEmpty())
         return name;
     PS_FontInfoRec info{};
-    if (FT_Get_PS_Font_Info(face, &info) == 0 && info.full_name) // Type 1: no name table
+    if (FT_Get_PS_Font_Info(face, &info) == 0 && info.full_name)
         return QString::fromLatin1(info.full_name);
-    return style.isEmpty() ? family : family + u' ' + style;
+    return {};
 }
 
+// One of the face's tables, whole; empty when it has none.
+QByteArray sfntTable(FT_Face face, FT_ULong tag)
+{
+    FT_ULong length = 0;
+    if (FT_Load_Sfnt_Table(face, tag, 0, nullptr, &length) != 0 || length == 0)
+        return {};
+    QByteArray table(static_cast<qsizetype>(length), Qt::Uninitialized);
+    if (FT_Load_Sfnt_Table(face, tag, 0, reinterpret_cast<FT_Byte *>(table.data()), &length) != 0)
+        return {};
+    return table;
+}
+
+quint16 read16(const QByteArray &table, qsizetype offset)
+{
+    return qFromBigEndian<quint16>(table.constData() + offset);
+}
+
+quint32 read32(const QByteArray &table, qsizetype offset)
+{
+    return qFromBigEndian<quint32>(table.constData() + offset);
+}
+
+// maxp's count: FreeType's own may be one short when a font's loca table is.
+qint64 glyphCountOf(FT_Face face)
+{
+    const QByteArray maxp = sfntTable(face, TTAG_maxp);
+    return maxp.size() >= 6 ? read16(maxp, 4) : face->num_glyphs;
+}
+
+// The fvar table's axes, read directly: FreeType 2.12 reports none for a font with
+// fvar but no gvar. An axis without a name is named by its tag.
 QList<VariationAxis> axesOf(FT_Face face)
 {
     QList<VariationAxis> axes;
-    if (!FT_HAS_MULTIPLE_MASTERS(face))
+    const QByteArray fvar = sfntTable(face, TTAG_fvar);
+    if (fvar.size() < 16)
         return axes;
-    FT_MM_Var *variations = nullptr;
-    if (FT_Get_MM_Var(face, &variations) != 0 || !variations)
+    const qsizetype first = read16(fvar, 4);
+    const quint16 count = read16(fvar, 8);
+    const qsizetype recordSize = read16(fvar, 10);
+    if (recordSize < 20)
         return axes;
-    for (FT_UInt i = 0; i < variations->num_axis; ++i) {
-        const FT_Var_Axis &axis = variations->axis[i];
-        // The display name is the name-table string; an axis without one is left out.
-        const QString name = FreeType::sfntName(face, axis.strid);
-        if (name.isEmpty())
-            continue;
-        const auto id = static_cast<quint32>(axis.tag);
+    for (quint16 i = 0; i < count; ++i) {
+        const qsizetype record = first + i * recordSize;
+        if (record + 20 > fvar.size())
+            break;
+        const quint32 id = read32(fvar, record);
         const char tag[4] = {static_cast<char>(id >> 24), static_cast<char>((id >> 16) & 255),
                              static_cast<char>((id >> 8) & 255), static_cast<char>(id & 255)};
-        axes.append({id, name, QString::fromLatin1(tag, 4), axis.minimum / 65536.0, axis.maximum / 65536.0,
-                     axis.def / 65536.0});
+        const auto fixed = [&](qsizetype offset) { return static_cast<qint32>(read32(fvar, offset)) / 65536.0; };
+        const QString tagText = QString::fromLatin1(tag, 4);
+        const QString name = FreeType::sfntName(face, read16(fvar, record + 18));
+        axes.append({id, name.isEmpty() ? tagText : name, tagText, fixed(record + 4), fixed(record + 12),
+                     fixed(record + 8)});
     }
-    FT_Done_MM_Var(FreeType::threadLibrary(), variations);
     return axes;
 }
 
@@ -103,15 +149,30 @@ QString formatFileSize(qint64 bytes)
 {
     if (bytes == 1)
         return u"1 byte"_s;
-    int precision = 0;
-    if (bytes >= 1'000'000'000)
-        precision = 2;
-    else if (bytes >= 1'000'000)
-        precision = 1;
-    return QLocale().formattedDataSize(bytes, precision, QLocale::DataSizeSIFormat);
+    struct Unit
+    {
+        double factor;
+        int precision;
+        const char16_t *name;
+    };
+    static constexpr Unit kUnits[] = {{1, 0, u"bytes"}, {1e3, 0, u"kB"}, {1e6, 1, u"MB"}, {1e9, 2, u"GB"},
+                                      {1e12, 2, u"TB"}, {1e15, 2, u"PB"}};
+    constexpr int kLast = static_cast<int>(std::size(kUnits)) - 1;
+    int unit = 0;
+    while (unit < kLast && static_cast<double>(bytes) >= kUnits[unit + 1].factor)
+        ++unit;
+    // Rounded first, then the unit checked again: 999,999 bytes is "1.0 MB", not "1,000 kB".
+    const auto rounded = [&](int u) {
+        const double scale = std::pow(10.0, kUnits[u].precision);
+        return std::round(static_cast<double>(bytes) / kUnits[u].factor * scale) / scale;
+    };
+    if (unit < kLast && rounded(unit) >= 1000)
+        ++unit;
+    return QLocale().toString(rounded(unit), 'f', kUnits[unit].precision) + u' ' +
+           QString::fromUtf16(kUnits[unit].name);
 }
 
-bool tablesFitInside(const QByteArray &data)
+bool tablesFitInside(QByteArrayView data)
 {
     const auto size = static_cast<quint64>(data.size());
     const auto *bytes = reinterpret_cast<const uchar *>(data.constData());
@@ -145,35 +206,29 @@ bool tablesFitInside(const QByteArray &data)
 
 std::optional<FontMetadata> FontMetadata::load(const QString &path)
 {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return std::nullopt;
-    const QByteArray data = file.readAll();
-    if (data.isEmpty() || !FontFiles::tablesFitInside(data))
+    const std::shared_ptr<const MappedFile> file = MappedFile::open(path);
+    if (!file || !FontFiles::tablesFitInside(file->bytes()))
         return std::nullopt;
 
     FaceHolder holder;
-    if (FT_New_Memory_Face(FreeType::threadLibrary(), reinterpret_cast<const FT_Byte *>(data.constData()),
-                           static_cast<FT_Long>(data.size()), 0, &holder.face) != 0)
+    if (FT_New_Memory_Face(FreeType::threadLibrary(), file->data(), static_cast<FT_Long>(file->size()), 0,
+                           &holder.face) != 0)
         return std::nullopt;
     FT_Face face = holder.face;
 
     FontMetadata metadata;
-    if (const char *postScript = FT_Get_Postscript_Name(face))
-        metadata.postScriptName = QString::fromLatin1(postScript);
     // From the name table ourselves: FreeType's own family and style strings turn
-    // every non-ASCII letter of a Mac Roman record into "?".
+    // every non-ASCII letter of a Mac Roman record into "?", and its PostScript name
+    // is empty when the name holds a character PostScript doesn't allow.
+    metadata.postScriptName =
+        firstName(face, {kPostScriptNameId}, FT_IS_SFNT(face) ? nullptr : FT_Get_Postscript_Name(face));
     metadata.familyName = firstName(face, {kTypographicFamilyId, kFamilyId}, face->family_name);
     metadata.styleName = firstName(face, {kTypographicStyleId, kStyleId}, face->style_name);
     if (metadata.styleName.isEmpty())
         metadata.styleName = u"Regular"_s;
-    metadata.fullName = fullNameOf(face, metadata.familyName, metadata.styleName);
-    metadata.glyphCount = face->num_glyphs;
-
-    struct stat info{};
-    metadata.fileSize = ::stat(QFile::encodeName(path).constData(), &info) == 0
-        ? FontFiles::formatFileSize(static_cast<qint64>(info.st_size))
-        : u"Unknown"_s;
+    metadata.fullName = fullNameOf(face);
+    metadata.glyphCount = glyphCountOf(face);
+    metadata.fileSize = FontFiles::formatFileSize(file->size());
     metadata.fileType = FontFiles::fileTypeName(path);
     metadata.variationAxes = axesOf(face);
     return metadata;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArrayView>
 #include <QList>
 #include <QString>
 
@@ -27,7 +28,7 @@ struct FontMetadata
     QString styleName; // "Regular" when the font gives none
     QString fullName;
     qint64 glyphCount = 0;
-    QString fileSize;  // as file managers show sizes, or "Unknown"
+    QString fileSize;  // as file managers show sizes
     QString fileType;  // from the extension alone
     QList<VariationAxis> variationAxes;
 
@@ -45,6 +46,6 @@ QString fileTypeName(const QString &path);
 // Decimal units, precision by magnitude: "999 bytes", "1 kB", "1.2 MB", "5.37 GB".
 QString formatFileSize(qint64 bytes);
 // Whether every table the font's directory lists lies inside the data (first face).
-bool tablesFitInside(const QByteArray &data);
+bool tablesFitInside(QByteArrayView data);
 
 } // namespace FontFiles

@@ -3,7 +3,11 @@
 #include FT_SFNT_NAMES_H
 #include FT_TRUETYPE_IDS_H
 
+#include <QStringDecoder>
+
 #include <array>
+#include <optional>
+#include <utility>
 
 namespace FreeType {
 
@@ -53,16 +57,90 @@ QString decodeMacRoman(const FT_SfntName &name)
     return text;
 }
 
-// Lower is better; -1 when we can't decode the record.
-int preference(const FT_SfntName &name)
+// Legacy Windows records (3,2 to 3,6) hold the bytes of a multi-byte encoding; some
+// fonts pad each single byte to 16 bits. These encodings never use a zero byte in
+// text, so dropping zeros reads both forms.
+QByteArray legacyWindowsBytes(const FT_SfntName &name)
 {
-    if (name.platform_id == TT_PLATFORM_MICROSOFT)
-        return name.language_id == TT_MS_LANGID_ENGLISH_UNITED_STATES ? 0 : 1;
-    if (name.platform_id == TT_PLATFORM_APPLE_UNICODE)
-        return 2;
+    QByteArray bytes(reinterpret_cast<const char *>(name.string), static_cast<qsizetype>(name.string_len));
+    bytes.removeIf([](char byte) { return byte == 0; });
+    return bytes;
+}
+
+// The ICU name of a record's legacy encoding; none for Unicode records and for
+// encodings we can't decode.
+const char *legacyEncoding(const FT_SfntName &name)
+{
+    if (name.platform_id == TT_PLATFORM_MICROSOFT) {
+        switch (name.encoding_id) {
+        case TT_MS_ID_SJIS: return "Shift_JIS";
+        case TT_MS_ID_PRC: return "GBK";
+        case TT_MS_ID_BIG_5: return "Big5";
+        case TT_MS_ID_WANSUNG: return "windows-949";
+        case TT_MS_ID_JOHAB: return "Johab";
+        default: return nullptr;
+        }
+    }
+    if (name.platform_id == TT_PLATFORM_MACINTOSH) {
+        switch (name.encoding_id) {
+        case TT_MAC_ID_JAPANESE: return "Shift_JIS";
+        case TT_MAC_ID_TRADITIONAL_CHINESE: return "Big5";
+        case TT_MAC_ID_KOREAN: return "EUC-KR";
+        case TT_MAC_ID_SIMPLIFIED_CHINESE: return "GB2312";
+        default: return nullptr;
+        }
+    }
+    return nullptr;
+}
+
+bool isUnicode(const FT_SfntName &name)
+{
+    return name.platform_id == TT_PLATFORM_APPLE_UNICODE ||
+           (name.platform_id == TT_PLATFORM_MICROSOFT &&
+            (name.encoding_id == TT_MS_ID_SYMBOL_CS || name.encoding_id == TT_MS_ID_UNICODE_CS ||
+             name.encoding_id == TT_MS_ID_UCS_4));
+}
+
+// The record's text; none when its encoding is one we can't decode.
+std::optional<QString> decode(const FT_SfntName &name)
+{
+    if (isUnicode(name))
+        return decodeUtf16BigEndian(name);
     if (name.platform_id == TT_PLATFORM_MACINTOSH && name.encoding_id == TT_MAC_ID_ROMAN)
-        return name.language_id == TT_MAC_LANGID_ENGLISH ? 3 : 4;
-    return -1;
+        return decodeMacRoman(name);
+    const char *encoding = legacyEncoding(name);
+    if (!encoding)
+        return std::nullopt;
+    QStringDecoder decoder(encoding, QStringDecoder::Flag::Stateless);
+    if (!decoder.isValid())
+        return std::nullopt;
+    const QByteArray bytes = name.platform_id == TT_PLATFORM_MICROSOFT
+        ? legacyWindowsBytes(name)
+        : QByteArray(reinterpret_cast<const char *>(name.string), static_cast<qsizetype>(name.string_len));
+    QString text = decoder.decode(bytes);
+    if (decoder.hasError())
+        return std::nullopt;
+    return text;
+}
+
+// English (US) Windows, then English Mac, then any other English, then the rest in
+// table order.
+int languageRank(const FT_SfntName &name)
+{
+    if (name.platform_id == TT_PLATFORM_MICROSOFT && name.language_id == TT_MS_LANGID_ENGLISH_UNITED_STATES)
+        return 0;
+    if (name.platform_id == TT_PLATFORM_MACINTOSH && name.language_id == TT_MAC_LANGID_ENGLISH)
+        return 1;
+    if (name.platform_id == TT_PLATFORM_MICROSOFT && (name.language_id & 0x3FF) == 0x09)
+        return 2;
+    return 3;
+}
+
+// Control characters (one style read "\x7f") are no part of a name.
+QString withoutControls(QString text)
+{
+    text.removeIf([](QChar c) { return c.category() == QChar::Other_Control; });
+    return text;
 }
 
 } // namespace
@@ -75,23 +153,22 @@ FT_Library threadLibrary()
 
 QString sfntName(FT_Face face, FT_UInt nameId)
 {
-    int best = -1;
-    FT_SfntName bestName{};
+    // Within a language rank, a record in Unicode goes before one in a legacy encoding.
+    std::optional<std::pair<int, QString>> best;
     const FT_UInt count = FT_Get_Sfnt_Name_Count(face);
     for (FT_UInt i = 0; i < count; ++i) {
         FT_SfntName name{};
         if (FT_Get_Sfnt_Name(face, i, &name) != 0 || name.name_id != nameId)
             continue;
-        const int rank = preference(name);
-        if (rank >= 0 && (best < 0 || rank < best)) {
-            best = rank;
-            bestName = name;
-        }
+        const int rank = languageRank(name) * 2 + (isUnicode(name) ? 0 : 1);
+        if (best && best->first <= rank)
+            continue;
+        std::optional<QString> text = decode(name);
+        if (!text || withoutControls(*text).isEmpty())
+            continue;
+        best = std::pair(rank, withoutControls(*text));
     }
-    if (best < 0)
-        return {};
-    // Strings are not terminated; their length is in bytes.
-    return bestName.platform_id == TT_PLATFORM_MACINTOSH ? decodeMacRoman(bestName) : decodeUtf16BigEndian(bestName);
+    return best ? best->second : QString();
 }
 
 } // namespace FreeType

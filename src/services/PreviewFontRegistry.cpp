@@ -1,33 +1,28 @@
 #include "PreviewFontRegistry.h"
 
-#include <QFile>
-
 bool PreviewFontRegistry::registerFont(const QString &path)
 {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return false;
-    const QByteArray data = file.readAll();
-    if (data.isEmpty())
+    std::shared_ptr<const MappedFile> file = MappedFile::open(path);
+    if (!file)
         return false;
     const QMutexLocker lock(&m_mutex);
-    m_fonts.insert(path, data);
+    m_fonts.insert(path, std::move(file));
     return true;
 }
 
 void PreviewFontRegistry::unregisterFont(const QString &path)
 {
-    const QMutexLocker lock(&m_mutex);
-    m_fonts.remove(path);
+    std::shared_ptr<const MappedFile> released; // unmapped once the lock is let go
+    {
+        const QMutexLocker lock(&m_mutex);
+        released = m_fonts.take(path);
+    }
 }
 
-std::optional<QByteArray> PreviewFontRegistry::fontData(const QString &path) const
+std::shared_ptr<const MappedFile> PreviewFontRegistry::fontFile(const QString &path) const
 {
     const QMutexLocker lock(&m_mutex);
-    const auto found = m_fonts.constFind(path);
-    if (found == m_fonts.cend())
-        return std::nullopt;
-    return *found;
+    return m_fonts.value(path);
 }
 
 qsizetype PreviewFontRegistry::count() const

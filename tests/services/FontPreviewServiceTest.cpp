@@ -15,6 +15,14 @@ using namespace TestSupport;
 
 namespace {
 
+// What the registry would draw the font from.
+QByteArray registeredBytes(const PreviewFontRegistry &registry, const QString &path)
+{
+    const std::shared_ptr<const MappedFile> file = registry.fontFile(path);
+    return file ? file->bytes().toByteArray() : QByteArray();
+}
+
+
 // Counts what the cache registers, and never holds more than the cache allows.
 class CountingRegistry : public PreviewFontRegistry
 {
@@ -74,7 +82,7 @@ TEST(FontPreviewService, UnchangedFilesAreReadOnceAndChangedOnesAgain)
     EXPECT_EQ(f.load(font)->familyName, u"a.otf"_s);
     EXPECT_EQ(f.loads, 1);
     EXPECT_EQ(f.registry->registrations, 1);
-    EXPECT_EQ(f.registry->fontData(font), QByteArray("font bytes"));
+    EXPECT_EQ(registeredBytes(*f.registry, font), QByteArray("font bytes"));
 
     setModified(font, 1'000'000);
     f.load(font);
@@ -86,7 +94,7 @@ TEST(FontPreviewService, UnchangedFilesAreReadOnceAndChangedOnesAgain)
     setModified(font, 1'000'000);
     f.load(font);
     EXPECT_EQ(f.loads, 3);
-    EXPECT_EQ(f.registry->fontData(font), QByteArray("longer font bytes")); // the new file is drawn
+    EXPECT_EQ(registeredBytes(*f.registry, font), QByteArray("longer font bytes")); // the new file is drawn
 
     // Vanished: the stamp no longer matches, the loader runs and fails, nothing stays registered.
     f.unreadable.insert(font);
@@ -118,10 +126,10 @@ TEST(FontPreviewService, TheLeastRecentlyUsedOfMoreThan128IsEvictedAndUnregister
     f.load(fonts[0]); // a hit makes it the most recent: f1 is now the oldest
     f.load(fonts[128]);
     EXPECT_EQ(f.registry->count(), 128);
-    EXPECT_FALSE(f.registry->fontData(fonts[1]).has_value());
-    EXPECT_TRUE(f.registry->fontData(fonts[0]).has_value());
+    EXPECT_FALSE(f.registry->fontFile(fonts[1]));
+    EXPECT_TRUE(f.registry->fontFile(fonts[0]));
     f.load(fonts[129]);
-    EXPECT_FALSE(f.registry->fontData(fonts[2]).has_value());
+    EXPECT_FALSE(f.registry->fontFile(fonts[2]));
     EXPECT_EQ(f.registry->largest, 128); // never more than 128 at any time
 
     const int before = f.loads;
@@ -188,5 +196,5 @@ TEST(FontPreviewService, DefaultLoaderReadsRealFonts)
     EXPECT_EQ(metadata->postScriptName, u"DejaVuSans"_s);
     QFile file(dejaVu);
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    EXPECT_EQ(service.registry()->fontData(dejaVu), file.readAll());
+    EXPECT_EQ(registeredBytes(*service.registry(), dejaVu), file.readAll());
 }

@@ -131,6 +131,66 @@ def main(out):
         os.remove(os.path.join(out, name))
     write_suitcase(os.path.join(out, "Pair.dfont"), faces)
 
+    # Names in several languages: English Mac records must win over Catalan and German
+    # Windows ones; the full name exists only in German. The PostScript name holds
+    # characters PostScript doesn't allow, which FreeType's own getter refuses.
+    fb = builder({"familyName": "Placeholder", "styleName": "Regular"})
+    table = fb.font["name"]
+    table.names = []
+    table.setName("Llengua", 1, 3, 1, 0x0403)
+    table.setName("Normal", 2, 3, 1, 0x0403)
+    table.setName("Sprache", 1, 3, 1, 0x0407)
+    table.setName("Standard", 2, 3, 1, 0x0407)
+    table.setName("Sprache Standard", 4, 3, 1, 0x0407)
+    table.setName("Language", 1, 1, 0, 0)
+    table.setName("Regular", 2, 1, 0, 0)
+    table.setName("Language (Test) Regular", 6, 3, 1, 0x0409)
+    fb.save(os.path.join(out, "Languages.ttf"))
+
+    # Names only in a legacy Windows encoding (Big5), a style of a control character
+    # alone, and British English beside the Big5 family.
+    fb = builder({"familyName": "Placeholder", "styleName": "Regular"})
+    table = fb.font["name"]
+    table.names = []
+    from fontTools.ttLib.tables._n_a_m_e import NameRecord
+    for text, name_id, platform, encoding, language in (
+            ("新細明體", 1, 3, 4, 0x0404), ("\x7f", 2, 3, 1, 0x0409), ("Ming Light", 4, 3, 1, 0x0809),
+            ("PMingLiU", 6, 3, 4, 0x0404)):
+        record = NameRecord()
+        record.nameID, record.platformID, record.platEncID, record.langID = name_id, platform, encoding, language
+        record.string = text.encode("big5") if encoding == 4 else text
+        table.names.append(record)
+    fb.save(os.path.join(out, "Legacy.ttf"))
+
+    # Axes in fvar with no gvar beside them; one axis's name record is empty.
+    fb = builder({"familyName": "Fvar Only", "styleName": "Regular", "psName": "FvarOnly"},
+                 axes=[("wght", 100, 400, 900, "Weight"), ("wdth", 75, 100, 125, "Width")])
+    del fb.font["gvar"]
+    width = [axis for axis in fb.font["fvar"].axes if axis.axisTag == "wdth"][0]
+    for record in fb.font["name"].names:
+        if record.nameID == width.axisNameID:
+            record.string = ""
+    fb.save(os.path.join(out, "FvarOnly.ttf"))
+
+    # No full name and no family: nothing to invent one from.
+    fb = builder({"familyName": "Gone", "styleName": "Italic", "psName": "Unfamiliar-Italic"})
+    drop_names(fb.font, {1, 4, 16})
+    fb.save(os.path.join(out, "NoFamily.ttf"))
+
+    # A loca table one entry short: FreeType counts one glyph fewer than maxp says.
+    import struct
+    with open(os.path.join(out, "Plain.ttf"), "rb") as source:
+        data = bytearray(source.read())
+    count = struct.unpack(">H", data[4:6])[0]
+    for i in range(count):
+        record = 12 + 16 * i
+        if data[record:record + 4] == b"loca":
+            length = struct.unpack(">I", data[record + 12:record + 16])[0]
+            entry = 2 if TTFont(os.path.join(out, "Plain.ttf"))["head"].indexToLocFormat == 0 else 4
+            data[record + 12:record + 16] = struct.pack(">I", length - entry)
+    with open(os.path.join(out, "ShortLoca.ttf"), "wb") as target:
+        target.write(data)
+
     # Broken: cut in half (tables run past the end), and not a font at all.
     with open(os.path.join(out, "Plain.ttf"), "rb") as source:
         data = source.read()

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <QByteArrayView>
+#include <QString>
+
+#include <memory>
+
+// A font file mapped read-only into memory, shared by whoever reads it: the metadata
+// reader and the preview registry never copy a file's bytes. Only regular files are
+// mapped, never more than their size says, so a FIFO, a device or a folder named like
+// a font gives nothing at once instead of hanging or reading forever.
+class MappedFile
+{
+public:
+    // Empty when the path is not a non-empty regular file that can be mapped.
+    static std::shared_ptr<const MappedFile> open(const QString &path);
+    ~MappedFile();
+    MappedFile(const MappedFile &) = delete;
+    MappedFile &operator=(const MappedFile &) = delete;
+
+    const unsigned char *data() const { return m_data; }
+    qint64 size() const { return m_size; }
+    QByteArrayView bytes() const { return {m_data, m_size}; }
+
+private:
+    MappedFile(const unsigned char *data, qint64 size);
+
+    const unsigned char *m_data;
+    qint64 m_size;
+};
