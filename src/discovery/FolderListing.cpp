@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include <dirent.h>
+#include <fcntl.h>
 #include <sys/stat.h>
 
 namespace {
@@ -60,10 +61,18 @@ QString childPath(const QString &prefix, const char *name, size_t length)
     QString path;
     path.reserve(prefix.size() + static_cast<qsizetype>(length));
     path.append(prefix);
-    if (ascii)
+    if (ascii) {
         path.append(QLatin1StringView(name, static_cast<qsizetype>(length)));
-    else
-        path.append(QString::fromUtf8(name, static_cast<qsizetype>(length)));
+        return path;
+    }
+    // QString::fromUtf8 drops a leading byte-order mark, and the path would then lead
+    // to another name: it is kept as the character it is.
+    if (length >= 3 && std::memcmp(name, "\xEF\xBB\xBF", 3) == 0) {
+        path.append(QChar(0xFEFF));
+        name += 3;
+        length -= 3;
+    }
+    path.append(QString::fromUtf8(name, static_cast<qsizetype>(length)));
     return path;
 }
 
@@ -71,8 +80,10 @@ QString childPath(const QString &prefix, const char *name, size_t length)
 
 // Lists with readdir and d_type; lstat only when the file system leaves the type
 // unknown. Hidden means a leading dot. A symbolic link is never descended into: it
-// counts as a file and is judged by its name, so a link named x.ttf is a font.
-// Files that are not fonts never become nodes, so no string is built for them.
+// counts as a file and is judged by its name, so a link named x.ttf is a font (a
+// dangling one too), unless it leads to a folder; only links with a font's name are
+// followed to find out. Files that are not fonts never become nodes, so no string is
+// built for them.
 FolderListing FolderListing::read(const QString &path)
 {
     FolderListing listing;
@@ -83,18 +94,26 @@ FolderListing FolderListing::read(const QString &path)
         return listing;
     listing.readable = true;
     // Read everything first and close: deep trees must not hold one descriptor per level.
+    const int fd = ::dirfd(dir);
     while (const dirent *entry = ::readdir(dir)) {
         if (entry->d_name[0] == '.')
             continue;
         const size_t length = std::strlen(entry->d_name);
         bool isFolder = entry->d_type == DT_DIR;
+        bool isLink = entry->d_type == DT_LNK;
         if (entry->d_type == DT_UNKNOWN) {
             struct stat info{};
-            const QByteArray child = encoded + '/' + QByteArray(entry->d_name, static_cast<qsizetype>(length));
-            isFolder = ::lstat(child.constData(), &info) == 0 && S_ISDIR(info.st_mode);
+            const bool known = ::fstatat(fd, entry->d_name, &info, AT_SYMLINK_NOFOLLOW) == 0;
+            isFolder = known && S_ISDIR(info.st_mode);
+            isLink = known && S_ISLNK(info.st_mode);
         }
         if (!isFolder && !isFontFileName(entry->d_name, length))
             continue;
+        if (isLink) {
+            struct stat target{};
+            if (::fstatat(fd, entry->d_name, &target, 0) == 0 && S_ISDIR(target.st_mode))
+                continue; // a folder in a font's name: no row that can never be activated
+        }
         listing.entries.push_back({static_cast<quint32>(listing.names.size()), static_cast<quint32>(length), isFolder});
         listing.names.append(entry->d_name, length);
     }

@@ -102,10 +102,17 @@ TEST_F(ScanTest, SymbolicLinksAreJudgedByNameAndNeverDescended)
     makeSymlink(outside + u"/far.ttf"_s, root + u"/linked.ttf"_s);
     makeSymlink(root + u"/nowhere.ttf"_s, root + u"/dangling.ttf"_s);
     makeSymlink(root, root + u"/Loop"_s); // a cycle, were links followed
+    // Links to folders in a font's name are no fonts, however they get there.
+    makeSymlink(outside, root + u"/dir_link.ttf"_s);
+    makeSymlink(u".."_s, root + u"/parent.ttf"_s);
+    makeSymlink(root + u"/dir_link.ttf"_s, root + u"/link_to_link.otf"_s);
+    makeSymlink(root + u"/self_a.ttf"_s, root + u"/self_b.ttf"_s); // a loop: dangling, judged by name
+    makeSymlink(root + u"/self_b.ttf"_s, root + u"/self_a.ttf"_s);
 
     FileSystemService service;
     service.deepScan(root);
-    EXPECT_EQ(names(service.children(root)), (QStringList{u"dangling.ttf"_s, u"linked.ttf"_s, u"real.otf"_s}));
+    EXPECT_EQ(names(service.children(root)), (QStringList{u"dangling.ttf"_s, u"linked.ttf"_s, u"real.otf"_s,
+                                                         u"self_a.ttf"_s, u"self_b.ttf"_s}));
     EXPECT_FALSE(service.hasChildrenEntry(root + u"/LinkedFolder"_s));
     EXPECT_FALSE(service.visitedDirectories().contains(root + u"/Loop"_s));
     EXPECT_TRUE(service.exists(root + u"/linked.ttf"_s));
@@ -226,7 +233,8 @@ TEST_F(ScanTest, PathsLongerThanTheSystemAllowsStopTheBranchNotTheScan)
 TEST_F(ScanTest, OddNamesKeepTheirPathsAndInvalidUtf8IsSkippedAlone)
 {
     const QStringList odd{u"with space.ttf"_s, u"quote\".otf"_s, u"it's.ttf"_s, u"new\nline.ttf"_s,
-                          u"\U0001F600 emoji.otf"_s, u"back\\slash.ttc"_s};
+                          u"\U0001F600 emoji.otf"_s, u"back\\slash.ttc"_s, u"\uFEFFbom.ttf"_s,
+                          u"\uFEFFdir/inner.otf"_s};
     for (const QString &name : odd)
         writeFile(root + u'/' + name);
     const QByteArray invalid = QByteArray(QFile::encodeName(root) + "/bad\xff\xfe.ttf");
@@ -240,6 +248,8 @@ TEST_F(ScanTest, OddNamesKeepTheirPathsAndInvalidUtf8IsSkippedAlone)
     EXPECT_EQ(result.allFonts.size(), static_cast<size_t>(odd.size()));
     for (const FontNode &font : result.allFonts)
         EXPECT_TRUE(QFile::exists(font.path())) << font.path().toStdString();
+    // A name that starts with a byte-order mark keeps it, and its folder is scanned.
+    EXPECT_TRUE(service.children(root + u"/\uFEFFdir"_s).size() == 1);
     EXPECT_EQ(service.children(root).size(), odd.size());
     // Qt can't name these to remove them with the test's folder.
     ::unlink(QByteArray(invalidFolder + "/x.ttf").constData());
