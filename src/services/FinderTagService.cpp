@@ -19,7 +19,7 @@ constexpr const char *kTagsAttribute = "user.xdg.tags";
 
 // getxattr/setxattr follow symbolic links, so a link's tags are its target's; a
 // link itself can't carry user attributes on Linux anyway.
-QStringList FinderTagService::readTags(const QString &path)
+QList<QByteArray> FinderTagService::readRawTags(const QString &path)
 {
     const QByteArray encoded = QFile::encodeName(path);
     QByteArray value(256, Qt::Uninitialized);
@@ -35,16 +35,24 @@ QStringList FinderTagService::readTags(const QString &path)
         return {};
     value.truncate(size);
     // Older writers join with ", "; be tolerant of spaces and empty parts.
-    QStringList tags;
-    for (const QString &part : QString::fromUtf8(value).split(u',')) {
-        const QString tag = part.trimmed();
+    QList<QByteArray> tags;
+    for (const QByteArray &part : value.split(',')) {
+        QByteArray tag = part.trimmed();
         if (!tag.isEmpty())
-            tags.append(tag);
+            tags.append(std::move(tag));
     }
     return tags;
 }
 
-QString FinderTagService::writeTags(const QString &path, const QStringList &tags)
+QStringList FinderTagService::readTags(const QString &path)
+{
+    QStringList tags;
+    for (const QByteArray &tag : readRawTags(path))
+        tags.append(QString::fromUtf8(tag));
+    return tags;
+}
+
+QString FinderTagService::writeRawTags(const QString &path, const QList<QByteArray> &tags)
 {
     const QByteArray encoded = QFile::encodeName(path);
     int result = 0;
@@ -56,12 +64,20 @@ QString FinderTagService::writeTags(const QString &path, const QStringList &tags
             result = ::stat(encoded.constData(), &info);
         }
     } else {
-        const QByteArray value = tags.join(u',').toUtf8();
+        const QByteArray value = tags.join(',');
         result = ::setxattr(encoded.constData(), kTagsAttribute, value.constData(), static_cast<size_t>(value.size()), 0);
     }
     if (result == 0)
         return {};
     return QString::fromLocal8Bit(std::strerror(errno));
+}
+
+QString FinderTagService::writeTags(const QString &path, const QStringList &tags)
+{
+    QList<QByteArray> raw;
+    for (const QString &tag : tags)
+        raw.append(tag.toUtf8());
+    return writeRawTags(path, raw);
 }
 
 QStringList FinderTagService::tags(const QString &path)
@@ -76,16 +92,25 @@ QStringList FinderTagService::tags(const QString &path)
 
 void FinderTagService::setLicenseStatus(LicenseStatus status, const QString &path)
 {
-    QStringList updated;
-    for (const QString &tag : tags(path)) {
-        if (!License::allLicenseTags().contains(tag))
-            updated.append(tag);
+    // What is on the file now, not what was cached: a tag the file manager added since
+    // our last read is kept. Other programs' tags keep their exact bytes, UTF-8 or not.
+    QList<QByteArray> ours;
+    for (const QString &tag : License::allLicenseTags())
+        ours.append(tag.toUtf8());
+    QList<QByteArray> updated;
+    for (QByteArray &tag : readRawTags(path)) {
+        if (!ours.contains(tag))
+            updated.append(std::move(tag));
     }
-    updated.append(License::tags(status));
-    const QString error = writeTags(path, updated);
+    for (const QString &tag : License::tags(status))
+        updated.append(tag.toUtf8());
+    const QString error = writeRawTags(path, updated);
     if (!error.isEmpty()) {
         Console::printLine(u"Failed to set Finder tags for "_s + path + u": "_s + error);
         return;
     }
-    m_cache.insert(path, updated);
+    QStringList shown;
+    for (const QByteArray &tag : std::as_const(updated))
+        shown.append(QString::fromUtf8(tag));
+    m_cache.insert(path, shown);
 }

@@ -2,14 +2,17 @@
 
 #include "LicenseStatus.h"
 
+#include <QByteArray>
 #include <QHash>
+#include <QList>
 #include <QString>
 #include <QStringList>
 
 // Reads and writes a file's tags in the freedesktop `user.xdg.tags` extended
 // attribute, the one Dolphin and other file managers use, so labels set here show
 // there and the reverse. Tags are read from disk once per path and cached; only
-// our own successful writes change the cache. Interface thread only.
+// our own successful writes change the cache. Setting a status reads the file's tags
+// afresh and keeps every other tag's bytes as they are. Interface thread only.
 class FinderTagService
 {
 public:
@@ -25,5 +28,9 @@ public:
     static QString writeTags(const QString &path, const QStringList &tags);
 
 private:
+    // The tags as the attribute holds them: bytes, trimmed, empty parts dropped.
+    static QList<QByteArray> readRawTags(const QString &path);
+    static QString writeRawTags(const QString &path, const QList<QByteArray> &tags);
+
     QHash<QString, QStringList> m_cache;
 };

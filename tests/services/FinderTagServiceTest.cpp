@@ -91,6 +91,26 @@ TEST(FinderTags, ReadsAreCachedAndOnlyOwnWritesChangeTheCache)
     EXPECT_EQ(service.tags(later), QStringList());
 }
 
+// Setting a status works on the tags the file has now, and leaves every other
+// program's tag as the bytes it wrote.
+TEST(FinderTags, SettingAStatusKeepsOtherProgramsTagsExactly)
+{
+    const QString font = writeFile(testRoot() + u"/Font.otf"_s);
+    writeRawTags(font, "Caf\xe9,Trial"); // Latin-1 from another program: not UTF-8
+    FinderTagService service;
+    EXPECT_EQ(service.tags(font).size(), 2);
+    service.setLicenseStatus(LicenseStatus::Licensed, font);
+    EXPECT_EQ(rawTags(font), QByteArray("Caf\xe9,Licensed"));
+
+    // The file manager adds a tag after our read: setting a status keeps it.
+    writeRawTags(font, "Caf\xe9,Licensed,Client A");
+    EXPECT_EQ(service.tags(font).size(), 2); // our cache has not seen it
+    service.setLicenseStatus(LicenseStatus::OpenSource, font);
+    EXPECT_EQ(rawTags(font), QByteArray("Caf\xe9,Client A,Open Source"));
+    EXPECT_EQ(service.tags(font).last(), u"Open Source"_s);
+    EXPECT_EQ(service.tags(font).at(1), u"Client A"_s);
+}
+
 TEST(FinderTags, FailedWritesPrintOneLineAndChangeNothing)
 {
     FinderTagService service;
