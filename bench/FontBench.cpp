@@ -5,6 +5,7 @@
 
 #include "services/FontActivationService.h"
 #include "services/FontMetadata.h"
+#include "services/FontPreviewService.h"
 
 #include <QDir>
 #include <QElapsedTimer>
@@ -115,6 +116,49 @@ void activateOneWith5000(benchmark::State &state)
 }
 BENCHMARK(activateOneWith5000)->Unit(benchmark::kMillisecond)->Iterations(3)->Repetitions(5)
     ->ComputeStatistics("min", BenchFigures::fastest)->ReportAggregatesOnly(true);
+
+// Anonymous resident memory: what the process itself holds, not the page cache the
+// system may reclaim (mapped files).
+double residentAnonymousMegabytes()
+{
+    QFile status(u"/proc/self/status"_s);
+    if (!status.open(QIODevice::ReadOnly))
+        return 0;
+    for (const QByteArray &line : status.readAll().split('\n')) {
+        if (line.startsWith("RssAnon:"))
+            return line.mid(8).trimmed().split(' ').first().toDouble() / 1024.0;
+    }
+    return 0;
+}
+
+// 128 fonts of 10 MB or more loaded through the metadata cache, as a user previewing
+// a CJK library does: every one stays registered for drawing.
+void previewRegistry128Large(benchmark::State &state)
+{
+    const QString folder = BenchFigures::dataDirectory() + u"/large-fonts"_s;
+    if (QProcess::execute(u"/usr/bin/python3"_s, {QStringLiteral(MORVANE_SOURCE_DIR) + u"/tools/fonts/make_large_fonts.py"_s,
+                                                 folder, u"128"_s, u"10000000"_s}) != 0) {
+        state.SkipWithError("the large fonts could not be made");
+        return;
+    }
+    double added = 0;
+    for (auto _ : state) {
+        FontPreviewService cache(FontPreviewService::kEvictionBound);
+        const double before = residentAnonymousMegabytes();
+        int loaded = 0;
+        for (int i = 0; i < 128; ++i) {
+            const QString font = folder + u"/Large %1.ttf"_s.arg(i, 3, 10, QChar(u'0'));
+            loaded += cache.load(font, {}).result().has_value() ? 1 : 0;
+        }
+        added = residentAnonymousMegabytes() - before;
+        if (loaded != 128 || cache.registry()->count() != 128) {
+            state.SkipWithError("a large font did not load");
+            break;
+        }
+    }
+    BenchFigures::set("preview-registry-128-large-mb", std::max(added, 0.01));
+}
+BENCHMARK(previewRegistry128Large)->Unit(benchmark::kMillisecond)->Iterations(1);
 
 void addFontFigures()
 {
