@@ -109,6 +109,8 @@ TEST(FontMetadata, NamesFromEveryKindOfNameTable)
     EXPECT_EQ(legacy->styleName, u"Regular"_s);
     EXPECT_EQ(legacy->fullName, u"Ming Light"_s);
 
+    EXPECT_EQ(FontMetadata::load(kFonts + u"/MacJapanese.ttf"_s)->familyName, u"明朝体"_s);
+
     // maxp's count, though the loca table is one entry short.
     EXPECT_EQ(FontMetadata::load(kFonts + u"/ShortLoca.ttf"_s)->glyphCount, 3);
 
@@ -191,7 +193,7 @@ TEST(FontMetadata, AgreesWithFontToolsOnEveryField)
     }
     for (const QString &name : {u"Plain.ttf"_s, u"NoStyle.ttf"_s, u"Nameless.ttf"_s, u"MacRoman.ttf"_s, u"Axes.ttf"_s,
                                 u"Pair.ttc"_s, u"Languages.ttf"_s, u"Legacy.ttf"_s, u"FvarOnly.ttf"_s,
-                                u"NoFamily.ttf"_s, u"ShortLoca.ttf"_s})
+                                u"NoFamily.ttf"_s, u"ShortLoca.ttf"_s, u"MacJapanese.ttf"_s})
         fonts.append(kFonts + u'/' + name);
     ASSERT_GE(fonts.size(), 17);
 

@@ -162,6 +162,14 @@ def main(out):
         table.names.append(record)
     fb.save(os.path.join(out, "Legacy.ttf"))
 
+    # A family only in a Mac Japanese record.
+    fb = builder({"familyName": "Placeholder", "styleName": "Regular"})
+    table = fb.font["name"]
+    table.names = []
+    table.setName("明朝体", 1, 1, 1, 11)
+    table.setName("Regular", 2, 1, 0, 0)
+    fb.save(os.path.join(out, "MacJapanese.ttf"))
+
     # Axes in fvar with no gvar beside them; one axis's name record is empty.
     fb = builder({"familyName": "Fvar Only", "styleName": "Regular", "psName": "FvarOnly"},
                  axes=[("wght", 100, 400, 900, "Weight"), ("wdth", 75, 100, 125, "Width")])
