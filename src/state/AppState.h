@@ -61,6 +61,8 @@ public:
     QList<QList<FontNode>> buildColumns() const;
     std::optional<FontNode> selectedNode(int column) const;
     void selectNode(const FontNode &node, int level);
+    // Back to the selected source's own level: no node selected, its first column active.
+    void showSourceRoot();
     void handleArrowUp();
     void handleArrowDown();
     void handleArrowLeft();

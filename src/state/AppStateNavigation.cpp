@@ -67,6 +67,13 @@ void AppState::selectNode(const FontNode &node, int level)
     setCachedColumns(buildColumns());
 }
 
+void AppState::showSourceRoot()
+{
+    setNavigationPath({});
+    setActiveColumnIndex(0);
+    setCachedColumns(buildColumns());
+}
+
 namespace {
 
 qsizetype indexOf(const QList<FontNode> &items, const std::optional<FontNode> &node)

@@ -1,5 +1,7 @@
 #include "MainWindow.h"
 
+#include "ColumnBrowserView.h"
+
 #include "services/FontActivationService.h"
 #include "services/PersistenceService.h"
 #include "state/AppState.h"
@@ -28,7 +30,9 @@ MainWindow::MainWindow(QWidget *parent)
     m_saveFailure->setStyleSheet(u"QLabel { background: #fde2e1; color: #5c1a16; padding: 8px 12px; }"_s);
     m_saveFailure->hide();
     layout->addWidget(m_saveFailure);
-    layout->addStretch(1);
+    // The browser of the selected source (the store selects the first one at start).
+    m_browser = new ColumnBrowserView(*m_state, central);
+    layout->addWidget(m_browser, 1);
     setCentralWidget(central);
     m_status = new QLabel(this);
     m_status->setAccessibleName(u"Status"_s);

@@ -5,6 +5,7 @@
 #include <memory>
 
 class AppState;
+class ColumnBrowserView;
 class FontActivationService;
 class PersistenceService;
 class QLabel;
@@ -20,6 +21,7 @@ public:
     ~MainWindow() override;
 
     AppState &state() { return *m_state; }
+    ColumnBrowserView &browser() { return *m_browser; }
     // A second start of Morvane asked for this window.
     void bringToFront();
 
@@ -35,4 +37,5 @@ private:
     std::unique_ptr<AppState> m_state;
     QLabel *m_status = nullptr;
     QLabel *m_saveFailure = nullptr;
+    ColumnBrowserView *m_browser = nullptr;
 };

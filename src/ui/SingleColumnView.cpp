@@ -1,0 +1,186 @@
+#include "SingleColumnView.h"
+
+#include "FontNodeListModel.h"
+#include "FontNodeRow.h"
+
+#include "state/AppState.h"
+
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QScrollBar>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr qint64 kTypeAheadPauseMs = 1000; // a longer pause starts a new search
+
+} // namespace
+
+SingleColumnView::SingleColumnView(AppState &state, int columnIndex, QWidget *parent)
+    : QListView(parent)
+    , m_state(state)
+    , m_columnIndex(columnIndex)
+    , m_model(new FontNodeListModel(state, this))
+    , m_row(new FontNodeRow(this))
+{
+    setModel(m_model);
+    setItemDelegate(m_row);
+    setFixedWidth(kWidth);
+    setUniformItemSizes(true);
+    setSelectionMode(QAbstractItemView::SingleSelection);
+    setEditTriggers(QAbstractItemView::NoEditTriggers);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
+    setFrameShape(QFrame::NoFrame);
+    setMouseTracking(true);
+    viewport()->setAttribute(Qt::WA_Hover);
+    setViewportMargins(0, 3, 0, 3);
+    setFocusPolicy(Qt::StrongFocus);
+    setAccessibleName(u"Column %1"_s.arg(columnIndex + 1));
+}
+
+void SingleColumnView::setColumn(int columnIndex, const QList<FontNode> &nodes)
+{
+    m_columnIndex = columnIndex;
+    setAccessibleName(u"Column %1"_s.arg(columnIndex + 1));
+    m_model->setNodes(nodes);
+}
+
+void SingleColumnView::syncWithStore()
+{
+    const bool active = m_state.activeColumnIndex() == m_columnIndex;
+    m_row->setActiveColumn(active);
+    const std::optional<FontNode> selected = m_state.selectedNode(m_columnIndex);
+    const int row = selected ? m_model->rowOf(selected->path()) : -1;
+    if (row < 0) {
+        selectionModel()->clearSelection();
+        m_shownSelection.clear();
+    } else {
+        const QModelIndex index = m_model->index(row);
+        selectionModel()->setCurrentIndex(index, QItemSelectionModel::ClearAndSelect);
+        if (m_shownSelection != selected->path() && isVisible()) {
+            scrollTo(index, QAbstractItemView::PositionAtCenter);
+            m_shownSelection = selected->path();
+        }
+    }
+    viewport()->update();
+}
+
+void SingleColumnView::showEvent(QShowEvent *event)
+{
+    QListView::showEvent(event);
+    m_shownSelection.clear(); // first shown: the selected row goes to the centre
+    syncWithStore();
+}
+
+void SingleColumnView::mousePressEvent(QMouseEvent *event)
+{
+    setFocus(Qt::MouseFocusReason);
+    const QModelIndex index = indexAt(event->position().toPoint());
+    if (!index.isValid() || event->button() != Qt::LeftButton) {
+        event->accept();
+        return;
+    }
+    m_typed.clear();
+    const FontNode node = m_model->node(index.row());
+    // The button toggles without selecting the row.
+    if (FontNodeRow::layout(visualRect(index), node.isDirectory()).button.contains(event->position())) {
+        m_state.toggleActivation(node);
+    } else {
+        m_state.selectNode(node, m_columnIndex);
+    }
+    event->accept();
+}
+
+void SingleColumnView::mouseReleaseEvent(QMouseEvent *event)
+{
+    event->accept(); // the press did everything
+}
+
+void SingleColumnView::selectRow(int row)
+{
+    if (row >= 0 && row < m_model->rowCount())
+        m_state.selectNode(m_model->node(row), m_columnIndex);
+}
+
+bool SingleColumnView::typing() const
+{
+    return m_sinceTyped.isValid() && m_sinceTyped.elapsed() <= kTypeAheadPauseMs && !m_typed.isEmpty();
+}
+
+bool SingleColumnView::typeAhead(const QString &text)
+{
+    if (!typing())
+        m_typed.clear();
+    m_sinceTyped.restart();
+    m_typed += text;
+    const int count = m_model->rowCount();
+    if (count == 0)
+        return false;
+    const std::optional<FontNode> selected = m_state.selectedNode(m_columnIndex);
+    const int current = selected ? m_model->rowOf(selected->path()) : -1;
+    // A new search looks past the current row; a longer prefix may still match it.
+    const int start = m_typed.size() == 1 ? current + 1 : std::max(current, 0);
+    for (int step = 0; step < count; ++step) {
+        const int row = (start + step) % count;
+        if (m_model->node(row).name().startsWith(m_typed, Qt::CaseInsensitive)) {
+            selectRow(row);
+            return true;
+        }
+    }
+    return false;
+}
+
+void SingleColumnView::keyPressEvent(QKeyEvent *event)
+{
+    const bool plain = !(event->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier));
+    const bool typed = plain && !event->text().isEmpty() && event->text().at(0).isPrint() &&
+                       (event->key() != Qt::Key_Space || typing());
+    if (!typed)
+        m_typed.clear(); // any other key ends a typed search
+    switch (event->key()) {
+    case Qt::Key_Up:
+        m_state.handleArrowUp();
+        break;
+    case Qt::Key_Down:
+        m_state.handleArrowDown();
+        break;
+    case Qt::Key_Right:
+        m_state.handleArrowRight();
+        break;
+    case Qt::Key_Left:
+        // The first column hands the keyboard to the sidebar.
+        if (m_state.activeColumnIndex() < 1)
+            m_state.setShouldFocusSidebar(true);
+        else
+            m_state.handleArrowLeft();
+        break;
+    case Qt::Key_Home:
+        selectRow(0);
+        break;
+    case Qt::Key_End:
+        selectRow(m_model->rowCount() - 1);
+        break;
+    case Qt::Key_PageUp:
+    case Qt::Key_PageDown:
+        verticalScrollBar()->triggerAction(event->key() == Qt::Key_PageUp ? QAbstractSlider::SliderPageStepSub
+                                                                          : QAbstractSlider::SliderPageStepAdd);
+        break;
+    case Qt::Key_Space:
+        if (plain && !typing()) {
+            if (const std::optional<FontNode> node = m_state.selectedNode(m_columnIndex))
+                m_state.toggleActivation(*node);
+            break;
+        }
+        [[fallthrough]];
+    default:
+        if (plain && !event->text().isEmpty() && event->text().at(0).isPrint()) {
+            typeAhead(event->text());
+            break;
+        }
+        QListView::keyPressEvent(event);
+        return;
+    }
+    event->accept();
+}

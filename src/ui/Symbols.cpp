@@ -1,0 +1,126 @@
+#include "Symbols.h"
+
+#include <QPainter>
+#include <QPainterPath>
+
+namespace Symbols {
+
+bool isDark(const QPalette &palette)
+{
+    return palette.color(QPalette::Window).lightness() < 128;
+}
+
+QColor green(const QPalette &palette)
+{
+    return isDark(palette) ? QColor(48, 209, 88) : QColor(52, 199, 89);
+}
+
+QColor secondary(const QPalette &palette)
+{
+    QColor colour = palette.color(QPalette::WindowText);
+    colour.setAlphaF(0.55f);
+    return colour;
+}
+
+QColor tertiary(const QPalette &palette)
+{
+    QColor colour = palette.color(QPalette::WindowText);
+    colour.setAlphaF(0.3f);
+    return colour;
+}
+
+QColor unemphasisedSelection(const QPalette &palette)
+{
+    const QColor inactive = palette.color(QPalette::Inactive, QPalette::Highlight);
+    return inactive == palette.color(QPalette::Active, QPalette::Highlight) ? palette.color(QPalette::Mid) : inactive;
+}
+
+void drawActivation(QPainter &painter, const QRectF &box, ActivationState state, const QPalette &palette)
+{
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    const qreal side = std::min(box.width(), box.height());
+    const QRectF circle(box.center().x() - side / 2, box.center().y() - side / 2, side, side);
+    if (state == ActivationState::Inactive) {
+        QColor ring = secondary(palette);
+        ring.setAlphaF(ring.alphaF() * 0.5f);
+        painter.setPen(QPen(ring, side / 12));
+        painter.setBrush(Qt::NoBrush);
+        painter.drawEllipse(circle.adjusted(side / 12, side / 12, -side / 12, -side / 12));
+        painter.restore();
+        return;
+    }
+    QColor fill = green(palette);
+    if (state == ActivationState::Mixed)
+        fill.setAlphaF(0.5f);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(fill);
+    painter.drawEllipse(circle);
+    // The mark in the view's base colour, as if cut out of the disc.
+    const QPen mark(palette.color(QPalette::Base), side / 9, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin);
+    painter.setPen(mark);
+    painter.setBrush(Qt::NoBrush);
+    const QPointF c = circle.center();
+    if (state == ActivationState::Active) {
+        QPainterPath check;
+        check.moveTo(c.x() - side * 0.22, c.y() + side * 0.02);
+        check.lineTo(c.x() - side * 0.06, c.y() + side * 0.18);
+        check.lineTo(c.x() + side * 0.24, c.y() - side * 0.16);
+        painter.drawPath(check);
+    } else {
+        painter.drawLine(QPointF(c.x() - side * 0.22, c.y()), QPointF(c.x() + side * 0.22, c.y()));
+    }
+    painter.restore();
+}
+
+void drawFolder(QPainter &painter, const QRectF &box, const QColor &colour)
+{
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    const qreal w = box.width();
+    const qreal h = w * 0.8;
+    const QRectF body(box.left(), box.center().y() - h / 2, w, h);
+    QPainterPath folder;
+    folder.moveTo(body.left(), body.top() + h * 0.12);
+    folder.lineTo(body.left() + w * 0.38, body.top() + h * 0.12);
+    folder.lineTo(body.left() + w * 0.48, body.top() + h * 0.26);
+    folder.lineTo(body.right(), body.top() + h * 0.26);
+    folder.lineTo(body.right(), body.bottom());
+    folder.lineTo(body.left(), body.bottom());
+    folder.closeSubpath();
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(colour);
+    painter.drawPath(folder);
+    painter.restore();
+}
+
+void drawFontFile(QPainter &painter, const QRectF &box, const QColor &colour)
+{
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    // A large and a small "A", as a text-format symbol.
+    QFont font = painter.font();
+    font.setPixelSize(static_cast<int>(box.height() * 0.75));
+    font.setBold(true);
+    painter.setFont(font);
+    painter.setPen(colour);
+    painter.drawText(box, Qt::AlignCenter, QStringLiteral("Aa"));
+    painter.restore();
+}
+
+void drawChevron(QPainter &painter, const QRectF &box, const QColor &colour)
+{
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    const qreal s = std::min(box.width(), box.height());
+    const QPointF c = box.center();
+    painter.setPen(QPen(colour, s / 6, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    QPainterPath chevron;
+    chevron.moveTo(c.x() - s * 0.15, c.y() - s * 0.35);
+    chevron.lineTo(c.x() + s * 0.2, c.y());
+    chevron.lineTo(c.x() - s * 0.15, c.y() + s * 0.35);
+    painter.drawPath(chevron);
+    painter.restore();
+}
+
+} // namespace Symbols

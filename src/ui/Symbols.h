@@ -1,0 +1,30 @@
+#pragma once
+
+#include "model/ActivationState.h"
+
+#include <QColor>
+#include <QPalette>
+#include <QRectF>
+
+class QPainter;
+
+// The symbols that carry state or colour, drawn with QPainter so they take exact
+// colours, follow the palette and stay crisp at any scale; and the named colours.
+namespace Symbols {
+
+bool isDark(const QPalette &palette);
+// Green as the desktop's light or dark appearance wants it.
+QColor green(const QPalette &palette);
+// Primary text at the opacity of secondary (about 55 %) or tertiary (30 %) text.
+QColor secondary(const QPalette &palette);
+QColor tertiary(const QPalette &palette);
+// The unemphasised selection: the inactive group's highlight, or Mid when it is the same.
+QColor unemphasisedSelection(const QPalette &palette);
+
+// An empty circle, a check in a filled circle, or a minus in a filled circle.
+void drawActivation(QPainter &painter, const QRectF &box, ActivationState state, const QPalette &palette);
+void drawFolder(QPainter &painter, const QRectF &box, const QColor &colour);
+void drawFontFile(QPainter &painter, const QRectF &box, const QColor &colour);
+void drawChevron(QPainter &painter, const QRectF &box, const QColor &colour);
+
+} // namespace Symbols

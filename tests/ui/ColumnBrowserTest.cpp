@@ -1,0 +1,256 @@
+// The column browser driven as a user drives it: keys on the focused column, clicks at
+// rows' rectangles, the activation button, the breadcrumb; the store and the view are
+// checked after each step.
+#include "TestSupport.h"
+
+#include "services/FontActivating.h"
+#include "services/PersistenceService.h"
+#include "state/AppState.h"
+#include "ui/ColumnBrowserView.h"
+#include "ui/FontNodeListModel.h"
+#include "ui/FontNodeRow.h"
+#include "ui/SingleColumnView.h"
+
+#include <QAbstractItemModelTester>
+#include <QMutex>
+#include <QSet>
+#include <QTest>
+#include <QToolButton>
+
+using namespace Qt::StringLiterals;
+using namespace TestSupport;
+
+namespace {
+
+// Activation that always succeeds, remembering nothing: the view's concern is the store.
+class InstantActivation : public FontActivating
+{
+public:
+    bool activateFont(const QString &) override { return true; }
+    bool deactivateFont(const QString &) override { return true; }
+};
+
+class Browser : public testing::Test
+{
+protected:
+    Browser()
+    {
+        for (const QString &file : {u"A/a1.ttf"_s, u"A/a2.ttf"_s, u"A/Sub/s.ttf"_s, u"B/b.ttf"_s, u"c.ttf"_s})
+            writeFile(library + u'/' + file);
+        const FolderSource source{QUuid::createUuid(), library, u"Library"_s};
+        store.setSourcesForTesting({source});
+        store.setSidebarSelection(SidebarItem(source));
+        auto service = std::make_shared<FileSystemService>();
+        service->insertPreScannedRoot(library);
+        service->deepScan(library);
+        service->freeze();
+        store.installLibrary(service, {});
+        view.resize(1000, 400);
+        view.show();
+        EXPECT_TRUE(QTest::qWaitForWindowExposed(&view));
+        column(0)->setFocus();
+    }
+
+    SingleColumnView *column(int index) const { return view.columns().value(index); }
+    // The store's path as names, and its active column.
+    QString path() const
+    {
+        QStringList names;
+        for (const FontNode &node : store.navigationPath())
+            names.append(node.name().toString());
+        return names.join(u'/');
+    }
+    QRect rowRect(int columnIndex, const QString &name) const
+    {
+        SingleColumnView *list = column(columnIndex);
+        const QList<FontNode> &nodes = list->nodeModel()->nodes();
+        for (qsizetype row = 0; row < nodes.size(); ++row) {
+            if (nodes.at(row).name() == name)
+                return list->visualRect(list->nodeModel()->index(static_cast<int>(row)));
+        }
+        ADD_FAILURE() << "no row " << name.toStdString();
+        return {};
+    }
+    void click(int columnIndex, const QString &name)
+    {
+        QTest::mouseClick(column(columnIndex)->viewport(), Qt::LeftButton, {}, rowRect(columnIndex, name).center());
+    }
+    void clickButton(int columnIndex, const QString &name)
+    {
+        const QRect row = rowRect(columnIndex, name);
+        const bool folder = !name.endsWith(u".ttf"_s);
+        QTest::mouseClick(column(columnIndex)->viewport(), Qt::LeftButton, {},
+                          FontNodeRow::layout(row, folder).button.center().toPoint());
+    }
+    bool waitUntilIdle() { return QTest::qWaitFor([this] { return !store.isProcessing(); }, 20'000); }
+
+    QString library = makeDir(testRoot() + u"/Library"_s);
+    InstantActivation activation;
+    PersistenceService persistence;
+    AppState store{activation, persistence};
+    ColumnBrowserView view{store};
+};
+
+struct KeyCase
+{
+    const char *keys;  // one character per key: u d l r Home=H End=E space=_ ; letters type
+    const char *path;  // the store's path afterwards
+    int activeColumn;
+    int columns;
+};
+
+void press(QWidget *target, char key)
+{
+    switch (key) {
+    case 'u': QTest::keyClick(target, Qt::Key_Up); break;
+    case 'd': QTest::keyClick(target, Qt::Key_Down); break;
+    case 'l': QTest::keyClick(target, Qt::Key_Left); break;
+    case 'r': QTest::keyClick(target, Qt::Key_Right); break;
+    case 'H': QTest::keyClick(target, Qt::Key_Home); break;
+    case 'E': QTest::keyClick(target, Qt::Key_End); break;
+    default: QTest::keyClicks(target, QString(QChar::fromLatin1(key))); break;
+    }
+}
+
+} // namespace
+
+// Keys go to whichever column has focus, and focus follows the active column.
+TEST_F(Browser, KeysMoveThroughColumnsAsTheStoreSays)
+{
+    const KeyCase cases[] = {
+        {"d", "A", 0, 2},
+        {"dd", "B", 0, 2},
+        {"dddd", "c.ttf", 0, 1},      // no wrap past the last row; a font opens no column
+        {"u", "c.ttf", 0, 1},         // from nowhere, Up lands on the last row
+        {"dr", "A/Sub", 1, 3},        // into the folder: its first row
+        {"drr", "A/Sub/s.ttf", 2, 3}, // down to a font
+        {"drrr", "A/Sub/s.ttf", 2, 3},// nothing beyond a font
+        {"drd", "A/a1.ttf", 1, 2},
+        {"drl", "A", 0, 2},           // back one column, the folder still selected
+        {"E", "c.ttf", 0, 1},
+        {"EH", "A", 0, 2},
+        {"b", "B", 0, 2},             // type-ahead
+        {"dc", "c.ttf", 0, 1},
+        {"drs", "A/Sub", 1, 3},       // type-ahead in the active column
+    };
+    for (const KeyCase &test : cases) {
+        SCOPED_TRACE(test.keys);
+        store.showSourceRoot();
+        store.selectNode(FontNode::folder(library + u"/A"_s), 0); // a known state, then back
+        store.showSourceRoot();
+        column(0)->setFocus();
+        for (const char *key = test.keys; *key; ++key)
+            press(QApplication::focusWidget(), *key);
+        EXPECT_EQ(path(), QString::fromLatin1(test.path));
+        EXPECT_EQ(store.activeColumnIndex(), test.activeColumn);
+        EXPECT_EQ(view.columns().size(), test.columns);
+        EXPECT_EQ(QApplication::focusWidget(), column(std::min(test.activeColumn, static_cast<int>(view.columns().size()) - 1)));
+        // The view mirrors the store: the selected row of the active column is selected.
+        SingleColumnView *active = column(std::min(test.activeColumn, static_cast<int>(view.columns().size()) - 1));
+        const QModelIndexList selected = active->selectionModel()->selectedIndexes();
+        ASSERT_EQ(selected.size(), 1);
+        EXPECT_EQ(selected.first().data(FontNodeListModel::PathRole).toString(),
+                  store.navigationPath().constLast().path());
+    }
+
+    // Left in the first column hands the keyboard to the sidebar, selection unchanged.
+    store.showSourceRoot();
+    column(0)->setFocus();
+    press(column(0), 'd');
+    press(column(0), 'l');
+    EXPECT_TRUE(store.shouldFocusSidebar());
+    EXPECT_EQ(path(), u"A"_s);
+}
+
+TEST_F(Browser, ClicksSelectAndTheButtonTogglesWithoutSelecting)
+{
+    click(0, u"B"_s);
+    EXPECT_EQ(path(), u"B"_s);
+    click(0, u"A"_s);
+    ASSERT_EQ(view.columns().size(), 2);
+    click(1, u"a1.ttf"_s);
+    EXPECT_EQ(path(), u"A/a1.ttf"_s);
+    ASSERT_NE(view.previewPane(), nullptr);
+    EXPECT_TRUE(view.previewPane()->isVisible());
+
+    // The button of another row toggles it; the selection stays where it was.
+    clickButton(1, u"a2.ttf"_s);
+    ASSERT_TRUE(waitUntilIdle());
+    EXPECT_EQ(store.activatedFonts(), QSet<QString>{library + u"/A/a2.ttf"_s});
+    EXPECT_EQ(path(), u"A/a1.ttf"_s);
+    const QModelIndex a2 = column(1)->nodeModel()->index(column(1)->nodeModel()->rowOf(library + u"/A/a2.ttf"_s));
+    EXPECT_EQ(a2.data(FontNodeListModel::ActivationRole).toInt(), static_cast<int>(ActivationState::Active));
+    EXPECT_EQ(a2.data(Qt::AccessibleDescriptionRole).toString(), u"Font, active"_s);
+    const QModelIndex folderA = column(0)->nodeModel()->index(0);
+    EXPECT_EQ(folderA.data(FontNodeListModel::ActivationRole).toInt(), static_cast<int>(ActivationState::Mixed));
+    EXPECT_EQ(FontNodeRow::buttonToolTip(folderA.data(FontNodeListModel::ActivationRole).toInt()), u"Activate All"_s);
+
+    // The folder's button makes a mixed folder fully active; Space on the focused
+    // column toggles its selected row.
+    clickButton(0, u"A"_s);
+    ASSERT_TRUE(waitUntilIdle());
+    EXPECT_EQ(store.activatedFonts().size(), 3);
+    column(1)->setFocus();
+    QTest::keyClick(column(1), Qt::Key_Space);
+    ASSERT_TRUE(waitUntilIdle());
+    EXPECT_FALSE(store.activatedFonts().contains(library + u"/A/a1.ttf"_s));
+    EXPECT_EQ(path(), u"A/a1.ttf"_s);
+
+    // Selecting a folder removes the preview.
+    click(0, u"B"_s);
+    EXPECT_EQ(view.previewPane(), nullptr);
+}
+
+// A column is rebuilt only when its first item changes: moving within a column keeps
+// the next one, opening another folder replaces it.
+TEST_F(Browser, ColumnsKeepTheirIdentityUntilTheirFirstItemChanges)
+{
+    click(0, u"A"_s);
+    SingleColumnView *second = column(1);
+    click(1, u"a1.ttf"_s);
+    click(1, u"a2.ttf"_s);
+    EXPECT_EQ(column(1), second);
+    click(0, u"B"_s);
+    EXPECT_NE(column(1), second);
+    EXPECT_EQ(column(1)->nodeModel()->rowCount(), 1);
+    for (SingleColumnView *list : view.columns())
+        EXPECT_EQ(list->width(), SingleColumnView::kWidth);
+}
+
+TEST_F(Browser, TheBreadcrumbReturnsToTheLevelPressed)
+{
+    store.selectNode(FontNode::folder(library + u"/A"_s), 0);
+    store.selectNode(FontNode::folder(library + u"/A/Sub"_s), 1);
+    store.selectNode(FontNode::fontFile(library + u"/A/Sub/s.ttf"_s), 2);
+    const auto crumbs = [this] {
+        QStringList texts;
+        for (QToolButton *button : view.breadcrumbBar()->findChildren<QToolButton *>())
+            texts.append(button->text() + (button->isChecked() ? u"*"_s : QString()));
+        return texts;
+    };
+    EXPECT_EQ(crumbs(), (QStringList{u"Library"_s, u"A"_s, u"Sub"_s, u"s.ttf*"_s}));
+    for (QToolButton *button : view.breadcrumbBar()->findChildren<QToolButton *>()) {
+        if (button->text() == u"A"_s) {
+            QTest::mouseClick(button, Qt::LeftButton);
+            break;
+        }
+    }
+    EXPECT_EQ(path(), u"A"_s);
+    EXPECT_EQ(crumbs(), (QStringList{u"Library"_s, u"A*"_s}));
+    QTest::mouseClick(view.breadcrumbBar()->findChildren<QToolButton *>().first(), Qt::LeftButton);
+    EXPECT_EQ(path(), QString());
+    EXPECT_EQ(view.columns().size(), 1);
+}
+
+TEST_F(Browser, TheRowModelIsAWellBehavedModel)
+{
+    FontNodeListModel model(store);
+    QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::QtTest);
+    model.setNodes(store.cachedColumns().first());
+    EXPECT_EQ(model.rowCount(), 3);
+    store.selectNode(FontNode::folder(library + u"/A"_s), 0);
+    model.setNodes(store.cachedColumns().at(1));
+    model.activationChanged();
+    model.setNodes({});
+    EXPECT_EQ(model.rowCount(), 0);
+}
