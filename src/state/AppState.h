@@ -158,6 +158,8 @@ public:
     const FileSystemService &fileSystemService() const { return *m_fileSystemService; }
     FontPreviewService &previewService() { return *m_previewService; }
     FinderTagService &finderTagService() { return m_finderTagService; }
+    // Sets a file's licence status (its tags) and tells the views, which repaint.
+    void setLicenseStatus(LicenseStatus status, const QString &path);
 
 Q_SIGNALS:
     void sourcesChanged();
@@ -179,6 +181,7 @@ Q_SIGNALS:
     void shouldFocusBrowserChanged();
     void shouldFocusSidebarChanged();
     void saveFailureChanged();
+    void licenseTagsChanged(); // a status was set: rows read their tags again
 
 private:
     static LibraryScan scanLibrary(const QList<FolderSource> &sources, const QList<CollectionMember> &members,

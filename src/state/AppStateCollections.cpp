@@ -198,3 +198,9 @@ std::optional<QImage> AppState::collectionIcon(const QString &iconPath)
     m_iconCache.insert(iconPath, image);
     return image;
 }
+
+void AppState::setLicenseStatus(LicenseStatus status, const QString &path)
+{
+    m_finderTagService.setLicenseStatus(status, path);
+    Q_EMIT licenseTagsChanged();
+}

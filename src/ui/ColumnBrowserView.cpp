@@ -80,6 +80,10 @@ ColumnBrowserView::ColumnBrowserView(AppState &state, QWidget *parent)
         for (const Column &column : std::as_const(m_columns))
             column.view->nodeModel()->activationChanged();
     });
+    connect(&m_state, &AppState::licenseTagsChanged, this, [this] {
+        for (const Column &column : std::as_const(m_columns))
+            column.view->nodeModel()->licensesChanged();
+    });
     connect(&m_state, &AppState::shouldFocusBrowserChanged, this, [this] {
         if (!m_state.shouldFocusBrowser())
             return;

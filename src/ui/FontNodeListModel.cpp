@@ -2,6 +2,9 @@
 
 #include "state/AppState.h"
 
+#include <QMimeData>
+#include <QUrl>
+
 using namespace Qt::StringLiterals;
 
 FontNodeListModel::FontNodeListModel(AppState &state, QObject *parent)
@@ -95,4 +98,33 @@ QVariant FontNodeListModel::data(const QModelIndex &index, int role) const
     default:
         return {};
     }
+}
+
+QStringList FontNodeListModel::mimeTypes() const
+{
+    return {u"text/uri-list"_s, u"text/plain"_s};
+}
+
+QMimeData *FontNodeListModel::mimeData(const QModelIndexList &indexes) const
+{
+    QList<QUrl> urls;
+    QStringList paths;
+    for (const QModelIndex &index : indexes) {
+        if (!index.isValid())
+            continue;
+        const QString path = m_nodes.at(index.row()).path();
+        urls.append(QUrl::fromLocalFile(path));
+        paths.append(path);
+    }
+    if (urls.isEmpty())
+        return nullptr;
+    auto *data = new QMimeData;
+    data->setUrls(urls);
+    data->setText(paths.join(u'\n'));
+    return data;
+}
+
+Qt::DropActions FontNodeListModel::supportedDragActions() const
+{
+    return Qt::CopyAction | Qt::LinkAction;
 }

@@ -1,11 +1,17 @@
 #include "SingleColumnView.h"
 
 #include "FontNodeListModel.h"
+#include "ContextMenus.h"
 #include "FontNodeRow.h"
 
 #include "state/AppState.h"
 
+#include <QApplication>
+#include <QContextMenuEvent>
+#include <QDrag>
 #include <QKeyEvent>
+#include <QMenu>
+#include <QMimeData>
 #include <QMouseEvent>
 #include <QScrollBar>
 
@@ -83,6 +89,8 @@ void SingleColumnView::mousePressEvent(QMouseEvent *event)
         return;
     }
     m_typed.clear();
+    m_pressedAt = event->position().toPoint();
+    m_pressedRow = index;
     const FontNode node = m_model->node(index.row());
     // The button toggles without selecting the row.
     if (FontNodeRow::layout(visualRect(index), node.isDirectory()).button.contains(event->position())) {
@@ -95,7 +103,38 @@ void SingleColumnView::mousePressEvent(QMouseEvent *event)
 
 void SingleColumnView::mouseReleaseEvent(QMouseEvent *event)
 {
+    m_pressedRow = QPersistentModelIndex();
     event->accept(); // the press did everything
+}
+
+void SingleColumnView::mouseMoveEvent(QMouseEvent *event)
+{
+    const bool dragging = (event->buttons() & Qt::LeftButton) && m_pressedRow.isValid() &&
+                          (event->position().toPoint() - m_pressedAt).manhattanLength() >= QApplication::startDragDistance();
+    if (!dragging) {
+        QListView::mouseMoveEvent(event); // hover
+        return;
+    }
+    QMimeData *files = m_model->mimeData({m_pressedRow});
+    m_pressedRow = QPersistentModelIndex();
+    if (!files)
+        return;
+    auto *drag = new QDrag(this);
+    drag->setMimeData(files);
+    drag->exec(m_model->supportedDragActions(), Qt::CopyAction);
+}
+
+void SingleColumnView::contextMenuEvent(QContextMenuEvent *event)
+{
+    // A right click shows the row's menu; it selects nothing.
+    const QModelIndex index = indexAt(event->pos());
+    if (!index.isValid())
+        return;
+    QMenu *menu = ContextMenus::buildNodeMenu(m_state, m_model->node(index.row()), this);
+    // Deleted once closed: a chosen action has run by then.
+    connect(menu, &QMenu::aboutToHide, menu, &QObject::deleteLater);
+    menu->popup(event->globalPos());
+    event->accept();
 }
 
 void SingleColumnView::selectRow(int row)

@@ -31,6 +31,8 @@ public:
 
 protected:
     void mousePressEvent(QMouseEvent *event) override;
+    void mouseMoveEvent(QMouseEvent *event) override;
+    void contextMenuEvent(QContextMenuEvent *event) override;
     void mouseReleaseEvent(QMouseEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
     void showEvent(QShowEvent *event) override;
@@ -46,6 +48,8 @@ private:
     FontNodeListModel *m_model;
     FontNodeRow *m_row;
     QString m_shownSelection; // path of the row last scrolled to
+    QPoint m_pressedAt;           // where a left press began, for a drag
+    QPersistentModelIndex m_pressedRow;
     QString m_typed;
     QElapsedTimer m_sinceTyped;
 };

@@ -6,12 +6,18 @@
 #include "services/FontActivating.h"
 #include "services/PersistenceService.h"
 #include "state/AppState.h"
+#include "services/FinderTagService.h"
 #include "ui/ColumnBrowserView.h"
+#include "ui/ContextMenus.h"
 #include "ui/FontNodeListModel.h"
 #include "ui/FontNodeRow.h"
 #include "ui/SingleColumnView.h"
 
 #include <QAbstractItemModelTester>
+#include <QContextMenuEvent>
+#include <QDesktopServices>
+#include <QMenu>
+#include <QMimeData>
 #include <QMutex>
 #include <QSet>
 #include <QTest>
@@ -83,6 +89,19 @@ protected:
                           FontNodeRow::layout(row, folder).button.center().toPoint());
     }
     bool waitUntilIdle() { return QTest::qWaitFor([this] { return !store.isProcessing(); }, 20'000); }
+    // A right click on the row; the menu it opens.
+    QMenu *rightClick(int columnIndex, const QString &name)
+    {
+        for (QMenu *open : view.findChildren<QMenu *>())
+            open->close(); // as a new right click does
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        const QPoint at = rowRect(columnIndex, name).center();
+        QContextMenuEvent event(QContextMenuEvent::Mouse, at, column(columnIndex)->viewport()->mapToGlobal(at));
+        QCoreApplication::sendEvent(column(columnIndex)->viewport(), &event);
+        const QList<QMenu *> menus = column(columnIndex)->findChildren<QMenu *>(Qt::FindDirectChildrenOnly);
+        EXPECT_EQ(menus.size(), 1);
+        return menus.value(0);
+    }
 
     QString library = makeDir(testRoot() + u"/Library"_s);
     InstantActivation activation;
@@ -254,3 +273,148 @@ TEST_F(Browser, TheRowModelIsAWellBehavedModel)
     model.setNodes({});
     EXPECT_EQ(model.rowCount(), 0);
 }
+
+namespace {
+
+QStringList titles(const QMenu *menu)
+{
+    QStringList texts;
+    for (const QAction *action : menu->actions())
+        texts.append(action->isSeparator() ? u"-"_s : action->text());
+    return texts;
+}
+
+QAction *item(const QMenu *menu, const QString &text)
+{
+    for (QAction *action : menu->actions()) {
+        if (action->text() == text)
+            return action;
+    }
+    ADD_FAILURE() << "no item " << text.toStdString();
+    return nullptr;
+}
+
+} // namespace
+
+TEST_F(Browser, TheNodeMenuIsBuiltFromTheCurrentStateAtEachRightClick)
+{
+    QMenu *menu = rightClick(0, u"A"_s);
+    EXPECT_EQ(titles(menu), (QStringList{u"Show in File Manager"_s, u"-"_s, u"Activate All Fonts in Folder"_s, u"-"_s,
+                                         u"License Status"_s}));
+    EXPECT_EQ(path(), QString()); // a right click selects nothing
+    menu->close();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_EQ(column(0)->findChild<QMenu *>(), nullptr); // freed once closed
+
+    // Collections: one item each, disabled where the node is a member already.
+    store.createCollection(u"Set"_s);
+    store.createCollection(u"Other"_s);
+    const QUuid set = store.collections().at(store.collections().at(0).name == u"Set"_s ? 0 : 1).id;
+    store.setSidebarSelection(SidebarItem(store.sources().first())); // a new collection is selected
+    click(0, u"A"_s);
+    store.addToCollection(set, FontNode::fontFile(library + u"/A/a1.ttf"_s));
+    menu = rightClick(1, u"a1.ttf"_s);
+    EXPECT_EQ(titles(menu), (QStringList{u"Show in File Manager"_s, u"-"_s, u"Activate Font"_s, u"-"_s,
+                                         u"Add to Collection"_s, u"-"_s, u"License Status"_s}));
+    QMenu *collections = item(menu, u"Add to Collection"_s)->menu();
+    EXPECT_EQ(titles(collections), (QStringList{u"Other"_s, u"Set"_s}));
+    EXPECT_FALSE(item(collections, u"Set"_s)->isEnabled());
+    menu->close();
+    menu = rightClick(1, u"a2.ttf"_s);
+    collections = item(menu, u"Add to Collection"_s)->menu();
+    ASSERT_TRUE(item(collections, u"Set"_s)->isEnabled());
+    item(collections, u"Set"_s)->trigger();
+    const auto inSet = [&] {
+        for (const FontCollection &collection : store.collections())
+            if (collection.id == set)
+                return collection.contains(library + u"/A/a2.ttf"_s);
+        return false;
+    };
+    EXPECT_TRUE(inSet());
+    menu->close();
+
+    // The activation item toggles, and says so next time.
+    item(rightClick(1, u"a2.ttf"_s), u"Activate Font"_s)->trigger();
+    ASSERT_TRUE(waitUntilIdle());
+    EXPECT_TRUE(store.activatedFonts().contains(library + u"/A/a2.ttf"_s));
+    EXPECT_TRUE(titles(rightClick(1, u"a2.ttf"_s)).contains(u"Deactivate Font"_s));
+}
+
+TEST_F(Browser, TheLicenceSubmenuSetsTheFilesTagsAndTheRowFollows)
+{
+    QMenu *statuses = item(rightClick(0, u"A"_s), u"License Status"_s)->menu();
+    EXPECT_EQ(titles(statuses), (QStringList{u"Licensed"_s, u"Licensed + Non-Commercial"_s, u"Unlicensed"_s,
+                                             u"Partially Licensed"_s, u"Public Domain"_s, u"Open Source"_s, u"Trial"_s,
+                                             u"No Status"_s}));
+    EXPECT_TRUE(item(statuses, u"No Status"_s)->isChecked());
+    EXPECT_FALSE(item(statuses, u"Trial"_s)->icon().isNull()); // the status's dot
+    item(statuses, u"Trial"_s)->trigger();
+
+    // On the folder itself, as the file manager reads it.
+    EXPECT_EQ(FinderTagService::readTags(library + u"/A"_s), QStringList{u"Trial"_s});
+    const QModelIndex folderA = column(0)->nodeModel()->index(0);
+    EXPECT_EQ(folderA.data(FontNodeListModel::LicenseRole).toInt(), static_cast<int>(LicenseStatus::Trial));
+    EXPECT_EQ(folderA.data(Qt::AccessibleDescriptionRole).toString(), u"Folder, inactive, Trial"_s);
+    statuses = item(rightClick(0, u"A"_s), u"License Status"_s)->menu();
+    EXPECT_TRUE(item(statuses, u"Trial"_s)->isChecked());
+    EXPECT_FALSE(item(statuses, u"No Status"_s)->isChecked());
+
+    // A font file's icon is never coloured by a label.
+    click(0, u"A"_s);
+    item(item(rightClick(1, u"a1.ttf"_s), u"License Status"_s)->menu(), u"Licensed"_s)->trigger();
+    EXPECT_EQ(FinderTagService::readTags(library + u"/A/a1.ttf"_s), QStringList{u"Licensed"_s});
+    const QModelIndex a1 = column(1)->nodeModel()->index(column(1)->nodeModel()->rowOf(library + u"/A/a1.ttf"_s));
+    EXPECT_EQ(a1.data(FontNodeListModel::LicenseRole).toInt(), static_cast<int>(LicenseStatus::None));
+}
+
+TEST_F(Browser, TheSourceMenuRemovesTheSource)
+{
+    QMenu *menu = ContextMenus::buildSourceMenu(store, store.sources().first(), &view);
+    EXPECT_EQ(titles(menu), (QStringList{u"Show in File Manager"_s, u"-"_s, u"License Status"_s, u"-"_s,
+                                         u"Remove Source"_s}));
+    item(menu, u"Remove Source"_s)->trigger();
+    ASSERT_TRUE(QTest::qWaitFor([this] { return store.sources().isEmpty(); }, 20'000));
+    delete menu;
+}
+
+// A row drags its file as a copy or a link: never a move of the user's font.
+TEST_F(Browser, RowsDragTheirFilesAsCopiesOrLinks)
+{
+    FontNodeListModel *model = column(0)->nodeModel();
+    const int row = model->rowOf(library + u"/c.ttf"_s);
+    std::unique_ptr<QMimeData> data(model->mimeData({model->index(row)}));
+    ASSERT_NE(data, nullptr);
+    EXPECT_EQ(data->urls(), QList<QUrl>{QUrl::fromLocalFile(library + u"/c.ttf"_s)});
+    EXPECT_EQ(data->text(), library + u"/c.ttf"_s);
+    EXPECT_EQ(model->supportedDragActions(), Qt::CopyAction | Qt::LinkAction);
+    EXPECT_TRUE(model->flags(model->index(row)) & Qt::ItemIsDragEnabled);
+}
+
+namespace {
+
+// Stands in for the desktop: records the URLs it is asked to open.
+class OpenedUrls : public QObject
+{
+    Q_OBJECT
+
+public:
+    QList<QUrl> urls;
+
+public Q_SLOTS:
+    void open(const QUrl &url) { urls.append(url); }
+};
+
+} // namespace
+
+// With no file manager on the bus, the folder holding the file is opened instead.
+TEST(Reveal, FallsBackToOpeningTheFolder)
+{
+    OpenedUrls opened;
+    QDesktopServices::setUrlHandler(u"file"_s, &opened, "open");
+    const QString font = writeFile(testRoot() + u"/Fonts/x.ttf"_s);
+    ContextMenus::revealInFileManager(font, QDBusConnection::connectToBus(u"unix:path=/nonexistent/bus"_s, u"nowhere"_s));
+    QDesktopServices::unsetUrlHandler(u"file"_s);
+    EXPECT_EQ(opened.urls, QList<QUrl>{QUrl::fromLocalFile(testRoot() + u"/Fonts"_s)});
+}
+
+#include "ColumnBrowserTest.moc"
