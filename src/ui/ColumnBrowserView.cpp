@@ -196,6 +196,9 @@ void ColumnBrowserView::scrollToEnd()
 {
     // After the new widths are laid out: the last column, or the preview, in full view.
     QTimer::singleShot(0, this, [this] {
+        // The row's new width first, then its scroll range.
+        m_row->layout()->activate();
+        QCoreApplication::sendPostedEvents(m_row, QEvent::LayoutRequest);
         QWidget *last = m_preview ? m_preview : (m_columns.isEmpty() ? nullptr : m_columns.constLast().divider);
         if (last)
             m_scroll->ensureWidgetVisible(last, 0, 0);

@@ -100,7 +100,9 @@ void FontNodeRow::paint(QPainter *painter, const QStyleOptionViewItem &option, c
     const QColor onAccent = palette.color(QPalette::Active, QPalette::HighlightedText);
     if (folder) {
         const auto status = static_cast<LicenseStatus>(index.data(FontNodeListModel::LicenseRole).toInt());
-        Symbols::drawFolder(*painter, parts.icon, emphasised ? License::selectedColor(status) : License::color(status));
+        Symbols::drawFolder(*painter, parts.icon,
+                            emphasised ? License::selectedColor(status)
+                                       : Symbols::forAppearance(License::color(status), palette));
         QColor chevron = emphasised ? onAccent : Symbols::secondary(palette);
         if (emphasised)
             chevron.setAlphaF(0.7f);

@@ -14,6 +14,7 @@
 #include <QMimeData>
 #include <QMouseEvent>
 #include <QScrollBar>
+#include <QTimer>
 
 using namespace Qt::StringLiterals;
 
@@ -66,8 +67,16 @@ void SingleColumnView::syncWithStore()
         const QModelIndex index = m_model->index(row);
         selectionModel()->setCurrentIndex(index, QItemSelectionModel::ClearAndSelect);
         if (m_shownSelection != selected->path() && isVisible()) {
-            scrollTo(index, QAbstractItemView::PositionAtCenter);
             m_shownSelection = selected->path();
+            // Once laid out: a column just made has no height yet to centre in.
+            QTimer::singleShot(0, this, [this] {
+                const std::optional<FontNode> now = m_state.selectedNode(m_columnIndex);
+                const int current = now ? m_model->rowOf(now->path()) : -1;
+                if (current >= 0) {
+                    executeDelayedItemsLayout();
+                    scrollTo(m_model->index(current), QAbstractItemView::PositionAtCenter);
+                }
+            });
         }
     }
     viewport()->update();

@@ -15,6 +15,22 @@ QColor green(const QPalette &palette)
     return isDark(palette) ? QColor(48, 209, 88) : QColor(52, 199, 89);
 }
 
+QColor forAppearance(const QColor &colour, const QPalette &palette)
+{
+    if (!isDark(palette))
+        return colour;
+    static const std::pair<QRgb, QRgb> kDark[] = {
+        {qRgb(52, 199, 89), qRgb(48, 209, 88)},  {qRgb(255, 59, 48), qRgb(255, 69, 58)},
+        {qRgb(255, 204, 0), qRgb(255, 214, 10)}, {qRgb(175, 82, 222), qRgb(191, 90, 242)},
+        {qRgb(255, 149, 0), qRgb(255, 159, 10)},
+    };
+    for (const auto &[light, dark] : kDark) {
+        if (colour.rgb() == light)
+            return QColor::fromRgb(dark);
+    }
+    return colour;
+}
+
 QColor secondary(const QPalette &palette)
 {
     QColor colour = palette.color(QPalette::WindowText);

@@ -15,6 +15,9 @@ namespace Symbols {
 bool isDark(const QPalette &palette);
 // Green as the desktop's light or dark appearance wants it.
 QColor green(const QPalette &palette);
+// A named colour (green, red, yellow, purple, orange) in its dark variant on a dark
+// palette; any other colour as it is.
+QColor forAppearance(const QColor &colour, const QPalette &palette);
 // Primary text at the opacity of secondary (about 55 %) or tertiary (30 %) text.
 QColor secondary(const QPalette &palette);
 QColor tertiary(const QPalette &palette);

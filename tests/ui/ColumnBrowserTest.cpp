@@ -12,12 +12,15 @@
 #include "ui/FontNodeListModel.h"
 #include "ui/FontNodeRow.h"
 #include "ui/SingleColumnView.h"
+#include "ui/Symbols.h"
 
 #include <QAbstractItemModelTester>
 #include <QContextMenuEvent>
 #include <QDesktopServices>
 #include <QMenu>
 #include <QMimeData>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QMutex>
 #include <QSet>
 #include <QTest>
@@ -388,6 +391,82 @@ TEST_F(Browser, RowsDragTheirFilesAsCopiesOrLinks)
     EXPECT_EQ(data->text(), library + u"/c.ttf"_s);
     EXPECT_EQ(model->supportedDragActions(), Qt::CopyAction | Qt::LinkAction);
     EXPECT_TRUE(model->flags(model->index(row)) & Qt::ItemIsDragEnabled);
+}
+
+// Pixels where they carry meaning: an active row's button is green and a licensed
+// folder's icon takes the status colour, in a light and in a dark palette.
+TEST_F(Browser, ActiveButtonsAreGreenAndLicensedFoldersTakeTheirColour)
+{
+    store.setLicenseStatus(LicenseStatus::Licensed, library + u"/B"_s);
+    store.batchProcess({FontNode::fontFile(library + u"/c.ttf"_s)}, true, u"Activating"_s);
+    ASSERT_TRUE(waitUntilIdle());
+    QPalette dark = view.palette();
+    dark.setColor(QPalette::Window, QColor(30, 30, 30));
+    dark.setColor(QPalette::Base, QColor(40, 40, 40));
+    dark.setColor(QPalette::WindowText, Qt::white);
+    const struct
+    {
+        QPalette palette;
+        QColor green;
+    } appearances[] = {{view.palette(), QColor(52, 199, 89)}, {dark, QColor(48, 209, 88)}};
+    for (const auto &appearance : appearances) {
+        view.setPalette(appearance.palette);
+        const QImage image = column(0)->viewport()->grab().toImage();
+        const auto near = [](QColor a, QColor b) {
+            return std::abs(a.red() - b.red()) <= 3 && std::abs(a.green() - b.green()) <= 3 &&
+                   std::abs(a.blue() - b.blue()) <= 3;
+        };
+        // Inside the disc, above the check mark.
+        const FontNodeRow::Layout font = FontNodeRow::layout(rowRect(0, u"c.ttf"_s), false);
+        const QRectF disc = font.button.adjusted(2, 2, -2, -2);
+        const QPoint inDisc(static_cast<int>(disc.center().x()), static_cast<int>(disc.top() + disc.height() * 0.2));
+        EXPECT_TRUE(near(image.pixelColor(inDisc), appearance.green)) << image.pixelColor(inDisc).name().toStdString();
+        // The lower middle of the folder's body.
+        const FontNodeRow::Layout folder = FontNodeRow::layout(rowRect(0, u"B"_s), true);
+        const QPoint inFolder(static_cast<int>(folder.icon.center().x()), static_cast<int>(folder.icon.center().y() + 3));
+        EXPECT_TRUE(near(image.pixelColor(inFolder), appearance.green)) << image.pixelColor(inFolder).name().toStdString();
+        // An unlabelled folder is not green.
+        const FontNodeRow::Layout plain = FontNodeRow::layout(rowRect(0, u"A"_s), true);
+        const QPoint inPlain(static_cast<int>(plain.icon.center().x()), static_cast<int>(plain.icon.center().y() + 3));
+        EXPECT_FALSE(near(image.pixelColor(inPlain), appearance.green));
+    }
+}
+
+// The selected row of a long column comes to the middle; when the columns change, the
+// last one comes into view.
+TEST_F(Browser, TheSelectionAndTheLastColumnScrollIntoView)
+{
+    for (int i = 0; i < 200; ++i)
+        writeFile(library + u"/Long/f%1.ttf"_s.arg(i, 3, 10, QChar(u'0')));
+    QString deep = library;
+    for (int level = 0; level < 8; ++level) {
+        deep += u"/L%1"_s.arg(level);
+        writeFile(deep + u"/x.ttf"_s);
+    }
+    auto service = std::make_shared<FileSystemService>();
+    service->insertPreScannedRoot(library);
+    service->deepScan(library);
+    service->freeze();
+    store.installLibrary(service, {});
+
+    store.selectNode(FontNode::folder(library + u"/Long"_s), 0);
+    store.selectNode(FontNode::fontFile(library + u"/Long/f150.ttf"_s), 1);
+    SingleColumnView *longColumn = column(1);
+    const auto centred = [&] {
+        const QRect row = rowRect(1, u"f150.ttf"_s);
+        return longColumn->viewport()->rect().contains(row.center()) &&
+               std::abs(row.center().y() - longColumn->viewport()->rect().center().y()) <= row.height();
+    };
+    EXPECT_TRUE(QTest::qWaitFor(centred, 5'000));
+
+    QString level = library;
+    for (int i = 0; i < 8; ++i) {
+        level += u"/L%1"_s.arg(i);
+        store.selectNode(FontNode::folder(level), i);
+    }
+    QScrollBar *across = view.scrollArea()->horizontalScrollBar();
+    EXPECT_TRUE(QTest::qWaitFor([across] { return across->maximum() > 0 && across->value() == across->maximum(); }, 5'000));
+    EXPECT_EQ(view.columns().size(), 9);
 }
 
 namespace {
