@@ -1,7 +1,7 @@
 // Runs every benchmark, then prints one `name: value unit` line per figure.
 #include "BenchFigures.h"
 
-#include <QCoreApplication>
+#include <QApplication>
 #include <QDir>
 #include <QFile>
 #include <QLocale>
@@ -60,7 +60,10 @@ void isolateFromTheUser()
 int main(int argc, char **argv)
 {
     isolateFromTheUser();
-    QCoreApplication app(argc, argv);
+    // The browser benchmarks draw real widgets, with no display needed.
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication app(argc, argv);
     if (QLocale().language() == QLocale::C)
         QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
     benchmark::Initialize(&argc, argv);

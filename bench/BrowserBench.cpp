@@ -1,0 +1,107 @@
+// The column browser on real widgets (offscreen), over the 100k-font library: a click
+// on a folder of 10,000 fonts until its column is laid out and painted, and the
+// repaint of a full column of rows.
+#include "BenchFigures.h"
+
+#include "BenchStore.h"
+
+#include "ui/ColumnBrowserView.h"
+#include "ui/FontNodeListModel.h"
+#include "ui/SingleColumnView.h"
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QMouseEvent>
+
+#include <benchmark/benchmark.h>
+
+#include <memory>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+QString sansSerif()
+{
+    return BenchFigures::libraryRootPath() + u"/Sans Serif"_s;
+}
+
+// A press and release at the row's centre, as a user's click.
+void clickRow(SingleColumnView *column, const QString &path)
+{
+    const QModelIndex index = column->nodeModel()->index(column->nodeModel()->rowOf(path));
+    const QPointF at = column->visualRect(index).center();
+    const QPointF global = column->viewport()->mapToGlobal(at);
+    QMouseEvent press(QEvent::MouseButtonPress, at, global, Qt::LeftButton, Qt::LeftButton, {});
+    QApplication::sendEvent(column->viewport(), &press);
+    QMouseEvent release(QEvent::MouseButtonRelease, at, global, Qt::LeftButton, {}, {});
+    QApplication::sendEvent(column->viewport(), &release);
+}
+
+struct BrowserWindow
+{
+    BrowserWindow()
+    {
+        AppState &state = BenchStore::instance().store();
+        state.showSourceRoot();
+        state.selectNode(FontNode::folder(sansSerif()), 0);
+        view->resize(1400, 800);
+        view->show();
+        QApplication::processEvents();
+    }
+    std::unique_ptr<ColumnBrowserView> view = std::make_unique<ColumnBrowserView>(BenchStore::instance().store());
+};
+
+void browserOpen10kFolder(benchmark::State &state)
+{
+    BrowserWindow window;
+    SingleColumnView *second = window.view->columns().value(1);
+    const QString wide = sansSerif() + u"/Mega Family"_s;
+    if (!second || second->nodeModel()->rowOf(wide) < 0) {
+        state.SkipWithError("the wide folder is missing");
+        return;
+    }
+    const QString other = second->nodeModel()->node(second->nodeModel()->rowOf(wide) == 0 ? 1 : 0).path();
+    for (auto _ : state) {
+        clickRow(second, wide);
+        QApplication::sendPostedEvents(); // the layout the new column asks for
+        SingleColumnView *opened = window.view->columns().value(2);
+        if (!opened || opened->nodeModel()->rowCount() < 10'000) {
+            state.SkipWithError("the column did not open");
+            break;
+        }
+        opened->viewport()->repaint();
+        state.PauseTiming();
+        clickRow(second, other); // back to a small folder
+        QApplication::processEvents();
+        state.ResumeTiming();
+    }
+}
+BENCHMARK(browserOpen10kFolder)->Unit(benchmark::kMillisecond)->Iterations(10)->Repetitions(3)
+    ->ComputeStatistics("min", BenchFigures::fastest)->ReportAggregatesOnly(true);
+
+void browserPaintColumn(benchmark::State &state)
+{
+    BrowserWindow window;
+    BenchStore::instance().store().selectNode(FontNode::folder(sansSerif() + u"/Mega Family"_s), 1);
+    QApplication::processEvents();
+    SingleColumnView *column = window.view->columns().value(2);
+    if (!column || column->viewport()->height() < 700) {
+        state.SkipWithError("no full column");
+        return;
+    }
+    for (auto _ : state)
+        column->viewport()->repaint();
+}
+BENCHMARK(browserPaintColumn)->Unit(benchmark::kMillisecond)->Iterations(50)->Repetitions(3)
+    ->ComputeStatistics("min", BenchFigures::fastest)->ReportAggregatesOnly(true);
+
+void addBrowserFigures()
+{
+    BenchFigures::set("browser-open-10k-folder-ms", BenchFigures::milliseconds("browserOpen10kFolder"));
+    BenchFigures::set("browser-paint-column-ms", BenchFigures::milliseconds("browserPaintColumn"));
+}
+
+const bool registered = BenchFigures::onFinish(addBrowserFigures);
+
+} // namespace
