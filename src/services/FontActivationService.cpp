@@ -9,6 +9,7 @@
 #include <QFileInfo>
 #include <QStandardPaths>
 #include <QThread>
+#include <QtConcurrent/QtConcurrentMap>
 #include <QtConcurrent/QtConcurrentRun>
 
 #include <fontconfig/fontconfig.h>
@@ -199,17 +200,26 @@ void FontActivationService::indexLinks(const QString &folder, const FolderEntrie
 
 void FontActivationService::loadIndex()
 {
+    // Reading the folders is the kernel's work and runs side by side; the index itself
+    // is built here, in the folders' order.
+    const QList<FolderEntries> tops = QtConcurrent::blockingMapped(&m_rebuilders, m_tops, &readFolder);
+    QStringList shards;
+    for (qsizetype i = 0; i < m_tops.size(); ++i) {
+        for (const QString &shardName : tops.at(i).folders)
+            shards.append(m_tops.at(i) + u'/' + shardName);
+    }
+    const QList<FolderEntries> shardEntries = QtConcurrent::blockingMapped(&m_rebuilders, shards, &readFolder);
+
+    // A font linked twice keeps the link in a shard: links right in a top folder are
+    // from before shards were made on demand.
     QSet<QString> duplicates;
-    for (const QString &top : std::as_const(m_tops)) {
-        const FolderEntries topEntries = readFolder(top);
-        // Links right in a top folder are from before shards were made on demand.
-        indexLinks(top, topEntries, duplicates);
-        m_shardsInTop.insert(top, static_cast<int>(topEntries.folders.size()));
-        for (const QString &shardName : topEntries.folders) {
-            const QString shard = top + u'/' + shardName;
-            m_shardSize.insert(shard, m_shardSize.value(shard));
-            indexLinks(shard, readFolder(shard), duplicates);
-        }
+    for (qsizetype i = 0; i < shards.size(); ++i) {
+        m_shardSize.insert(shards.at(i), 0);
+        indexLinks(shards.at(i), shardEntries.at(i), duplicates);
+    }
+    for (qsizetype i = 0; i < m_tops.size(); ++i) {
+        indexLinks(m_tops.at(i), tops.at(i), duplicates);
+        m_shardsInTop.insert(m_tops.at(i), static_cast<int>(tops.at(i).folders.size()));
     }
     rebuildShards(duplicates);
 }

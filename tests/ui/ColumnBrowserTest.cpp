@@ -182,6 +182,14 @@ TEST_F(Browser, KeysMoveThroughColumnsAsTheStoreSays)
     press(column(0), 'l');
     EXPECT_TRUE(store.shouldFocusSidebar());
     EXPECT_EQ(path(), u"A"_s);
+
+    // The sidebar hands the keyboard back: the active column takes it.
+    store.setShouldFocusSidebar(false);
+    column(0)->clearFocus();
+    view.setFocus();
+    store.setShouldFocusBrowser(true);
+    EXPECT_EQ(QApplication::focusWidget(), column(0));
+    EXPECT_FALSE(store.shouldFocusBrowser());
 }
 
 TEST_F(Browser, ClicksSelectAndTheButtonTogglesWithoutSelecting)

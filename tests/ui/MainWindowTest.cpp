@@ -53,3 +53,27 @@ TEST(MainWindow, ShowsAFailedSaveUntilASaveSucceeds)
     EXPECT_TRUE(window.state().saveFailure().isEmpty());
     EXPECT_TRUE(QFileInfo(storage + QStringLiteral("/sources.json")).isFile());
 }
+
+// Tab reaches every control of the window, and each tells a screen reader its name.
+TEST(MainWindow, EveryControlTabReachesHasAnAccessibleName)
+{
+    const QString library = TestSupport::makeDir(TestSupport::testRoot() + QStringLiteral("/Fonts"));
+    TestSupport::writeFile(library + QStringLiteral("/Sans/a.ttf"));
+    TestSupport::writeFile(PersistenceService::defaultStorageFolder() + QStringLiteral("/sources.json"),
+                           "[{\"id\":\"6F1C1A52-0D63-4B4A-9C4E-1B2F8E3D42E2\",\"name\":\"Fonts\",\"path\":\"" +
+                               library.toUtf8() + "\"}]");
+    MainWindow window;
+    window.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !window.state().isIndexing() && !window.state().isProcessing(); }, 20'000));
+    window.activateWindow();
+    QWidget *first = window.nextInFocusChain();
+    QSet<QWidget *> seen;
+    for (QWidget *widget = first; widget && !seen.contains(widget); widget = widget->nextInFocusChain()) {
+        seen.insert(widget);
+        if (!(widget->focusPolicy() & Qt::TabFocus) || !widget->isVisibleTo(&window) || widget == &window)
+            continue;
+        EXPECT_FALSE(widget->accessibleName().isEmpty()) << widget->metaObject()->className();
+    }
+    EXPECT_GE(seen.size(), 3); // the path bar's button and the column, at least
+}
