@@ -135,14 +135,21 @@ void SingleColumnView::mouseMoveEvent(QMouseEvent *event)
 
 void SingleColumnView::contextMenuEvent(QContextMenuEvent *event)
 {
-    // A right click shows the row's menu; it selects nothing.
-    const QModelIndex index = indexAt(event->pos());
+    // A right click shows the menu of the row under the pointer and selects nothing;
+    // the menu key shows the selected row's, beside it.
+    QModelIndex index = indexAt(event->pos());
+    QPoint at = event->globalPos();
+    if (event->reason() == QContextMenuEvent::Keyboard) {
+        const std::optional<FontNode> selected = m_state.selectedNode(m_columnIndex);
+        index = selected ? m_model->index(m_model->rowOf(selected->path())) : QModelIndex();
+        at = viewport()->mapToGlobal(visualRect(index).center());
+    }
     if (!index.isValid())
         return;
     QMenu *menu = ContextMenus::buildNodeMenu(m_state, m_model->node(index.row()), this);
     // Deleted once closed: a chosen action has run by then.
     connect(menu, &QMenu::aboutToHide, menu, &QObject::deleteLater);
-    menu->popup(event->globalPos());
+    menu->popup(at);
     event->accept();
 }
 

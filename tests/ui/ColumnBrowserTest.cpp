@@ -317,6 +317,17 @@ TEST_F(Browser, TheNodeMenuIsBuiltFromTheCurrentStateAtEachRightClick)
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     EXPECT_EQ(column(0)->findChild<QMenu *>(), nullptr); // freed once closed
 
+    // The menu key opens the selected row's menu, wherever the pointer is.
+    click(0, u"c.ttf"_s);
+    QContextMenuEvent key(QContextMenuEvent::Keyboard, QPoint(1, 1), column(0)->mapToGlobal(QPoint(1, 1)));
+    QCoreApplication::sendEvent(column(0)->viewport(), &key);
+    menu = column(0)->findChild<QMenu *>();
+    ASSERT_NE(menu, nullptr);
+    EXPECT_TRUE(titles(menu).contains(u"Activate Font"_s)); // c.ttf's, not folder A's
+    menu->close();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    store.showSourceRoot();
+
     // Collections: one item each, disabled where the node is a member already.
     store.createCollection(u"Set"_s);
     store.createCollection(u"Other"_s);
