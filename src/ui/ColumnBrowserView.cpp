@@ -2,7 +2,6 @@
 
 #include "FontNodeListModel.h"
 #include "SingleColumnView.h"
-#include "Symbols.h"
 
 #include "state/AppState.h"
 
@@ -11,7 +10,6 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QScrollArea>
-#include <QScrollBar>
 #include <QTimer>
 #include <QToolButton>
 #include <QVBoxLayout>
