@@ -67,6 +67,91 @@ def write_suitcase(path, sfnt_fonts):
         target.write(header + b"\0" * (data_offset - len(header)) + data + resource_map)
 
 
+def png_square(size, rgba):
+    """A solid square PNG, made without an imaging library."""
+    import struct
+    import zlib
+
+    def chunk(kind, data):
+        return struct.pack(">I", len(data)) + kind + data + struct.pack(">I", zlib.crc32(kind + data) & 0xFFFFFFFF)
+    rows = b"".join(b"\0" + bytes(rgba) * size for _ in range(size))
+    return (b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", struct.pack(">IIBBBBB", size, size, 8, 6, 0, 0, 0))
+            + chunk(b"IDAT", zlib.compress(rows)) + chunk(b"IEND", b""))
+
+
+def empty_glyph():
+    return TTGlyphPen(None).glyph()
+
+
+def drawing_font(names, glyphs, cmap):
+    """A font of chosen glyphs (name -> glyph or None for blank), 600 units wide each."""
+    order = [".notdef"] + [name for name in glyphs if name != ".notdef"]
+    fb = FontBuilder(1000, isTTF=True)
+    fb.setupGlyphOrder(order)
+    fb.setupCharacterMap(cmap)
+    fb.setupGlyf({name: (glyphs.get(name) or empty_glyph()) if name != ".notdef" else square() for name in order})
+    # Left side bearings as the outlines have them: HarfBuzz places outlines by them.
+    glyf = fb.font["glyf"]
+    fb.setupHorizontalMetrics({name: (600, getattr(glyf[name], "xMin", 0)) for name in order})
+    fb.setupHorizontalHeader(ascent=800, descent=-200)
+    fb.setupNameTable(names)
+    fb.setupOS2(sTypoAscender=800, sTypoDescender=-200, usWinAscent=800, usWinDescent=200)
+    fb.setupPost()
+    return fb
+
+
+def outline(points):
+    pen = TTGlyphPen(None)
+    pen.moveTo(points[0])
+    for point in points[1:]:
+        pen.lineTo(point)
+    pen.closePath()
+    return pen.glyph()
+
+
+def drawing_fonts(out):
+    # Claims to be DejaVu Sans but draws every character as a filled square: a preview
+    # that shows the installed DejaVu Sans instead is drawing by name.
+    printable = {code: ("space" if code == 0x20 else "box") for code in range(0x20, 0x7F)}
+    fb = drawing_font({"familyName": "DejaVu Sans", "styleName": "Book", "fullName": "DejaVu Sans",
+                       "psName": "DejaVuSans"}, {"box": square(), "space": None}, printable)
+    fb.save(os.path.join(out, "Impostor.ttf"))
+
+    # "f" and "i" as thin bars, and a standard ligature "f_i" as one wide bar.
+    from fontTools.feaLib.builder import addOpenTypeFeaturesFromString
+    fb = drawing_font({"familyName": "Ligature Test", "styleName": "Regular", "psName": "LigatureTest"},
+                      {"f": outline([(100, 0), (100, 700), (200, 700), (200, 0)]),
+                       "i": outline([(300, 0), (300, 500), (400, 500), (400, 0)]),
+                       "f_i": outline([(50, 0), (50, 700), (550, 700), (550, 0)]),
+                       "space": None},
+                      {ord("f"): "f", ord("i"): "i", 0x20: "space"})
+    addOpenTypeFeaturesFromString(fb.font, "feature liga { sub f i by f_i; } liga;\n"
+                                           "feature smcp { sub i by f; } smcp;\n")
+    fb.save(os.path.join(out, "Ligature.ttf"))
+
+    # "A" only as a red PNG in one 64-pixel strike: no outline to draw.
+    from fontTools.ttLib.tables.sbixGlyph import Glyph as SbixGlyph
+    from fontTools.ttLib.tables.sbixStrike import Strike
+    fb = drawing_font({"familyName": "Bitmap Test", "styleName": "Regular", "psName": "BitmapTest"},
+                      {"A": None, "space": None}, {ord("A"): "A", 0x20: "space"})
+    sbix = newTable("sbix")
+    sbix.version = 1
+    sbix.flags = 1
+    strike = Strike(ppem=64, resolution=72)
+    strike.glyphs["A"] = SbixGlyph(glyphName="A", graphicType="png ", imageData=png_square(48, (255, 0, 0, 255)),
+                                   originOffsetX=0, originOffsetY=0)
+    sbix.strikes = {64: strike}
+    fb.font["sbix"] = sbix
+    fb.save(os.path.join(out, "Bitmap.ttf"))
+
+    # "A" as a blue square layer over nothing: colour comes from the palette.
+    fb = drawing_font({"familyName": "Colour Test", "styleName": "Regular", "psName": "ColourTest"},
+                      {"A": None, "layer": square()}, {ord("A"): "A"})
+    fb.setupCOLR({"A": [("layer", 0)]})
+    fb.setupCPAL([[(0.0, 0.0, 1.0, 1.0)]])
+    fb.save(os.path.join(out, "Colour.ttf"))
+
+
 def drop_names(font, name_ids):
     table = font["name"]
     table.names = [record for record in table.names if record.nameID not in name_ids]
@@ -207,6 +292,8 @@ def main(out):
     with open(os.path.join(out, "Garbage.otf"), "wb") as target:
         target.write(b"This is a text file with a font's name.\n" * 20)
     open(os.path.join(out, "Empty.ttf"), "wb").close()
+
+    drawing_fonts(out)
 
 
 if __name__ == "__main__":
