@@ -157,6 +157,8 @@ public:
     // ---- Services -------------------------------------------------------------------
     const FileSystemService &fileSystemService() const { return *m_fileSystemService; }
     FontPreviewService &previewService() { return *m_previewService; }
+    // Tests put a service with a metadata reader of their own in its place.
+    void setPreviewServiceForTesting(std::unique_ptr<FontPreviewService> service) { m_previewService = std::move(service); }
     FinderTagService &finderTagService() { return m_finderTagService; }
     // Sets a file's licence status (its tags) and tells the views, which repaint.
     void setLicenseStatus(LicenseStatus status, const QString &path);

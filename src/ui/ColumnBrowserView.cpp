@@ -1,6 +1,7 @@
 #include "ColumnBrowserView.h"
 
 #include "FontNodeListModel.h"
+#include "FontPreviewView.h"
 #include "SingleColumnView.h"
 
 #include "state/AppState.h"
@@ -161,25 +162,15 @@ void ColumnBrowserView::rebuildPreview()
     m_previewKey = key;
     delete m_preview;
     m_preview = nullptr;
+    m_rowLayout->setStretch(m_rowLayout->count() - 1, 1);
     if (!font)
         return;
-    // A plain pane with the font's name until the preview pane proper exists.
-    m_preview = new QWidget(m_row);
-    m_preview->setAccessibleName(u"Preview"_s);
+    m_preview = new FontPreviewView(m_state, *font, m_row);
     m_preview->setMinimumWidth(400);
-    m_preview->resize(480, m_preview->height());
-    auto *layout = new QVBoxLayout(m_preview);
-    auto *name = new QLabel(font->name().toString(), m_preview);
-    name->setAccessibleName(u"Font name"_s);
-    name->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    QFont heading = name->font();
-    heading.setPointSizeF(heading.pointSizeF() * 17 / 13);
-    heading.setBold(true);
-    name->setFont(heading);
-    layout->addWidget(name);
-    layout->addStretch(1);
     m_rowLayout->insertWidget(2 * static_cast<int>(m_columns.size()), m_preview, 1);
     m_preview->show();
+    // The pane takes the room the columns leave, not the trailing stretch.
+    m_rowLayout->setStretch(m_rowLayout->count() - 1, 0);
 }
 
 void ColumnBrowserView::syncColumns()

@@ -4,6 +4,7 @@
 #include <QWidget>
 
 class AppState;
+class FontPreviewView;
 class QFrame;
 class QHBoxLayout;
 class QLabel;
@@ -23,7 +24,7 @@ public:
     explicit ColumnBrowserView(AppState &state, QWidget *parent = nullptr);
 
     QList<SingleColumnView *> columns() const;
-    QWidget *previewPane() const { return m_preview; }
+    FontPreviewView *previewPane() const { return m_preview; }
     QScrollArea *scrollArea() const { return m_scroll; }
     QWidget *breadcrumbBar() const { return m_breadcrumb; }
 
@@ -50,6 +51,6 @@ private:
     QWidget *m_row = nullptr;
     QHBoxLayout *m_rowLayout = nullptr;
     QList<Column> m_columns;
-    QWidget *m_preview = nullptr;
+    FontPreviewView *m_preview = nullptr;
     QString m_previewKey;
 };

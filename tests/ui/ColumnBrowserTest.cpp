@@ -11,6 +11,7 @@
 #include "ui/ContextMenus.h"
 #include "ui/FontNodeListModel.h"
 #include "ui/FontNodeRow.h"
+#include "ui/FontPreviewView.h"
 #include "ui/SingleColumnView.h"
 #include "ui/Symbols.h"
 
