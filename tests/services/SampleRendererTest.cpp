@@ -1,6 +1,7 @@
 // The sample renderer on real fonts: the packaged DejaVu and Inter, and generated fonts
 // with a known drawing. Pixels are checked by their properties (where the ink is, how
 // much of it), never against stored images.
+#include "InkMeasure.h"
 #include "TestSupport.h"
 
 #include "services/SampleRenderer.h"
@@ -36,39 +37,6 @@ QImage render(SampleRenderer &renderer, const QString &text, double pixelSize)
     return image;
 }
 
-// How dark the image is in all: the sum of every pixel's darkness.
-qint64 inkMass(const QImage &image)
-{
-    qint64 mass = 0;
-    for (int y = 0; y < image.height(); ++y) {
-        for (int x = 0; x < image.width(); ++x)
-            mass += 255 - qGray(image.pixel(x, y));
-    }
-    return mass;
-}
-
-QRect inkBox(const QImage &image, const std::function<bool(QRgb)> &isInk = [](QRgb p) { return qGray(p) < 128; })
-{
-    QRect box;
-    for (int y = 0; y < image.height(); ++y) {
-        for (int x = 0; x < image.width(); ++x) {
-            if (isInk(image.pixel(x, y)))
-                box |= QRect(x, y, 1, 1);
-        }
-    }
-    return box;
-}
-
-double inkShare(const QImage &image, const QRect &box)
-{
-    int ink = 0;
-    for (int y = box.top(); y <= box.bottom(); ++y) {
-        for (int x = box.left(); x <= box.right(); ++x)
-            ink += qGray(image.pixel(x, y)) < 128;
-    }
-    return box.isEmpty() ? 0 : double(ink) / (box.width() * box.height());
-}
-
 } // namespace
 
 TEST(SampleRenderer, DrawsTheFileItWasGivenNotAnInstalledFontOfTheSameName)
@@ -79,14 +47,14 @@ TEST(SampleRenderer, DrawsTheFileItWasGivenNotAnInstalledFontOfTheSameName)
     ASSERT_TRUE(impostor && dejaVu);
     const QImage square = render(*impostor, u"o"_s, 100);
     const QImage letter = render(*dejaVu, u"o"_s, 100);
-    const QRect squareBox = inkBox(square);
-    const QRect letterBox = inkBox(letter);
+    const QRect squareBox = InkMeasure::box(square);
+    const QRect letterBox = InkMeasure::box(letter);
     ASSERT_FALSE(squareBox.isEmpty());
     ASSERT_FALSE(letterBox.isEmpty());
-    EXPECT_GT(inkShare(square, squareBox), 0.95);
-    EXPECT_TRUE(qGray(square.pixel(squareBox.center())) < 128) << "a square is solid in the middle";
-    EXPECT_LT(inkShare(letter, letterBox), 0.6);
-    EXPECT_TRUE(qGray(letter.pixel(letterBox.center())) > 128) << "an o is hollow";
+    EXPECT_GT(InkMeasure::share(square, squareBox), 0.95);
+    EXPECT_TRUE(InkMeasure::isDark(square.pixel(squareBox.center()))) << "a square is solid in the middle";
+    EXPECT_LT(InkMeasure::share(letter, letterBox), 0.6);
+    EXPECT_FALSE(InkMeasure::isDark(letter.pixel(letterBox.center()))) << "an o is hollow";
     // 400 by 700 units at 100 pixels to the em.
     EXPECT_NEAR(squareBox.width(), 40, 2);
     EXPECT_NEAR(squareBox.height(), 70, 2);
@@ -104,9 +72,9 @@ TEST(SampleRenderer, WeightAxisChangesTheInkAndTheDefaultsReturnIt)
     inter->setVariations({{tag("wght"), 900}});
     const QImage black = render(*inter, text, 48);
     const double blackWidth = inter->layout(text).value(0).width;
-    EXPECT_GT(inkMass(black), 2 * inkMass(thin));
-    EXPECT_GT(inkMass(regular), inkMass(thin));
-    EXPECT_LT(inkMass(regular), inkMass(black));
+    EXPECT_GT(InkMeasure::mass(black), 2 * InkMeasure::mass(thin));
+    EXPECT_GT(InkMeasure::mass(regular), InkMeasure::mass(thin));
+    EXPECT_LT(InkMeasure::mass(regular), InkMeasure::mass(black));
     // Advances follow the axis too: black letters are wider.
     EXPECT_GT(blackWidth, thinWidth * 1.05);
     inter->setVariations({});
@@ -153,12 +121,12 @@ TEST(SampleRenderer, FeatureTogglesChangeTheShapedGlyphs)
     EXPECT_EQ(small.glyphs.at(0).glyph, small.glyphs.at(1).glyph);
     // The pixels follow: the ligature is one wide bar, apart they are two thin ones.
     font->setFeatures({});
-    const QRect together = inkBox(render(*font, u"fi"_s, 100));
+    const QRect together = InkMeasure::box(render(*font, u"fi"_s, 100));
     font->setFeatures({{tag("liga"), false}});
     const QImage twoBars = render(*font, u"fi"_s, 100);
     EXPECT_NEAR(together.width(), 50, 2);
-    EXPECT_GT(inkBox(twoBars).width(), 80);
-    EXPECT_LT(inkShare(twoBars, inkBox(twoBars)), 0.5);
+    EXPECT_GT(InkMeasure::box(twoBars).width(), 80);
+    EXPECT_LT(InkMeasure::share(twoBars, InkMeasure::box(twoBars)), 0.5);
 }
 
 TEST(SampleRenderer, ShapesComplexScriptsAndBreaksLinesAtSpaces)
@@ -202,12 +170,12 @@ TEST(SampleRenderer, ColourLayersAndBitmapGlyphsAreDrawn)
     // A glyph with only a PNG: FreeType rasterises it, scaled to the size wanted.
     const auto bitmap = openFont(testFont(u"Bitmap.ttf"_s));
     ASSERT_TRUE(bitmap);
-    const QRect red = inkBox(render(*bitmap, u"A"_s, 100), isRed);
+    const QRect red = InkMeasure::box(render(*bitmap, u"A"_s, 100), isRed);
     EXPECT_NEAR(red.width(), 75, 2) << "a 48-pixel image of the 64-pixel strike, drawn at 100";
     // A colour glyph: its layer in the palette's blue, whatever the text colour.
     const auto colour = openFont(testFont(u"Colour.ttf"_s));
     ASSERT_TRUE(colour);
-    const QRect blue = inkBox(render(*colour, u"A"_s, 100), isBlue);
+    const QRect blue = InkMeasure::box(render(*colour, u"A"_s, 100), isBlue);
     EXPECT_NEAR(blue.width(), 40, 2);
     EXPECT_NEAR(blue.height(), 70, 2);
 }
@@ -224,5 +192,5 @@ TEST(SampleRenderer, FilesThatAreNotFontsGiveNoRendererAndBrokenOnesDoNotCrash)
     // A suitcase's first face is drawn.
     const auto suitcase = openFont(testFont(u"Pair.dfont"_s));
     ASSERT_TRUE(suitcase);
-    EXPECT_FALSE(inkBox(render(*suitcase, u"AB"_s, 40)).isEmpty());
+    EXPECT_FALSE(InkMeasure::box(render(*suitcase, u"AB"_s, 40)).isEmpty());
 }

@@ -2,6 +2,7 @@
 // rows' rectangles, the activation button, the breadcrumb; the store and the view are
 // checked after each step.
 #include "TestSupport.h"
+#include "ViewTestSupport.h"
 
 #include "services/FontActivating.h"
 #include "services/PersistenceService.h"
@@ -32,14 +33,6 @@ using namespace TestSupport;
 
 namespace {
 
-// Activation that always succeeds, remembering nothing: the view's concern is the store.
-class InstantActivation : public FontActivating
-{
-public:
-    bool activateFont(const QString &) override { return true; }
-    bool deactivateFont(const QString &) override { return true; }
-};
-
 class Browser : public testing::Test
 {
 protected:
@@ -47,14 +40,7 @@ protected:
     {
         for (const QString &file : {u"A/a1.ttf"_s, u"A/a2.ttf"_s, u"A/Sub/s.ttf"_s, u"B/b.ttf"_s, u"c.ttf"_s})
             writeFile(library + u'/' + file);
-        const FolderSource source{QUuid::createUuid(), library, u"Library"_s};
-        store.setSourcesForTesting({source});
-        store.setSidebarSelection(SidebarItem(source));
-        auto service = std::make_shared<FileSystemService>();
-        service->insertPreScannedRoot(library);
-        service->deepScan(library);
-        service->freeze();
-        store.installLibrary(service, {});
+        showFolderAsSource(store, library);
         view.resize(1000, 400);
         view.show();
         EXPECT_TRUE(QTest::qWaitForWindowExposed(&view));

@@ -2,7 +2,9 @@
 // font's row, typing in the text field, keys on the sliders, clicks on buttons and
 // check boxes. The sample's pixels are checked by their properties: where the ink is
 // and how much of it there is.
+#include "InkMeasure.h"
 #include "TestSupport.h"
+#include "ViewTestSupport.h"
 
 #include "services/FontActivating.h"
 #include "services/PersistenceService.h"
@@ -17,7 +19,9 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QLabel>
+#include <QClipboard>
 #include <QLineEdit>
+#include <QMouseEvent>
 #include <QPushButton>
 #include <QScrollBar>
 #include <QSemaphore>
@@ -33,48 +37,7 @@ using namespace TestSupport;
 
 namespace {
 
-class InstantActivation : public FontActivating
-{
-public:
-    bool activateFont(const QString &) override { return true; }
-    bool deactivateFont(const QString &) override { return true; }
-};
-
 QString testFont(const QString &name) { return QStringLiteral(MORVANE_TEST_FONTS) + u'/' + name; }
-
-int darkness(QRgb pixel) { return 255 - qGray(pixel); }
-
-qint64 inkMass(const QImage &image)
-{
-    qint64 mass = 0;
-    for (int y = 0; y < image.height(); ++y) {
-        for (int x = 0; x < image.width(); ++x)
-            mass += darkness(image.pixel(x, y)) > 128 ? darkness(image.pixel(x, y)) : 0; // not the box's border
-    }
-    return mass;
-}
-
-QRect inkBox(const QImage &image)
-{
-    QRect box;
-    for (int y = 0; y < image.height(); ++y) {
-        for (int x = 0; x < image.width(); ++x) {
-            if (darkness(image.pixel(x, y)) > 128)
-                box |= QRect(x, y, 1, 1);
-        }
-    }
-    return box;
-}
-
-double inkShare(const QImage &image, const QRect &box)
-{
-    int ink = 0;
-    for (int y = box.top(); y <= box.bottom(); ++y) {
-        for (int x = box.left(); x <= box.right(); ++x)
-            ink += darkness(image.pixel(x, y)) > 128;
-    }
-    return box.isEmpty() ? 0 : double(ink) / (box.width() * box.height());
-}
 
 // Rows of the image with ink, as runs: [first row, row after the last).
 QList<std::pair<int, int>> inkRuns(const QImage &image)
@@ -83,7 +46,7 @@ QList<std::pair<int, int>> inkRuns(const QImage &image)
     for (int y = 0; y < image.height(); ++y) {
         bool ink = false;
         for (int x = 0; x < image.width() && !ink; ++x)
-            ink = darkness(image.pixel(x, y)) > 128;
+            ink = InkMeasure::isDark(image.pixel(x, y));
         if (ink && (runs.isEmpty() || runs.constLast().second != y))
             runs.append({y, y + 1});
         else if (ink)
@@ -106,14 +69,7 @@ protected:
                  {testFont(u"Ligature.ttf"_s), u"Ligature.ttf"_s},
                  {testFont(u"Garbage.otf"_s), u"Broken.ttf"_s}})
             EXPECT_TRUE(QFile::copy(from, library + u'/' + name)) << name.toStdString();
-        const FolderSource source{QUuid::createUuid(), library, u"Library"_s};
-        store.setSourcesForTesting({source});
-        store.setSidebarSelection(SidebarItem(source));
-        auto service = std::make_shared<FileSystemService>();
-        service->insertPreScannedRoot(library);
-        service->deepScan(library);
-        service->freeze();
-        store.installLibrary(service, {});
+        showFolderAsSource(store, library);
         view.resize(1400, 1000);
         view.show();
         EXPECT_TRUE(QTest::qWaitForWindowExposed(&view));
@@ -211,17 +167,17 @@ TEST_F(Preview, DrawsTheSelectedFileNotAnInstalledFontOfTheSameName)
     typeText(u"o"_s);
     EXPECT_EQ(store.previewText(), u"o"_s);
     const QImage square = sample();
-    const QRect squareBox = inkBox(square);
+    const QRect squareBox = InkMeasure::box(square);
     ASSERT_FALSE(squareBox.isEmpty());
-    EXPECT_GT(inkShare(square, squareBox), 0.9) << "the impostor's o is a filled square";
+    EXPECT_GT(InkMeasure::share(square, squareBox), 0.9) << "the impostor's o is a filled square";
 
     // The real DejaVu Sans beside it draws a hollow o.
     ASSERT_TRUE(open(u"DejaVuSans.ttf"_s));
     const QImage letter = sample();
-    const QRect letterBox = inkBox(letter);
+    const QRect letterBox = InkMeasure::box(letter);
     ASSERT_FALSE(letterBox.isEmpty());
-    EXPECT_LT(inkShare(letter, letterBox), 0.6);
-    EXPECT_LT(darkness(letter.pixel(letterBox.center())), 128);
+    EXPECT_LT(InkMeasure::share(letter, letterBox), 0.6);
+    EXPECT_FALSE(InkMeasure::isDark(letter.pixel(letterBox.center())));
 
     // The activation button toggles this font.
     QPushButton *button = named<QPushButton>(u"Activate"_s);
@@ -239,15 +195,15 @@ TEST_F(Preview, AxisSlidersRedrawAtOnceAndResetReturnsTheDefaults)
     ASSERT_TRUE(weight);
     EXPECT_EQ(named<QLabel>(u"Weight value"_s)->text(), u"400.0"_s);
     const QImage regular = sample();
-    const qint64 regularInk = inkMass(regular);
+    const qint64 regularInk = InkMeasure::mass(regular);
 
     key(weight, Qt::Key_End);
     EXPECT_EQ(named<QLabel>(u"Weight value"_s)->text(), u"900.0"_s);
     EXPECT_EQ(view.previewPane()->axisValues().value(0x77676874), 900.0); // 'wght'
-    EXPECT_GT(inkMass(sample()), regularInk * 13 / 10);
+    EXPECT_GT(InkMeasure::mass(sample()), regularInk * 13 / 10);
     key(weight, Qt::Key_Home);
     EXPECT_EQ(named<QLabel>(u"Weight value"_s)->text(), u"100.0"_s);
-    EXPECT_LT(inkMass(sample()), regularInk * 8 / 10);
+    EXPECT_LT(InkMeasure::mass(sample()), regularInk * 8 / 10);
 
     QTest::mouseClick(named<QPushButton>(u"Reset to Defaults"_s), Qt::LeftButton);
     EXPECT_EQ(named<QLabel>(u"Weight value"_s)->text(), u"400.0"_s);
@@ -291,13 +247,13 @@ TEST_F(Preview, FeatureTogglesChangeTheSample)
     EXPECT_TRUE(liga->isChecked());
     EXPECT_FALSE(smcp->isChecked());
     const QImage joined = sample();
-    EXPECT_GT(inkShare(joined, inkBox(joined)), 0.9) << "one wide bar";
+    EXPECT_GT(InkMeasure::share(joined, InkMeasure::box(joined)), 0.9) << "one wide bar";
 
     toggle(liga);
     EXPECT_FALSE(liga->isChecked());
     const QImage apart = sample();
-    EXPECT_GT(inkBox(apart).width(), inkBox(joined).width());
-    EXPECT_LT(inkShare(apart, inkBox(apart)), 0.5) << "two thin bars with a gap";
+    EXPECT_GT(InkMeasure::box(apart).width(), InkMeasure::box(joined).width());
+    EXPECT_LT(InkMeasure::share(apart, InkMeasure::box(apart)), 0.5) << "two thin bars with a gap";
     toggle(liga);
     EXPECT_EQ(sample(), joined);
 }
@@ -444,4 +400,36 @@ TEST_F(Preview, EveryControlHasAnAccessibleNameAndTheTabChainReachesThem)
     }
     EXPECT_TRUE(visited.contains(u"Preview size"_s)) << visited.join(u", "_s).toStdString();
     EXPECT_TRUE(visited.contains(u"Weight"_s)) << visited.join(u", "_s).toStdString();
+}
+
+TEST_F(Preview, TheSampleCanBeSelectedAndCopied)
+{
+    ASSERT_TRUE(open(u"DejaVuSans.ttf"_s));
+    typeText(u"Hello world"_s);
+    SampleView *sample = view.previewPane()->sample();
+    sample->grab(); // laid out at its size
+    // A drag from the start into the middle of the first word, then over everything.
+    const int middle = SampleView::kPadding + qRound(sample->pixelsFor(36) * 1.5);
+    const int baseline = SampleView::kPadding + qRound(sample->pixelsFor(36) * 0.5);
+    QTest::mousePress(sample, Qt::LeftButton, {}, QPoint(SampleView::kPadding + 1, baseline));
+    QMouseEvent move(QEvent::MouseMove, QPointF(middle, baseline), sample->mapToGlobal(QPointF(middle, baseline)),
+                     Qt::NoButton, Qt::LeftButton, {});
+    QCoreApplication::sendEvent(sample, &move);
+    QTest::mouseRelease(sample, Qt::LeftButton, {}, QPoint(middle, baseline));
+    const QString part = sample->selectedText();
+    EXPECT_TRUE(u"Hello"_s.startsWith(part) && part.size() >= 2) << part.toStdString();
+    QTest::keyClick(sample, Qt::Key_C, Qt::ControlModifier);
+    EXPECT_EQ(QGuiApplication::clipboard()->text(), part);
+    QTest::keyClick(sample, Qt::Key_A, Qt::ControlModifier);
+    EXPECT_EQ(sample->selectedText(), u"Hello world"_s);
+    // The selection shows as highlight behind the ink.
+    const QImage selected = sample->grab().toImage();
+    const QColor highlight = sample->palette().color(QPalette::Highlight);
+    bool tinted = false;
+    for (int x = SampleView::kPadding; x < selected.width() / 2 && !tinted; ++x) {
+        const QColor pixel = selected.pixelColor(x, SampleView::kPadding + 2);
+        tinted = pixel != sample->palette().color(QPalette::Base)
+                 && qAbs(pixel.hueF() - highlight.hueF()) < 0.05;
+    }
+    EXPECT_TRUE(tinted);
 }
