@@ -323,6 +323,15 @@ void FontPreviewView::applyFeatures()
     m_characters->relayout();
 }
 
+void FontPreviewView::changeEvent(QEvent *event)
+{
+    QScrollArea::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange && m_activate) {
+        m_activate->setIcon({}); // drawn again in the new palette's green
+        syncActivation();
+    }
+}
+
 void FontPreviewView::syncActivation()
 {
     const bool active = m_state.activationState(m_fontNode) == ActivationState::Active;

@@ -53,6 +53,9 @@ Q_SIGNALS:
     // The metadata request ended (with or without metadata) and the pane shows it.
     void loaded();
 
+protected:
+    void changeEvent(QEvent *event) override;
+
 private:
     QWidget *buildMetadataSection();
     QWidget *buildPreviewSection();

@@ -2,6 +2,7 @@
 
 #include "Symbols.h"
 
+#include <QEvent>
 #include <QLabel>
 
 namespace TextStyles {
@@ -19,11 +20,40 @@ QFont title2(const QFont &base)
     return font;
 }
 
+namespace {
+
+// Keeps a label's text at the secondary colour of the palette it would inherit, when
+// the desktop switches between light and dark.
+class SecondaryColour : public QObject
+{
+public:
+    using QObject::QObject;
+    static void refresh(QLabel *label)
+    {
+        const QPalette inherited = label->parentWidget() ? label->parentWidget()->palette() : QPalette();
+        const QColor colour = Symbols::secondary(inherited);
+        QPalette palette = label->palette();
+        if (palette.color(QPalette::WindowText) == colour)
+            return; // also ends the change event that setting it sends
+        palette.setColor(QPalette::WindowText, colour);
+        label->setPalette(palette);
+    }
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override
+    {
+        if (event->type() == QEvent::PaletteChange || event->type() == QEvent::ParentChange)
+            refresh(static_cast<QLabel *>(watched));
+        return false;
+    }
+};
+
+} // namespace
+
 void applySecondary(QLabel *label)
 {
-    QPalette palette = label->palette();
-    palette.setColor(QPalette::WindowText, Symbols::secondary(palette));
-    label->setPalette(palette);
+    SecondaryColour::refresh(label);
+    label->installEventFilter(new SecondaryColour(label));
 }
 
 void applyCaption(QLabel *label)

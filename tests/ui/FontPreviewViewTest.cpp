@@ -433,3 +433,36 @@ TEST_F(Preview, TheSampleCanBeSelectedAndCopied)
     }
     EXPECT_TRUE(tinted);
 }
+
+TEST_F(Preview, FollowsADarkPalette)
+{
+    ASSERT_TRUE(open(u"DejaVuSans.ttf"_s));
+    QPalette dark;
+    dark.setColor(QPalette::Window, QColor(30, 30, 30));
+    dark.setColor(QPalette::WindowText, QColor(235, 235, 235));
+    dark.setColor(QPalette::Base, QColor(20, 20, 20));
+    dark.setColor(QPalette::Text, QColor(235, 235, 235));
+    view.setPalette(dark);
+    // The row titles are secondary text: light on dark, not the light palette's grey.
+    QLabel *title = nullptr;
+    for (QLabel *label : view.previewPane()->findChildren<QLabel *>()) {
+        if (label->text() == u"Family"_s && label->buddy())
+            title = label;
+    }
+    ASSERT_TRUE(title);
+    EXPECT_GT(title->palette().color(QPalette::WindowText).lightness(), 128);
+    // The sample: light ink on the dark base.
+    const QImage image = sample();
+    const QRect inner = image.rect().adjusted(4, 4, -4, -4);
+    int light = 0;
+    int darkPixels = 0;
+    for (int y = inner.top(); y <= inner.bottom(); y += 2) {
+        for (int x = inner.left(); x <= inner.right(); x += 2) {
+            const int grey = qGray(image.pixel(x, y));
+            light += grey > 200;
+            darkPixels += grey < 40;
+        }
+    }
+    EXPECT_GT(light, 50);
+    EXPECT_GT(darkPixels, light) << "the background stays dark";
+}
