@@ -100,4 +100,36 @@ QMenu *buildSourceMenu(AppState &state, const FolderSource &source, QWidget *par
     return menu;
 }
 
+QMenu *buildCollectionMenu(AppState &state, const FontCollection &collection, QWidget *parent,
+                           const std::function<void()> &rename, const std::function<void()> &pickIcon)
+{
+    auto *menu = new QMenu(parent);
+    menu->setAccessibleName(collection.name);
+    QObject::connect(menu->addAction(u"Rename"_s), &QAction::triggered, menu, rename);
+    QObject::connect(menu->addAction(u"Set Custom Icon…"_s), &QAction::triggered, menu, pickIcon);
+    QAction *removeIcon = menu->addAction(u"Remove Custom Icon"_s);
+    removeIcon->setEnabled(collection.iconPath.has_value());
+    const QUuid id = collection.id;
+    QObject::connect(removeIcon, &QAction::triggered, menu, [&state, id] { state.setCollectionIcon(id, std::nullopt); });
+    menu->addSeparator();
+    QObject::connect(menu->addAction(u"Delete Collection"_s), &QAction::triggered, menu,
+                     [&state, collection] { state.deleteCollection(collection); });
+    return menu;
+}
+
+QMenu *buildMemberMenu(AppState &state, const CollectionMember &member, const QUuid &collectionId, QWidget *parent)
+{
+    auto *menu = new QMenu(parent);
+    menu->setAccessibleName(QFileInfo(member.path).fileName());
+    const QString path = member.path;
+    QObject::connect(menu->addAction(u"Show in File Manager"_s), &QAction::triggered, menu,
+                     [path] { revealInFileManager(path); });
+    menu->addSeparator();
+    addLicenseMenu(menu, state, path);
+    menu->addSeparator();
+    QObject::connect(menu->addAction(u"Remove from Collection"_s), &QAction::triggered, menu,
+                     [&state, member, collectionId] { state.removeFromCollection(collectionId, member); });
+    return menu;
+}
+
 } // namespace ContextMenus

@@ -1,10 +1,13 @@
 #pragma once
 
+#include "model/CollectionRecords.h"
 #include "model/FolderSource.h"
 #include "model/FontNode.h"
 
 #include <QDBusConnection>
 #include <QString>
+
+#include <functional>
 
 class AppState;
 class QMenu;
@@ -19,6 +22,12 @@ namespace ContextMenus {
 QMenu *buildNodeMenu(AppState &state, const FontNode &node, QWidget *parent);
 // For a source row of the sidebar.
 QMenu *buildSourceMenu(AppState &state, const FolderSource &source, QWidget *parent);
+// For a collection row of the sidebar; "Rename" and "Set Custom Icon…" call back the
+// view, which edits the row or asks for the file.
+QMenu *buildCollectionMenu(AppState &state, const FontCollection &collection, QWidget *parent,
+                           const std::function<void()> &rename, const std::function<void()> &pickIcon);
+// For a member row of the collection view.
+QMenu *buildMemberMenu(AppState &state, const CollectionMember &member, const QUuid &collectionId, QWidget *parent);
 // "License Status" with one checkable item per status, the file's current one checked.
 void addLicenseMenu(QMenu *menu, AppState &state, const QString &path);
 

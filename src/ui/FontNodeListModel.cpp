@@ -1,5 +1,7 @@
 #include "FontNodeListModel.h"
 
+#include "Drops.h"
+
 #include "state/AppState.h"
 
 #include <QMimeData>
@@ -107,21 +109,12 @@ QStringList FontNodeListModel::mimeTypes() const
 
 QMimeData *FontNodeListModel::mimeData(const QModelIndexList &indexes) const
 {
-    QList<QUrl> urls;
     QStringList paths;
     for (const QModelIndex &index : indexes) {
-        if (!index.isValid())
-            continue;
-        const QString path = m_nodes.at(index.row()).path();
-        urls.append(QUrl::fromLocalFile(path));
-        paths.append(path);
+        if (index.isValid())
+            paths.append(m_nodes.at(index.row()).path());
     }
-    if (urls.isEmpty())
-        return nullptr;
-    auto *data = new QMimeData;
-    data->setUrls(urls);
-    data->setText(paths.join(u'\n'));
-    return data;
+    return Drops::filesData(paths);
 }
 
 Qt::DropActions FontNodeListModel::supportedDragActions() const

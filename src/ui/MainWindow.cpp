@@ -1,12 +1,16 @@
 #include "MainWindow.h"
 
+#include "CollectionView.h"
 #include "ColumnBrowserView.h"
+#include "SourceListView.h"
 
 #include "services/FontActivationService.h"
 #include "services/PersistenceService.h"
 #include "state/AppState.h"
 
 #include <QLabel>
+#include <QSplitter>
+#include <QStackedWidget>
 #include <QStatusBar>
 #include <QVBoxLayout>
 
@@ -30,10 +34,28 @@ MainWindow::MainWindow(QWidget *parent)
     m_saveFailure->setStyleSheet(u"QLabel { background: #fde2e1; color: #5c1a16; padding: 8px 12px; }"_s);
     m_saveFailure->hide();
     layout->addWidget(m_saveFailure);
-    // The browser of the selected source (the store selects the first one at start).
-    m_browser = new ColumnBrowserView(*m_state, central);
-    layout->addWidget(m_browser, 1);
+    // The sidebar, then the selected source's browser or the selected collection's view.
+    auto *split = new QSplitter(Qt::Horizontal, central);
+    split->setChildrenCollapsible(false);
+    m_sidebar = new SourceListView(*m_state, split);
+    m_detail = new QStackedWidget(split);
+    m_browser = new ColumnBrowserView(*m_state, m_detail);
+    m_detail->addWidget(m_browser);
+    split->addWidget(m_sidebar);
+    split->addWidget(m_detail);
+    split->setStretchFactor(1, 1);
+    split->setSizes({220, 880});
+    layout->addWidget(split, 1);
     setCentralWidget(central);
+    connect(m_state.get(), &AppState::sidebarSelectionChanged, this, &MainWindow::showSelection);
+    connect(m_sidebar, &SourceListView::collectionFocusRequested, this, [this] {
+        if (!m_collection)
+            return;
+        CollectionMemberList *list = m_collection->memberList();
+        if (!list->currentIndex().isValid() && list->model()->rowCount() > 0)
+            list->setCurrentIndex(list->model()->index(0, 0));
+        list->setFocus(Qt::OtherFocusReason);
+    });
     m_status = new QLabel(this);
     m_status->setAccessibleName(u"Status"_s);
     statusBar()->addWidget(m_status, 1);
@@ -72,6 +94,24 @@ void MainWindow::bringToFront()
     show();
     raise();
     activateWindow();
+}
+
+void MainWindow::showSelection()
+{
+    const std::optional<SidebarItem> &selection = m_state->sidebarSelection();
+    const FontCollection *collection = selection ? selection->collection() : nullptr;
+    if (!collection) {
+        delete m_collection;
+        m_collection = nullptr;
+        m_detail->setCurrentWidget(m_browser);
+        return;
+    }
+    if (m_collection && m_collection->collectionId() == collection->id)
+        return;
+    delete m_collection;
+    m_collection = new CollectionView(*m_state, collection->id, m_detail);
+    m_detail->addWidget(m_collection);
+    m_detail->setCurrentWidget(m_collection);
 }
 
 void MainWindow::updateStatus()

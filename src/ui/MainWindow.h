@@ -5,7 +5,10 @@
 #include <memory>
 
 class AppState;
+class CollectionView;
 class ColumnBrowserView;
+class QStackedWidget;
+class SourceListView;
 class FontActivationService;
 class PersistenceService;
 class QLabel;
@@ -22,6 +25,9 @@ public:
 
     AppState &state() { return *m_state; }
     ColumnBrowserView &browser() { return *m_browser; }
+    SourceListView &sidebar() { return *m_sidebar; }
+    // The selected collection's view; none while a source is selected.
+    CollectionView *collectionView() const { return m_collection; }
     // A second start of Morvane asked for this window.
     void bringToFront();
 
@@ -30,6 +36,7 @@ protected:
 
 private:
     void updateStatus();
+    void showSelection();
     void updateSaveFailure();
 
     std::unique_ptr<FontActivationService> m_activation;
@@ -38,4 +45,7 @@ private:
     QLabel *m_status = nullptr;
     QLabel *m_saveFailure = nullptr;
     ColumnBrowserView *m_browser = nullptr;
+    SourceListView *m_sidebar = nullptr;
+    QStackedWidget *m_detail = nullptr;
+    CollectionView *m_collection = nullptr;
 };

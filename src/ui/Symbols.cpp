@@ -1,5 +1,7 @@
 #include "Symbols.h"
 
+#include <cmath>
+
 #include <QPainter>
 #include <QPainterPath>
 
@@ -137,6 +139,79 @@ void drawChevron(QPainter &painter, const QRectF &box, const QColor &colour)
     chevron.lineTo(c.x() - s * 0.15, c.y() + s * 0.35);
     painter.drawPath(chevron);
     painter.restore();
+}
+
+void drawArchiveBox(QPainter &painter, const QRectF &box, const QColor &colour)
+{
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    const QRectF lid(box.left() + box.width() * 0.05, box.top() + box.height() * 0.18, box.width() * 0.9,
+                     box.height() * 0.2);
+    const QRectF body(box.left() + box.width() * 0.12, lid.bottom() + box.height() * 0.04, box.width() * 0.76,
+                      box.bottom() - lid.bottom() - box.height() * 0.14);
+    QPainterPath shape;
+    shape.addRoundedRect(lid, box.width() * 0.06, box.width() * 0.06);
+    shape.addRoundedRect(body, box.width() * 0.08, box.width() * 0.08);
+    // The handle is cut out of the body.
+    QPainterPath handle;
+    const qreal handleHeight = box.height() * 0.08;
+    handle.addRoundedRect(QRectF(box.center().x() - box.width() * 0.16, body.top() + box.height() * 0.1,
+                                 box.width() * 0.32, handleHeight),
+                          handleHeight / 2, handleHeight / 2);
+    painter.fillPath(shape.subtracted(handle), colour);
+    painter.restore();
+}
+
+void drawStar(QPainter &painter, const QRectF &box, const QColor &colour)
+{
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    const QPointF centre = box.center() + QPointF(0, box.height() * 0.04);
+    const qreal outer = std::min(box.width(), box.height()) * 0.5;
+    const qreal inner = outer * 0.45;
+    QPolygonF star;
+    for (int i = 0; i < 10; ++i) {
+        const qreal angle = -M_PI / 2 + i * M_PI / 5;
+        const qreal radius = i % 2 == 0 ? outer : inner;
+        star << centre + QPointF(std::cos(angle) * radius, std::sin(angle) * radius);
+    }
+    QPainterPath shape;
+    shape.addPolygon(star);
+    shape.closeSubpath();
+    painter.fillPath(shape, colour);
+    painter.restore();
+}
+
+void drawStack(QPainter &painter, const QRectF &box, const QColor &colour)
+{
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    const qreal w = box.width();
+    const qreal h = box.height();
+    // Three flattened diamonds, the top one solid, the ones below as their visible rims.
+    for (int layer = 2; layer >= 0; --layer) {
+        const qreal top = box.top() + h * (0.08 + 0.17 * layer);
+        QPolygonF diamond;
+        diamond << QPointF(box.left() + w * 0.5, top) << QPointF(box.right() - w * 0.04, top + h * 0.24)
+                << QPointF(box.left() + w * 0.5, top + h * 0.48) << QPointF(box.left() + w * 0.04, top + h * 0.24);
+        QPainterPath shape;
+        shape.addPolygon(diamond);
+        shape.closeSubpath();
+        QColor fill = colour;
+        fill.setAlphaF(colour.alphaF() * (layer == 0 ? 1.0 : layer == 1 ? 0.7 : 0.45));
+        painter.fillPath(shape, fill);
+    }
+    painter.restore();
+}
+
+QColor amber()
+{
+    return QColor::fromRgbF(1.0f, 0.624f, 0.043f);
+}
+
+QColor purple(const QPalette &palette)
+{
+    return isDark(palette) ? QColor(191, 90, 242) : QColor(175, 82, 222);
 }
 
 } // namespace Symbols

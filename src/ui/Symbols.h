@@ -29,5 +29,13 @@ void drawActivation(QPainter &painter, const QRectF &box, ActivationState state,
 void drawFolder(QPainter &painter, const QRectF &box, const QColor &colour);
 void drawFontFile(QPainter &painter, const QRectF &box, const QColor &colour);
 void drawChevron(QPainter &painter, const QRectF &box, const QColor &colour);
+// A closed archive box: a source's folder.
+void drawArchiveBox(QPainter &painter, const QRectF &box, const QColor &colour);
+// A five-pointed star, filled: the "Favorites" collection.
+void drawStar(QPainter &painter, const QRectF &box, const QColor &colour);
+// Three stacked layers: any other collection.
+void drawStack(QPainter &painter, const QRectF &box, const QColor &colour);
+QColor amber();  // the star's colour
+QColor purple(const QPalette &palette);
 
 } // namespace Symbols

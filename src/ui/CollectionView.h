@@ -1,0 +1,71 @@
+#pragma once
+
+#include <QListView>
+#include <QUuid>
+#include <QWidget>
+
+class AppState;
+class CollectionMemberModel;
+class FontPreviewView;
+class QLabel;
+class QPushButton;
+class QStackedWidget;
+
+// The members' list of a collection view: keys and clicks on members.
+class CollectionMemberList : public QListView
+{
+    Q_OBJECT
+
+public:
+    CollectionMemberList(AppState &state, QUuid collectionId, QWidget *parent = nullptr);
+    CollectionMemberModel *memberModel() const { return m_model; }
+
+protected:
+    void keyPressEvent(QKeyEvent *event) override;
+    void mousePressEvent(QMouseEvent *event) override;
+    void mouseDoubleClickEvent(QMouseEvent *event) override;
+    void contextMenuEvent(QContextMenuEvent *event) override;
+
+private:
+    void jump(const QModelIndex &index);
+
+    AppState &m_state;
+    QUuid m_collectionId;
+    CollectionMemberModel *m_model;
+};
+
+// The detail area while a collection is selected: a header with its icon, name, counts
+// and "Activate All"/"Deactivate All", the members in order (a missing one dimmed), and
+// the preview of the selected font member beside them. Files and folders dropped here
+// join the collection.
+class CollectionView : public QWidget
+{
+    Q_OBJECT
+
+public:
+    CollectionView(AppState &state, QUuid collectionId, QWidget *parent = nullptr);
+
+    QUuid collectionId() const { return m_collectionId; }
+    CollectionMemberList *memberList() const { return m_list; }
+    FontPreviewView *previewPane() const { return m_preview; }
+
+protected:
+    void dragEnterEvent(QDragEnterEvent *event) override;
+    void dragMoveEvent(QDragMoveEvent *event) override;
+    void dropEvent(QDropEvent *event) override;
+
+private:
+    void syncHeader();
+    void syncPreview();
+
+    AppState &m_state;
+    QUuid m_collectionId;
+    QLabel *m_icon = nullptr;
+    QLabel *m_name = nullptr;
+    QLabel *m_counts = nullptr;
+    QPushButton *m_toggle = nullptr;
+    QStackedWidget *m_body = nullptr;
+    CollectionMemberList *m_list = nullptr;
+    FontPreviewView *m_preview = nullptr;
+    QString m_previewPath;
+};

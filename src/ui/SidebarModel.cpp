@@ -1,0 +1,190 @@
+#include "SidebarModel.h"
+
+#include "state/AppState.h"
+
+#include <QImage>
+#include <QLocale>
+
+using namespace Qt::StringLiterals;
+
+SidebarModel::SidebarModel(AppState &state, QObject *parent)
+    : QAbstractListModel(parent)
+    , m_state(state)
+{
+    const auto reset = [this] {
+        beginResetModel();
+        endResetModel();
+    };
+    connect(&state, &AppState::sourcesChanged, this, reset);
+    connect(&state, &AppState::collectionsChanged, this, reset);
+    connect(&state, &AppState::activatedFontsChanged, this, [this] { refreshAll({ActivationRole}); });
+    // A new scan knows other counts, and may find members that were missing.
+    connect(&state, &AppState::cachedColumnsChanged, this, [this] { refreshAll({CaptionRole, ActivationRole}); });
+    connect(&state, &AppState::isIndexingChanged, this, [this] { refreshAll({CaptionRole}); });
+}
+
+QString SidebarModel::count(qsizetype number, const QString &noun)
+{
+    return u"%1 %2%3"_s.arg(number).arg(noun, number == 1 ? QString() : u"s"_s);
+}
+
+int SidebarModel::rowCount(const QModelIndex &parent) const
+{
+    if (parent.isValid())
+        return 0;
+    return 2 + static_cast<int>(std::max<qsizetype>(1, m_state.sources().size()) + m_state.collections().size());
+}
+
+int SidebarModel::collectionsHeaderRow() const
+{
+    return 1 + static_cast<int>(std::max<qsizetype>(1, m_state.sources().size()));
+}
+
+SidebarModel::Kind SidebarModel::kind(int row) const
+{
+    if (row == 0)
+        return Kind::SourcesHeader;
+    const int header = collectionsHeaderRow();
+    if (row < header)
+        return m_state.sources().isEmpty() ? Kind::Placeholder : Kind::Source;
+    return row == header ? Kind::CollectionsHeader : Kind::Collection;
+}
+
+std::optional<SidebarItem> SidebarModel::item(int row) const
+{
+    switch (kind(row)) {
+    case Kind::Source:
+        return SidebarItem(m_state.sources().value(row - 1));
+    case Kind::Collection:
+        return SidebarItem(m_state.collections().value(row - collectionsHeaderRow() - 1));
+    default:
+        return std::nullopt;
+    }
+}
+
+int SidebarModel::rowOf(const SidebarItem &item) const
+{
+    if (const FolderSource *source = item.source()) {
+        const auto &sources = m_state.sources();
+        for (qsizetype i = 0; i < sources.size(); ++i) {
+            if (sources.at(i).id == source->id)
+                return static_cast<int>(i) + 1;
+        }
+    } else if (const FontCollection *collection = item.collection()) {
+        const auto &collections = m_state.collections();
+        for (qsizetype i = 0; i < collections.size(); ++i) {
+            if (collections.at(i).id == collection->id)
+                return collectionsHeaderRow() + 1 + static_cast<int>(i);
+        }
+    }
+    return -1;
+}
+
+std::optional<qsizetype> SidebarModel::sourceFontCount(int sourceIndex) const
+{
+    const QString path = m_state.sources().value(sourceIndex).path;
+    const FileSystemService &files = m_state.fileSystemService();
+    if (!files.hasChildrenEntry(path))
+        return std::nullopt; // not scanned yet
+    return static_cast<qsizetype>(files.allFonts(path).size());
+}
+
+ActivationState SidebarModel::activation(int row) const
+{
+    switch (kind(row)) {
+    case Kind::Source:
+        return m_state.activationState(FontNode::folder(m_state.sources().value(row - 1).path));
+    case Kind::Collection:
+        return m_state.collectionActivationState(m_state.collections().value(row - collectionsHeaderRow() - 1));
+    default:
+        return ActivationState::Inactive;
+    }
+}
+
+QString SidebarModel::caption(int row) const
+{
+    if (kind(row) == Kind::Source) {
+        const std::optional<qsizetype> fonts = sourceFontCount(row - 1);
+        return fonts ? count(*fonts, u"font"_s) : QString();
+    }
+    if (kind(row) == Kind::Collection) {
+        const FontCollection collection = m_state.collections().value(row - collectionsHeaderRow() - 1);
+        return count(m_state.allFontsInCollection(collection).size(), u"font"_s) + u" · "_s
+               + count(collection.members.size(), u"item"_s);
+    }
+    return {};
+}
+
+QVariant SidebarModel::data(const QModelIndex &index, int role) const
+{
+    if (!index.isValid() || index.row() >= rowCount())
+        return {};
+    const int row = index.row();
+    const Kind rowKind = kind(row);
+    switch (role) {
+    case Qt::DisplayRole:
+    case Qt::EditRole:
+    case Qt::AccessibleTextRole:
+        switch (rowKind) {
+        case Kind::SourcesHeader: return u"Sources"_s;
+        case Kind::CollectionsHeader: return u"Collections"_s;
+        case Kind::Placeholder: return u"No Sources"_s;
+        case Kind::Source: return m_state.sources().value(row - 1).name;
+        case Kind::Collection: return m_state.collections().value(row - collectionsHeaderRow() - 1).name;
+        }
+        return {};
+    case Qt::AccessibleDescriptionRole: {
+        if (rowKind == Kind::Placeholder)
+            return u"Click the + button to add a font folder."_s;
+        if (rowKind != Kind::Source && rowKind != Kind::Collection)
+            return {};
+        QStringList parts{rowKind == Kind::Source ? u"Source"_s : u"Collection"_s};
+        if (const QString text = caption(row); !text.isEmpty())
+            parts.append(text);
+        static const QString kStates[] = {u"inactive"_s, u"active"_s, u"mixed"_s};
+        parts.append(kStates[static_cast<int>(activation(row))]);
+        return parts.join(u", "_s);
+    }
+    case KindRole: return static_cast<int>(rowKind);
+    case CaptionRole: return caption(row);
+    case ActivationRole: return static_cast<int>(activation(row));
+    case IconRole: {
+        if (rowKind != Kind::Collection)
+            return {};
+        const std::optional<QString> &icon = m_state.collections().value(row - collectionsHeaderRow() - 1).iconPath;
+        const std::optional<QImage> image = icon ? m_state.collectionIcon(*icon) : std::nullopt;
+        return image ? QVariant(*image) : QVariant();
+    }
+    case FavoritesRole: {
+        if (rowKind != Kind::Collection)
+            return false;
+        const QLocale locale;
+        return locale.toLower(m_state.collections().value(row - collectionsHeaderRow() - 1).name)
+               == locale.toLower(u"Favorites"_s);
+    }
+    default: return {};
+    }
+}
+
+bool SidebarModel::setData(const QModelIndex &index, const QVariant &value, int role)
+{
+    if (role != Qt::EditRole || kind(index.row()) != Kind::Collection)
+        return false;
+    m_state.renameCollection(m_state.collections().value(index.row() - collectionsHeaderRow() - 1).id, value.toString());
+    return true;
+}
+
+Qt::ItemFlags SidebarModel::flags(const QModelIndex &index) const
+{
+    switch (kind(index.row())) {
+    case Kind::Source: return Qt::ItemIsEnabled | Qt::ItemIsSelectable;
+    case Kind::Collection: return Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsEditable | Qt::ItemIsDropEnabled;
+    default: return Qt::NoItemFlags; // headers and the placeholder: passed over by the keys
+    }
+}
+
+void SidebarModel::refreshAll(const QList<int> &roles)
+{
+    if (rowCount() > 0)
+        Q_EMIT dataChanged(index(0), index(rowCount() - 1), roles);
+}
