@@ -46,7 +46,7 @@ public:
     {
         const QPalette &palette = option.palette;
         const bool selected = option.state & QStyle::State_Selected;
-        const bool emphasised = selected && (option.state & QStyle::State_HasFocus || option.state & QStyle::State_Active);
+        const bool emphasised = selected && option.widget && option.widget->hasFocus();
         const FontNodeRow::Layout parts = layout(option.rect);
         const bool missing = index.data(CollectionMemberModel::MissingRole).toBool();
         painter->save();

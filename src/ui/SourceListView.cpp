@@ -18,7 +18,9 @@
 #include <QMenu>
 #include <QMimeData>
 #include <QSignalBlocker>
+#include <QSortFilterProxyModel>
 #include <QToolButton>
+#include <QVBoxLayout>
 
 using namespace Qt::StringLiterals;
 
@@ -61,99 +63,78 @@ QFileDialog *SourceListView::makeIconChooser(QWidget *parent)
     return chooser;
 }
 
-SourceListView::SourceListView(AppState &state, QWidget *parent)
-    : QListView(parent)
+SidebarList::SidebarList(SourceListView &sidebar, AppState &state, SidebarModel *model, bool collections)
+    : QListView(&sidebar)
+    , m_sidebar(sidebar)
     , m_state(state)
-    , m_model(new SidebarModel(state, this))
+    , m_model(model)
+    , m_section(new QSortFilterProxyModel(this))
     , m_delegate(new SidebarRow(this))
+    , m_collections(collections)
 {
-    setAccessibleName(u"Sidebar"_s);
-    setModel(m_model);
+    setAccessibleName(collections ? u"Collections"_s : u"Sources"_s);
+    // Only this section's rows: screen readers see no others.
+    m_section->setSourceModel(model);
+    m_section->setFilterRole(SidebarModel::KindRole);
+    const QStringList kinds = collections ? QStringList{QString::number(int(SidebarModel::Kind::Collection))}
+                                          : QStringList{QString::number(int(SidebarModel::Kind::Source)),
+                                                        QString::number(int(SidebarModel::Kind::Placeholder))};
+    m_section->setFilterRegularExpression(u"^(%1)$"_s.arg(kinds.join(u'|')));
+    setModel(m_section);
     setItemDelegate(m_delegate);
     setSelectionMode(QAbstractItemView::SingleSelection);
-    setEditTriggers(QAbstractItemView::EditKeyPressed); // F2
+    setEditTriggers(collections ? QAbstractItemView::EditKeyPressed : QAbstractItemView::NoEditTriggers); // F2
     setMouseTracking(true);
-    setAcceptDrops(true);
+    setAcceptDrops(collections);
     setDropIndicatorShown(false);
     setFrameShape(QFrame::NoFrame);
-    setMinimumWidth(180);
-    setMaximumWidth(260);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     viewport()->setAutoFillBackground(false);
-    m_chooseFolders = [this] {
-        std::unique_ptr<QFileDialog> chooser(makeFolderChooser(this));
-        return chooser->exec() == QDialog::Accepted ? chooser->selectedFiles() : QStringList();
-    };
-    m_chooseIcon = [this] {
-        std::unique_ptr<QFileDialog> chooser(makeIconChooser(this));
-        return chooser->exec() == QDialog::Accepted ? chooser->selectedFiles().value(0) : QString();
-    };
-    connect(m_model, &QAbstractItemModel::modelReset, this, [this] {
-        installHeaders();
-        syncSelection();
-    });
-    connect(&state, &AppState::sidebarSelectionChanged, this, &SourceListView::syncSelection);
-    connect(&state, &AppState::shouldFocusSidebarChanged, this, [this] {
-        if (!m_state.shouldFocusSidebar())
-            return;
-        setFocus(Qt::OtherFocusReason);
-        m_state.setShouldFocusSidebar(false);
-    });
-    installHeaders();
-    syncSelection();
 }
 
-void SourceListView::installHeaders()
+QModelIndex SidebarList::indexForRow(int row) const
 {
-    const auto header = [this](const QString &title, const QString &tip, int gap, void (SourceListView::*add)()) {
-        auto *bar = new QWidget;
-        auto *layout = new QHBoxLayout(bar);
-        layout->setContentsMargins(10, gap, 6, 0);
-        auto *label = new QLabel(title, bar);
-        QFont font = label->font();
-        font.setPointSizeF(font.pointSizeF() * 11 / 13);
-        font.setWeight(QFont::DemiBold);
-        label->setFont(font);
-        TextStyles::applySecondary(label);
-        layout->addWidget(label);
-        layout->addStretch(1);
-        auto *button = new QToolButton(bar);
-        button->setText(u"+"_s);
-        button->setAutoRaise(true);
-        button->setToolTip(tip);
-        button->setAccessibleName(tip);
-        connect(button, &QToolButton::clicked, this, add);
-        layout->addWidget(button);
-        return bar;
-    };
-    setIndexWidget(m_model->index(0), header(u"Sources"_s, u"Add a font folder source"_s, 0, &SourceListView::addSources));
-    setIndexWidget(m_model->index(m_model->collectionsHeaderRow()),
-                   header(u"Collections"_s, u"New Collection"_s, SidebarRow::kCollectionsHeaderGap,
-                          &SourceListView::newCollection));
+    return m_section->mapFromSource(m_model->index(row));
 }
 
-void SourceListView::addSources()
+int SidebarList::rowOf(const QModelIndex &index) const
 {
-    for (const QString &folder : m_chooseFolders())
-        m_state.addSource(folder);
+    return index.isValid() ? m_section->mapToSource(index).row() : -1;
 }
 
-void SourceListView::newCollection()
+bool SidebarList::showsRow(int row) const
 {
-    m_state.createCollection(u"New Collection"_s);
+    const SidebarModel::Kind kind = m_model->kind(row);
+    return m_collections ? kind == SidebarModel::Kind::Collection
+                         : kind == SidebarModel::Kind::Source || kind == SidebarModel::Kind::Placeholder;
 }
 
-void SourceListView::renameCollection(int row)
+int SidebarList::contentHeight() const
 {
-    const QModelIndex index = m_model->index(row);
-    setCurrentIndex(index);
-    edit(index);
+    int height = 0;
+    for (int row = 0; row < m_section->rowCount(); ++row)
+        height += sizeHintForRow(row);
+    return height;
 }
 
-void SourceListView::syncSelection()
+int SidebarList::edgeRow(bool last) const
+{
+    int found = -1;
+    for (int row = 0; row < m_section->rowCount(); ++row) {
+        if (m_section->flags(m_section->index(row, 0)) & Qt::ItemIsSelectable) {
+            found = rowOf(m_section->index(row, 0));
+            if (!last)
+                break;
+        }
+    }
+    return found;
+}
+
+void SidebarList::syncSelection()
 {
     const std::optional<SidebarItem> &selection = m_state.sidebarSelection();
     const int row = selection ? m_model->rowOf(*selection) : -1;
-    const QModelIndex index = row >= 0 ? m_model->index(row) : QModelIndex();
+    const QModelIndex index = row >= 0 && showsRow(row) ? indexForRow(row) : QModelIndex();
     if (index == currentIndex() && (!index.isValid() || selectionModel()->isSelected(index)))
         return;
     m_syncing = true;
@@ -166,49 +147,44 @@ void SourceListView::syncSelection()
     m_syncing = false;
 }
 
-void SourceListView::currentChanged(const QModelIndex &current, const QModelIndex &previous)
+void SidebarList::currentChanged(const QModelIndex &current, const QModelIndex &previous)
 {
     QListView::currentChanged(current, previous);
     if (m_syncing || !current.isValid())
         return;
-    if (const std::optional<SidebarItem> item = m_model->item(current.row()))
+    if (const std::optional<SidebarItem> item = m_model->item(rowOf(current)))
         m_state.setSidebarSelection(item);
 }
 
-void SourceListView::handOverToBrowser()
+void SidebarList::keyPressEvent(QKeyEvent *event)
 {
-    const std::optional<SidebarItem> &selection = m_state.sidebarSelection();
-    if (!selection)
-        return;
-    if (selection->isCollection()) {
-        Q_EMIT collectionFocusRequested();
-        return;
-    }
-    const QList<QList<FontNode>> &columns = m_state.cachedColumns();
-    if (!columns.isEmpty() && !columns.first().isEmpty())
-        m_state.selectNode(columns.first().first(), 0);
-    m_state.setShouldFocusBrowser(true);
-}
-
-void SourceListView::keyPressEvent(QKeyEvent *event)
-{
-    if (state() != QAbstractItemView::EditingState && event->key() == Qt::Key_Right && event->modifiers() == Qt::NoModifier) {
-        handOverToBrowser();
-        event->accept();
-        return;
+    const bool plain = event->modifiers() == Qt::NoModifier || event->modifiers() == Qt::KeypadModifier;
+    if (state() != QAbstractItemView::EditingState && plain) {
+        const int current = rowOf(currentIndex());
+        if (event->key() == Qt::Key_Right) {
+            m_sidebar.handOver();
+            event->accept();
+            return;
+        }
+        if ((event->key() == Qt::Key_Down && current == edgeRow(true) && !m_collections)
+            || (event->key() == Qt::Key_Up && current == edgeRow(false) && m_collections)) {
+            m_sidebar.moveAcross(event->key() == Qt::Key_Down);
+            event->accept();
+            return;
+        }
     }
     QListView::keyPressEvent(event);
 }
 
-void SourceListView::mousePressEvent(QMouseEvent *event)
+void SidebarList::mousePressEvent(QMouseEvent *event)
 {
     const QModelIndex index = indexAt(event->position().toPoint());
-    const auto kind = index.isValid() ? m_model->kind(index.row()) : SidebarModel::Kind::SourcesHeader;
+    const auto kind = index.isValid() ? m_model->kind(rowOf(index)) : SidebarModel::Kind::SourcesHeader;
     const bool row = kind == SidebarModel::Kind::Source || kind == SidebarModel::Kind::Collection;
     if (row && event->button() == Qt::LeftButton
         && SidebarRow::layout(visualRect(index), static_cast<int>(kind)).button.contains(event->position())) {
         setFocus(Qt::MouseFocusReason);
-        const std::optional<SidebarItem> item = m_model->item(index.row());
+        const std::optional<SidebarItem> item = m_model->item(rowOf(index));
         if (const FolderSource *source = item ? item->source() : nullptr)
             m_state.toggleActivation(FontNode::folder(source->path));
         else if (const FontCollection *collection = item ? item->collection() : nullptr)
@@ -219,47 +195,41 @@ void SourceListView::mousePressEvent(QMouseEvent *event)
     QListView::mousePressEvent(event);
 }
 
-void SourceListView::contextMenuEvent(QContextMenuEvent *event)
+void SidebarList::contextMenuEvent(QContextMenuEvent *event)
 {
     const QModelIndex index = event->reason() == QContextMenuEvent::Mouse ? indexAt(event->pos()) : currentIndex();
-    const std::optional<SidebarItem> item = index.isValid() ? m_model->item(index.row()) : std::nullopt;
+    const std::optional<SidebarItem> item = index.isValid() ? m_model->item(rowOf(index)) : std::nullopt;
     if (!item)
         return;
     QMenu *menu = nullptr;
     if (const FolderSource *source = item->source()) {
         menu = ContextMenus::buildSourceMenu(m_state, *source, this);
-    } else if (const FontCollection *found = item->collection()) {
-        const FontCollection collection = *found;
-        const int row = index.row();
+    } else if (const FontCollection *collection = item->collection()) {
+        const int row = rowOf(index);
         menu = ContextMenus::buildCollectionMenu(
-            m_state, collection, this, [this, row] { renameCollection(row); },
-            [this, id = collection.id] {
-                const QString icon = m_chooseIcon();
-                if (!icon.isEmpty())
-                    m_state.setCollectionIcon(id, icon);
-            });
+            m_state, *collection, this, [this, row] { m_sidebar.renameCollection(row); },
+            [this, id = collection->id] { m_sidebar.pickIcon(id); });
     }
     if (!menu)
         return;
     menu->setAttribute(Qt::WA_DeleteOnClose);
-    const QPoint at = event->reason() == QContextMenuEvent::Mouse ? event->globalPos()
-                                                                   : viewport()->mapToGlobal(visualRect(index).center());
-    menu->popup(at);
+    menu->popup(event->reason() == QContextMenuEvent::Mouse ? event->globalPos()
+                                                             : viewport()->mapToGlobal(visualRect(index).center()));
 }
 
-int SourceListView::collectionRowAt(const QPoint &point) const
+int SidebarList::collectionRowAt(const QPoint &point) const
 {
-    const QModelIndex index = indexAt(point);
-    return index.isValid() && m_model->kind(index.row()) == SidebarModel::Kind::Collection ? index.row() : -1;
+    const int row = rowOf(indexAt(point));
+    return row >= 0 && m_model->kind(row) == SidebarModel::Kind::Collection ? row : -1;
 }
 
-void SourceListView::setDropRow(int row)
+void SidebarList::setDropRow(int row)
 {
     m_delegate->setDropRow(row);
     viewport()->update();
 }
 
-void SourceListView::dragEnterEvent(QDragEnterEvent *event)
+void SidebarList::dragEnterEvent(QDragEnterEvent *event)
 {
     if (Drops::carriesFiles(event->mimeData()) && Drops::safeAction(event->possibleActions()))
         event->accept();
@@ -267,26 +237,26 @@ void SourceListView::dragEnterEvent(QDragEnterEvent *event)
         event->ignore();
 }
 
-void SourceListView::dragMoveEvent(QDragMoveEvent *event)
+void SidebarList::dragMoveEvent(QDragMoveEvent *event)
 {
     const int row = collectionRowAt(event->position().toPoint());
     const std::optional<Qt::DropAction> action = Drops::safeAction(event->possibleActions());
     setDropRow(row >= 0 && action ? row : -1);
     if (row < 0 || !action) {
-        event->ignore(visualRect(m_model->index(std::max(0, row))));
+        event->ignore();
         return;
     }
     event->setDropAction(*action);
-    event->accept(visualRect(m_model->index(row)));
+    event->accept(visualRect(indexForRow(row)));
 }
 
-void SourceListView::dragLeaveEvent(QDragLeaveEvent *event)
+void SidebarList::dragLeaveEvent(QDragLeaveEvent *event)
 {
     setDropRow(-1);
     event->accept();
 }
 
-void SourceListView::dropEvent(QDropEvent *event)
+void SidebarList::dropEvent(QDropEvent *event)
 {
     setDropRow(-1);
     const int row = collectionRowAt(event->position().toPoint());
@@ -302,16 +272,164 @@ void SourceListView::dropEvent(QDropEvent *event)
     event->accept();
 }
 
-void SourceListView::focusInEvent(QFocusEvent *event)
+void SidebarList::focusInEvent(QFocusEvent *event)
 {
     QListView::focusInEvent(event);
     m_delegate->setEmphasised(true);
     viewport()->update();
 }
 
-void SourceListView::focusOutEvent(QFocusEvent *event)
+void SidebarList::focusOutEvent(QFocusEvent *event)
 {
     QListView::focusOutEvent(event);
     m_delegate->setEmphasised(false);
     viewport()->update();
+}
+
+SourceListView::SourceListView(AppState &state, QWidget *parent)
+    : QWidget(parent)
+    , m_state(state)
+    , m_model(new SidebarModel(state, this))
+    , m_sources(new SidebarList(*this, state, m_model, false))
+    , m_collections(new SidebarList(*this, state, m_model, true))
+{
+    setAccessibleName(u"Sidebar"_s);
+    setMinimumWidth(180);
+    setMaximumWidth(260);
+    auto *layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 6, 0, 0);
+    layout->setSpacing(0);
+    layout->addWidget(header(u"Sources"_s, u"Add a font folder source"_s, 0, &SourceListView::addSources));
+    layout->addWidget(m_sources);
+    layout->addWidget(header(u"Collections"_s, u"New Collection"_s, SidebarRow::kCollectionsHeaderGap,
+                             &SourceListView::newCollection));
+    layout->addWidget(m_collections, 1);
+    m_chooseFolders = [this] {
+        std::unique_ptr<QFileDialog> chooser(makeFolderChooser(this));
+        return chooser->exec() == QDialog::Accepted ? chooser->selectedFiles() : QStringList();
+    };
+    m_chooseIcon = [this] {
+        std::unique_ptr<QFileDialog> chooser(makeIconChooser(this));
+        return chooser->exec() == QDialog::Accepted ? chooser->selectedFiles().value(0) : QString();
+    };
+    connect(m_model, &QAbstractItemModel::modelReset, this, [this] {
+        fitSources();
+        syncSelection();
+    });
+    connect(&state, &AppState::sidebarSelectionChanged, this, &SourceListView::syncSelection);
+    connect(&state, &AppState::shouldFocusSidebarChanged, this, [this] {
+        if (!m_state.shouldFocusSidebar())
+            return;
+        setFocus(Qt::OtherFocusReason);
+        m_state.setShouldFocusSidebar(false);
+    });
+    fitSources();
+    syncSelection();
+}
+
+QWidget *SourceListView::header(const QString &title, const QString &tip, int gap, void (SourceListView::*add)())
+{
+    auto *bar = new QWidget(this);
+    auto *layout = new QHBoxLayout(bar);
+    layout->setContentsMargins(12, gap, 6, 2);
+    auto *label = new QLabel(title, bar);
+    QFont font = label->font();
+    font.setPointSizeF(font.pointSizeF() * 11 / 13);
+    font.setWeight(QFont::DemiBold);
+    label->setFont(font);
+    TextStyles::applySecondary(label);
+    layout->addWidget(label);
+    layout->addStretch(1);
+    auto *button = new QToolButton(bar);
+    button->setText(u"+"_s);
+    button->setAutoRaise(true);
+    button->setToolTip(tip);
+    button->setAccessibleName(tip);
+    connect(button, &QToolButton::clicked, this, add);
+    layout->addWidget(button);
+    return bar;
+}
+
+SidebarList *SourceListView::listShowing(int row) const
+{
+    return m_collections->showsRow(row) ? m_collections : m_sources;
+}
+
+void SourceListView::fitSources()
+{
+    // The sources take the room they need, up to half the sidebar; the collections the rest.
+    const int wanted = m_sources->contentHeight() + 2;
+    m_sources->setFixedHeight(std::min(wanted, std::max(80, height() / 2)));
+}
+
+void SourceListView::resizeEvent(QResizeEvent *event)
+{
+    QWidget::resizeEvent(event);
+    fitSources();
+}
+
+void SourceListView::syncSelection()
+{
+    m_sources->syncSelection();
+    m_collections->syncSelection();
+    const std::optional<SidebarItem> &selection = m_state.sidebarSelection();
+    setFocusProxy(selection && selection->isCollection() ? m_collections : m_sources);
+}
+
+void SourceListView::addSources()
+{
+    for (const QString &folder : m_chooseFolders())
+        m_state.addSource(folder);
+}
+
+void SourceListView::newCollection()
+{
+    m_state.createCollection(u"New Collection"_s);
+}
+
+void SourceListView::pickIcon(const QUuid &collectionId)
+{
+    const QString icon = m_chooseIcon();
+    if (!icon.isEmpty())
+        m_state.setCollectionIcon(collectionId, icon);
+}
+
+void SourceListView::renameCollection(int row)
+{
+    const QModelIndex index = m_collections->indexForRow(row);
+    m_collections->setCurrentIndex(index);
+    m_collections->setFocus();
+    m_collections->edit(index);
+}
+
+void SourceListView::handOver()
+{
+    const std::optional<SidebarItem> &selection = m_state.sidebarSelection();
+    if (!selection)
+        return;
+    if (selection->isCollection()) {
+        Q_EMIT collectionFocusRequested();
+        return;
+    }
+    const QList<QList<FontNode>> &columns = m_state.cachedColumns();
+    if (!columns.isEmpty() && !columns.first().isEmpty())
+        m_state.selectNode(columns.first().first(), 0);
+    m_state.setShouldFocusBrowser(true);
+}
+
+void SourceListView::moveAcross(bool down)
+{
+    SidebarList *target = down ? m_collections : m_sources;
+    int row = -1;
+    for (int candidate = 0; candidate < m_model->rowCount(); ++candidate) {
+        if (target->showsRow(candidate) && (m_model->flags(m_model->index(candidate)) & Qt::ItemIsSelectable)) {
+            row = candidate;
+            if (down)
+                break; // the first collection; going up, the last source
+        }
+    }
+    if (row < 0)
+        return;
+    target->setFocus(Qt::OtherFocusReason);
+    target->setCurrentIndex(target->indexForRow(row));
 }

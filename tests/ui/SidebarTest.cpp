@@ -76,10 +76,22 @@ protected:
         ADD_FAILURE() << "no row " << name.toStdString();
         return -1;
     }
-    QRect rect(const QString &name) const { return sidebar->visualRect(model()->index(rowOf(name))); }
+    SidebarList *list(const QString &name) const { return sidebar->listShowing(rowOf(name)); }
+    QWidget *viewportOf(const QString &name) const { return list(name)->viewport(); }
+    QRect rect(const QString &name) const { return list(name)->visualRect(list(name)->indexForRow(rowOf(name))); }
+    QToolButton *addButton(const QString &name) const
+    {
+        for (QToolButton *button : sidebar->findChildren<QToolButton *>()) {
+            if (button->accessibleName() == name)
+                return button;
+        }
+        return nullptr;
+    }
+    // Keys go where the sidebar's focus is.
+    void press(Qt::Key key) { QTest::keyClick(QApplication::focusWidget(), key); }
     QString caption(const QString &name) const { return model()->index(rowOf(name)).data(SidebarModel::CaptionRole).toString(); }
-    void click(const QString &name) { QTest::mouseClick(sidebar->viewport(), Qt::LeftButton, {}, rect(name).center()); }
-    QImage rowImage(const QString &name) const { return sidebar->viewport()->grab(rect(name)).toImage(); }
+    void click(const QString &name) { QTest::mouseClick(viewportOf(name), Qt::LeftButton, {}, rect(name).center()); }
+    QImage rowImage(const QString &name) const { return viewportOf(name)->grab(rect(name)).toImage(); }
     QUuid collection(const QString &name) const
     {
         for (const FontCollection &candidate : store.collections()) {
@@ -165,10 +177,12 @@ TEST_F(Sidebar, RowsCountFontsAndItemsWithTheirPlurals)
     EXPECT_EQ(caption(u"Folder"_s), u"3 fonts · 1 item"_s);
     EXPECT_EQ(model()->index(rowOf(u"Folder"_s)).data(Qt::AccessibleDescriptionRole).toString(),
               u"Collection, 3 fonts · 1 item, inactive"_s);
-    // The headers are real widgets with their add buttons; they can't be selected.
+    // The headers are real widgets with their add buttons; their rows are never shown.
     EXPECT_EQ(model()->flags(model()->index(0)), Qt::NoItemFlags);
-    EXPECT_TRUE(sidebar->indexWidget(model()->index(0)));
-    EXPECT_TRUE(sidebar->indexWidget(model()->index(model()->collectionsHeaderRow())));
+    EXPECT_TRUE(addButton(u"Add a font folder source"_s) && addButton(u"Add a font folder source"_s)->isVisible());
+    EXPECT_TRUE(addButton(u"New Collection"_s) && addButton(u"New Collection"_s)->isVisible());
+    EXPECT_EQ(sidebar->sourcesList()->model()->rowCount(), 1);
+    EXPECT_EQ(sidebar->collectionsList()->model()->rowCount(), 3);
 
     // Without sources, the placeholder; the collections stay.
     store.setSourcesForTesting({});
@@ -228,7 +242,7 @@ TEST_F(Sidebar, RenameCommitsWithEnterAndCancelsWithEscape)
     store.createCollection(u"Draft"_s);
     click(u"Draft"_s);
     ASSERT_TRUE(store.sidebarSelection() && store.sidebarSelection()->isCollection());
-    QTest::keyClick(sidebar, Qt::Key_F2);
+    press(Qt::Key_F2);
     auto *field = qobject_cast<QLineEdit *>(QApplication::focusWidget());
     ASSERT_TRUE(field);
     EXPECT_EQ(field->placeholderText(), u"Name"_s);
@@ -240,7 +254,7 @@ TEST_F(Sidebar, RenameCommitsWithEnterAndCancelsWithEscape)
     EXPECT_FALSE(find(u"Draft"_s));
 
     // From the menu, then Escape: nothing changes.
-    QMenu *menu = rightClick(sidebar->viewport(), rect(u"Clients"_s).center());
+    QMenu *menu = rightClick(viewportOf(u"Clients"_s), rect(u"Clients"_s).center());
     ASSERT_TRUE(menu);
     EXPECT_EQ(actionTexts(menu),
               (QStringList{u"Rename"_s, u"Set Custom Icon…"_s, u"Remove Custom Icon"_s, QString(), u"Delete Collection"_s}));
@@ -261,14 +275,14 @@ TEST_F(Sidebar, DropsAddExistingFilesAndFoldersAndSkipMissingOnes)
     const QString outside = writeFile(testRoot() + u"/Elsewhere/loose.otf"_s);
     const QString folder = library + u"/A"_s;
     const QString missing = testRoot() + u"/gone.ttf"_s;
-    EXPECT_TRUE(drop(sidebar->viewport(), rect(u"Drop Here"_s).center(), {outside, folder, missing}));
+    EXPECT_TRUE(drop(viewportOf(u"Drop Here"_s), rect(u"Drop Here"_s).center(), {outside, folder, missing}));
     const std::optional<FontCollection> target = find(u"Drop Here"_s);
     ASSERT_TRUE(target);
     EXPECT_EQ(target->members, (QList<CollectionMember>{{outside, false}, {folder, true}}));
     // A source row takes no drop, nor does data without files.
-    EXPECT_FALSE(drop(sidebar->viewport(), rect(u"Library"_s).center(), {outside}));
+    EXPECT_FALSE(drop(viewportOf(u"Library"_s), rect(u"Library"_s).center(), {outside}));
     // Offered only a move, the drop is refused rather than taken as one.
-    EXPECT_FALSE(drop(sidebar->viewport(), rect(u"Drop Here"_s).center(), {library + u"/c.ttf"_s}, Qt::MoveAction));
+    EXPECT_FALSE(drop(viewportOf(u"Drop Here"_s), rect(u"Drop Here"_s).center(), {library + u"/c.ttf"_s}, Qt::MoveAction));
     EXPECT_EQ(find(u"Drop Here"_s)->members.size(), 2);
 }
 
@@ -281,26 +295,30 @@ TEST_F(Sidebar, SelectionFollowsTheStoreAndTheKeysHandFocusOver)
     const std::optional<FontCollection> picks = find(u"Picks"_s);
     ASSERT_TRUE(picks);
     store.setSidebarSelection(SidebarItem(*picks));
-    EXPECT_EQ(sidebar->currentIndex().row(), rowOf(u"Picks"_s));
+    EXPECT_EQ(sidebar->collectionsList()->currentIndex(), sidebar->collectionsList()->indexForRow(rowOf(u"Picks"_s)));
+    EXPECT_TRUE(sidebar->sourcesList()->selectionModel()->selectedIndexes().isEmpty());
     // Keys pass over the header between the sections.
     sidebar->setFocus();
-    QTest::keyClick(sidebar, Qt::Key_Up);
+    EXPECT_EQ(QApplication::focusWidget(), sidebar->collectionsList());
+    press(Qt::Key_Up); // from the first collection into the sources
     EXPECT_TRUE(store.sidebarSelection()->isSource());
-    QTest::keyClick(sidebar, Qt::Key_Down);
+    EXPECT_EQ(QApplication::focusWidget(), sidebar->sourcesList());
+    press(Qt::Key_Down);
     EXPECT_TRUE(store.sidebarSelection()->isCollection());
+    EXPECT_EQ(QApplication::focusWidget(), sidebar->collectionsList());
     // Right with a collection selected leaves the browser alone.
-    QTest::keyClick(sidebar, Qt::Key_Right);
+    press(Qt::Key_Right);
     EXPECT_TRUE(store.navigationPath().isEmpty());
 
     // Right on a source: its first node is selected and the browser has the keys.
-    QTest::keyClick(sidebar, Qt::Key_Up);
-    QTest::keyClick(sidebar, Qt::Key_Right);
+    press(Qt::Key_Up);
+    press(Qt::Key_Right);
     ASSERT_EQ(store.navigationPath().size(), 1);
     EXPECT_EQ(store.navigationPath().first().name(), u"A"_s);
     ASSERT_TRUE(QTest::qWaitFor([&] { return browser->columns().value(0) && browser->columns().value(0)->hasFocus(); }));
     // Left in the first column gives them back.
     QTest::keyClick(browser->columns().value(0), Qt::Key_Left);
-    EXPECT_TRUE(sidebar->hasFocus());
+    EXPECT_TRUE(sidebar->sourcesList()->hasFocus());
     EXPECT_FALSE(store.shouldFocusSidebar());
 }
 
@@ -309,14 +327,14 @@ TEST_F(Sidebar, AddButtonsButtonsAndMenusManageSourcesAndCollections)
     const QString more = makeDir(testRoot() + u"/More"_s);
     const QString extra = makeDir(testRoot() + u"/Extra"_s);
     sidebar->setFolderChooser([&] { return QStringList{more, extra}; });
-    auto *addSource = sidebar->indexWidget(model()->index(0))->findChild<QToolButton *>();
+    QToolButton *addSource = addButton(u"Add a font folder source"_s);
     ASSERT_TRUE(addSource);
     EXPECT_EQ(addSource->accessibleName(), u"Add a font folder source"_s);
     QTest::mouseClick(addSource, Qt::LeftButton);
     ASSERT_EQ(store.sources().size(), 3);
     EXPECT_EQ(store.sources().at(1).path, more);
     EXPECT_EQ(store.sources().at(2).path, extra);
-    auto *newCollection = sidebar->indexWidget(model()->index(model()->collectionsHeaderRow()))->findChild<QToolButton *>();
+    QToolButton *newCollection = addButton(u"New Collection"_s);
     ASSERT_TRUE(newCollection);
     EXPECT_EQ(newCollection->toolTip(), u"New Collection"_s);
     QTest::mouseClick(newCollection, Qt::LeftButton);
@@ -325,7 +343,7 @@ TEST_F(Sidebar, AddButtonsButtonsAndMenusManageSourcesAndCollections)
     // The round buttons toggle the whole source and the whole collection (once the
     // rescan the new sources started is done: toggles wait for none).
     ASSERT_TRUE(QTest::qWaitFor([&] { return !store.isIndexing(); }));
-    QTest::mouseClick(sidebar->viewport(), Qt::LeftButton, {},
+    QTest::mouseClick(viewportOf(u"Library"_s), Qt::LeftButton, {},
                       SidebarRow::layout(rect(u"Library"_s), int(SidebarModel::Kind::Source)).button.center().toPoint());
     ASSERT_TRUE(QTest::qWaitFor([&] { return store.activatedFonts().size() == 5; }));
     store.addToCollection(collection(u"New Collection"_s), FontNode::fontFile(library + u"/c.ttf"_s));
@@ -336,18 +354,18 @@ TEST_F(Sidebar, AddButtonsButtonsAndMenusManageSourcesAndCollections)
     const QString icon = testRoot() + u"/star.png"_s;
     QImage(8, 8, QImage::Format_ARGB32).save(icon);
     sidebar->setIconChooser([&] { return icon; });
-    QMenu *menu = rightClick(sidebar->viewport(), rect(u"New Collection"_s).center());
+    QMenu *menu = rightClick(viewportOf(u"New Collection"_s), rect(u"New Collection"_s).center());
     action(menu, u"Set Custom Icon…"_s)->trigger();
     menu->close();
     const std::optional<QString> kept = find(u"New Collection"_s)->iconPath;
     ASSERT_TRUE(kept);
     EXPECT_TRUE(QFile::exists(*kept)) << "a copy kept with the library";
-    menu = rightClick(sidebar->viewport(), rect(u"New Collection"_s).center());
+    menu = rightClick(viewportOf(u"New Collection"_s), rect(u"New Collection"_s).center());
     action(menu, u"Delete Collection"_s)->trigger();
     menu->close();
     EXPECT_FALSE(find(u"New Collection"_s));
     // A source's menu ends with "Remove Source".
-    menu = rightClick(sidebar->viewport(), rect(u"Extra"_s).center());
+    menu = rightClick(viewportOf(u"Extra"_s), rect(u"Extra"_s).center());
     EXPECT_EQ(actionTexts(menu).constLast(), u"Remove Source"_s);
     menu->close();
 }
