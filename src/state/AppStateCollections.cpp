@@ -2,6 +2,8 @@
 // them into fonts, order members for display, and custom icons. Every change saves.
 #include "AppState.h"
 
+#include "discovery/NameCollator.h"
+
 #include <QFileInfo>
 #include <QPainter>
 #include <QSvgRenderer>
@@ -162,12 +164,30 @@ QList<CollectionMember> AppState::sortedMembers(const FontCollection &collection
     const auto memo = m_sortedMembersCache.constFind(collection.id);
     if (memo != m_sortedMembersCache.cend())
         return *memo;
-    QList<CollectionMember> members = collection.members;
-    std::stable_sort(members.begin(), members.end(), [this](const CollectionMember &a, const CollectionMember &b) {
-        if (a.isDirectory != b.isDirectory)
-            return a.isDirectory;
-        return m_collator.compare(a.path.section(u'/', -1), b.path.section(u'/', -1)) < 0;
-    });
+    // Folders first, then files, each by name. Names are views into the paths, found
+    // once, so a collection of 10,000 sorts without a string or a search per comparison.
+    struct Named
+    {
+        QStringView name;
+        qsizetype index;
+    };
+    std::vector<Named> folders;
+    std::vector<Named> files;
+    for (qsizetype i = 0; i < collection.members.size(); ++i) {
+        const QString &path = collection.members.at(i).path;
+        (collection.members.at(i).isDirectory ? folders : files)
+            .push_back({QStringView(path).mid(path.lastIndexOf(u'/') + 1), i});
+    }
+    const NameCollator collator(m_collator.locale());
+    const auto nameOf = [](const Named &named) { return named.name; };
+    collator.stableSort(folders, nameOf);
+    collator.stableSort(files, nameOf);
+    QList<CollectionMember> members;
+    members.reserve(collection.members.size());
+    for (const std::vector<Named> *group : {&folders, &files}) {
+        for (const Named &named : *group)
+            members.append(collection.members.at(named.index));
+    }
     m_sortedMembersCache.insert(collection.id, members);
     return members;
 }

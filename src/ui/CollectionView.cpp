@@ -203,7 +203,6 @@ CollectionView::CollectionView(AppState &state, QUuid collectionId, QWidget *par
     m_name = new QLabel(header);
     m_name->setFont(TextStyles::title2(font()));
     m_name->setAccessibleName(u"Collection name"_s);
-    m_name->setTextInteractionFlags(Qt::TextSelectableByMouse);
     titles->addWidget(m_name);
     m_counts = new QLabel(header);
     m_counts->setAccessibleName(u"Collection contents"_s);
