@@ -125,6 +125,7 @@ void AppState::setCollections(QList<FontCollection> collections)
     if (m_collections == collections)
         return;
     m_collections = std::move(collections);
+    clearCollectionMemos(); // the views told next read them afresh
     Q_EMIT collectionsChanged();
 }
 

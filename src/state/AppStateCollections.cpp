@@ -51,8 +51,8 @@ void AppState::createCollection(const QString &name)
     // On top until the next sort, so the user sees what they just made.
     QList<FontCollection> collections = m_collections;
     collections.prepend(collection);
-    setCollections(std::move(collections));
     clearCollectionMemos();
+    setCollections(std::move(collections));
     setSidebarSelection(SidebarItem(collection));
     saveCollections();
 }
@@ -61,8 +61,8 @@ void AppState::deleteCollection(const FontCollection &collection)
 {
     QList<FontCollection> collections = m_collections;
     collections.removeIf([&collection](const FontCollection &c) { return c.id == collection.id; });
-    setCollections(std::move(collections));
     clearCollectionMemos();
+    setCollections(std::move(collections));
     if (m_sidebarSelection && m_sidebarSelection->isCollection() && m_sidebarSelection->payloadId() == collection.id) {
         setSidebarSelection(m_sources.isEmpty() ? std::nullopt : std::optional<SidebarItem>(SidebarItem(m_sources.first())));
         setNavigationPath({});
@@ -91,8 +91,8 @@ void AppState::addToCollection(const QUuid &id, const FontNode &node)
     if (!collection || collection->contains(node.path()))
         return;
     collection->members.append({node.path(), node.isDirectory()});
+    clearCollectionMemos(); // before anyone told reads them
     Q_EMIT collectionsChanged();
-    clearCollectionMemos();
     if (!m_fileSystemService->exists(node.path()))
         refreshFileSystem(); // make the new member known
     saveCollections();
@@ -103,9 +103,10 @@ void AppState::removeFromCollection(const QUuid &id, const CollectionMember &mem
     FontCollection *collection = findCollection(id);
     if (!collection)
         return;
-    if (collection->members.removeIf([&member](const CollectionMember &m) { return m.path == member.path; }) > 0)
+    if (collection->members.removeIf([&member](const CollectionMember &m) { return m.path == member.path; }) > 0) {
+        clearCollectionMemos();
         Q_EMIT collectionsChanged();
-    clearCollectionMemos();
+    }
     saveCollections();
 }
 

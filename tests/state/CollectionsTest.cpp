@@ -130,6 +130,15 @@ TEST_F(Collections, MemosAreEmptiedByEveryChange)
 {
     store->createCollection(u"Work"_s);
     const QUuid work = idOf(u"Work"_s);
+    // Whoever is told of a change reads the new members and fonts, not the old memo.
+    QList<qsizetype> seenMembers;
+    QList<qsizetype> seenFonts;
+    QObject::connect(store.get(), &AppState::collectionsChanged, [&] {
+        if (!collection(u"Work"_s).id.isNull()) {
+            seenMembers.append(store->sortedMembers(collection(u"Work"_s)).size());
+            seenFonts.append(store->allFontsInCollection(collection(u"Work"_s)).size());
+        }
+    });
     store->addToCollection(work, folder(u"Serif"_s));
     EXPECT_EQ(fontsIn(u"Work"_s), QStringList{u"s.otf"_s});
     EXPECT_EQ(store->sortedMembers(collection(u"Work"_s)).size(), 1);
@@ -154,6 +163,11 @@ TEST_F(Collections, MemosAreEmptiedByEveryChange)
     store->removeFromCollection(work, {path(u"Serif"_s), true});
     EXPECT_TRUE(fontsIn(u"Work"_s).isEmpty()); // only the deleted font's member is left
     EXPECT_EQ(store->sortedMembers(collection(u"Work"_s)).size(), 1);
+    ASSERT_GE(seenMembers.size(), 2);
+    EXPECT_EQ(seenMembers.mid(0, 2), (QList<qsizetype>{1, 2})); // the two members added
+    EXPECT_EQ(seenFonts.mid(0, 2), (QList<qsizetype>{1, 2}));
+    EXPECT_EQ(seenMembers.constLast(), 1);
+    EXPECT_EQ(seenFonts.constLast(), 0);
 }
 
 TEST_F(Collections, MembersSortFoldersFirstThenByName)

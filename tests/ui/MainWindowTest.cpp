@@ -2,7 +2,10 @@
 
 #include "services/PersistenceService.h"
 #include "state/AppState.h"
+#include "ui/CollectionView.h"
+#include "ui/ColumnBrowserView.h"
 #include "ui/MainWindow.h"
+#include "ui/SourceListView.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -76,4 +79,36 @@ TEST(MainWindow, EveryControlTabReachesHasAnAccessibleName)
         EXPECT_FALSE(widget->accessibleName().isEmpty()) << widget->metaObject()->className();
     }
     EXPECT_GE(seen.size(), 3); // the path bar's button and the column, at least
+}
+
+// The detail area follows the sidebar: a source's browser, or a collection's view,
+// into whose members Right moves the keyboard.
+TEST(MainWindow, ShowsTheSelectedCollectionBesideTheSidebar)
+{
+    const QString library = TestSupport::makeDir(TestSupport::testRoot() + QStringLiteral("/Fonts"));
+    const QString font = TestSupport::writeFile(library + QStringLiteral("/a.ttf"));
+    TestSupport::writeFile(PersistenceService::defaultStorageFolder() + QStringLiteral("/sources.json"),
+                           "[{\"id\":\"6F1C1A52-0D63-4B4A-9C4E-1B2F8E3D42E2\",\"name\":\"Fonts\",\"path\":\"" +
+                               library.toUtf8() + "\"}]");
+    MainWindow window;
+    window.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !window.state().isIndexing(); }, 20'000));
+    EXPECT_EQ(window.collectionView(), nullptr);
+    EXPECT_TRUE(window.browser().isVisible());
+
+    window.state().createCollection(QStringLiteral("Picks"));
+    window.state().addToCollection(window.state().collections().first().id, FontNode::fontFile(font));
+    ASSERT_TRUE(window.collectionView());
+    EXPECT_TRUE(window.collectionView()->isVisible());
+    EXPECT_FALSE(window.browser().isVisible());
+    window.sidebar().collectionsList()->setFocus();
+    EXPECT_EQ(window.collectionView()->memberList()->model()->rowCount(), 1) << "the view shows the member just added";
+    QTest::keyClick(window.sidebar().collectionsList(), Qt::Key_Right);
+    EXPECT_TRUE(window.collectionView()->memberList()->hasFocus());
+    EXPECT_EQ(window.collectionView()->memberList()->currentIndex().row(), 0);
+
+    window.state().setSidebarSelection(SidebarItem(window.state().sources().first()));
+    EXPECT_EQ(window.collectionView(), nullptr);
+    EXPECT_TRUE(window.browser().isVisible());
 }
