@@ -170,7 +170,10 @@ bool SidebarModel::setData(const QModelIndex &index, const QVariant &value, int 
 {
     if (role != Qt::EditRole || kind(index.row()) != Kind::Collection)
         return false;
-    m_state.renameCollection(m_state.collections().value(index.row() - collectionsHeaderRow() - 1).id, value.toString());
+    // After the editor has closed: the rename resets the rows, editor and all.
+    const QUuid id = m_state.collections().value(index.row() - collectionsHeaderRow() - 1).id;
+    QMetaObject::invokeMethod(
+        this, [this, id, name = value.toString()] { m_state.renameCollection(id, name); }, Qt::QueuedConnection);
     return true;
 }
 
