@@ -1,6 +1,7 @@
 #include "CollectionMemberModel.h"
 
 #include "Drops.h"
+#include "SidebarModel.h"
 
 #include "services/LicenseStatus.h"
 #include "state/AppState.h"
@@ -72,8 +73,7 @@ QVariant CollectionMemberModel::data(const QModelIndex &index, int role) const
         if (isMissing(member)) {
             parts.append(u"Missing"_s);
         } else {
-            static const QString kStates[] = {u"inactive"_s, u"active"_s, u"mixed"_s};
-            parts.append(kStates[static_cast<int>(m_state.activationState(node))]);
+            parts.append(SidebarModel::stateWord(m_state.activationState(node)));
         }
         parts.append(QFileInfo(member.path).absolutePath());
         return parts.join(u", "_s);

@@ -223,8 +223,8 @@ CollectionView::CollectionView(AppState &state, QUuid collectionId, QWidget *par
     line->setForegroundRole(QPalette::Mid);
     layout->addWidget(line);
 
-    auto *row = new QHBoxLayout;
-    row->setSpacing(0);
+    m_row = new QHBoxLayout;
+    m_row->setSpacing(0);
     m_body = new QStackedWidget(this);
     m_list = new CollectionMemberList(state, collectionId, m_body);
     auto *empty = new QLabel(u"Drag fonts or folders here"_s, m_body);
@@ -233,8 +233,8 @@ CollectionView::CollectionView(AppState &state, QUuid collectionId, QWidget *par
     TextStyles::applySecondary(empty);
     m_body->addWidget(m_list);
     m_body->addWidget(empty);
-    row->addWidget(m_body, 1);
-    layout->addLayout(row, 1);
+    m_row->addWidget(m_body, 1);
+    layout->addLayout(m_row, 1);
 
     connect(&state, &AppState::collectionsChanged, this, &CollectionView::syncHeader);
     connect(&state, &AppState::activatedFontsChanged, this, &CollectionView::syncHeader);
@@ -265,9 +265,8 @@ void CollectionView::syncHeader()
     QPainter painter(&icon);
     painter.setRenderHint(QPainter::Antialiasing);
     const std::optional<QImage> custom = collection.iconPath ? m_state.collectionIcon(*collection.iconPath) : std::nullopt;
-    const QLocale locale;
     SidebarRow::drawCollectionIcon(painter, QRectF(4, 4, 56, 56), custom.value_or(QImage()),
-                                   locale.toLower(collection.name) == locale.toLower(u"Favorites"_s), palette());
+                                   SidebarModel::isFavorites(collection.name), palette());
     painter.end();
     icon.setDevicePixelRatio(2);
     m_icon->setPixmap(icon);
@@ -291,7 +290,7 @@ void CollectionView::syncPreview()
         return;
     m_preview = new FontPreviewView(m_state, FontNode::fontFile(path), this);
     m_preview->setMinimumWidth(400);
-    static_cast<QHBoxLayout *>(layout()->itemAt(2)->layout())->addWidget(m_preview, 2);
+    m_row->addWidget(m_preview, 2);
     m_preview->show();
 }
 

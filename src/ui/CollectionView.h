@@ -7,6 +7,7 @@
 class AppState;
 class CollectionMemberModel;
 class FontPreviewView;
+class QHBoxLayout;
 class QLabel;
 class QPushButton;
 class QStackedWidget;
@@ -64,6 +65,7 @@ private:
     QLabel *m_name = nullptr;
     QLabel *m_counts = nullptr;
     QPushButton *m_toggle = nullptr;
+    QHBoxLayout *m_row = nullptr; // the members, then the preview
     QStackedWidget *m_body = nullptr;
     CollectionMemberList *m_list = nullptr;
     FontPreviewView *m_preview = nullptr;

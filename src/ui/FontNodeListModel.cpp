@@ -1,6 +1,7 @@
 #include "FontNodeListModel.h"
 
 #include "Drops.h"
+#include "SidebarModel.h"
 
 #include "state/AppState.h"
 
@@ -64,9 +65,8 @@ Qt::ItemFlags FontNodeListModel::flags(const QModelIndex &index) const
 
 QString FontNodeListModel::describe(const FontNode &node) const
 {
-    static const QString kStates[] = {u"inactive"_s, u"active"_s, u"mixed"_s};
     QString text = node.isDirectory() ? u"Folder, "_s : u"Font, "_s;
-    text += kStates[static_cast<int>(m_state.activationState(node))];
+    text += SidebarModel::stateWord(m_state.activationState(node));
     if (node.isDirectory()) {
         const LicenseStatus status = License::from(m_state.finderTagService().tags(node.path()));
         if (status != LicenseStatus::None)

@@ -28,35 +28,44 @@ QString SidebarModel::count(qsizetype number, const QString &noun)
     return u"%1 %2%3"_s.arg(number).arg(noun, number == 1 ? QString() : u"s"_s);
 }
 
+bool SidebarModel::isFavorites(const QString &name)
+{
+    const QLocale locale;
+    return locale.toLower(name) == locale.toLower(u"Favorites"_s);
+}
+
+QString SidebarModel::stateWord(ActivationState state)
+{
+    static const QString kStates[] = {u"inactive"_s, u"active"_s, u"mixed"_s};
+    return kStates[static_cast<int>(state)];
+}
+
 int SidebarModel::rowCount(const QModelIndex &parent) const
 {
     if (parent.isValid())
         return 0;
-    return 2 + static_cast<int>(std::max<qsizetype>(1, m_state.sources().size()) + m_state.collections().size());
+    return firstCollectionRow() + static_cast<int>(m_state.collections().size());
 }
 
-int SidebarModel::collectionsHeaderRow() const
+int SidebarModel::firstCollectionRow() const
 {
-    return 1 + static_cast<int>(std::max<qsizetype>(1, m_state.sources().size()));
+    return static_cast<int>(std::max<qsizetype>(1, m_state.sources().size())); // the placeholder holds one row
 }
 
 SidebarModel::Kind SidebarModel::kind(int row) const
 {
-    if (row == 0)
-        return Kind::SourcesHeader;
-    const int header = collectionsHeaderRow();
-    if (row < header)
-        return m_state.sources().isEmpty() ? Kind::Placeholder : Kind::Source;
-    return row == header ? Kind::CollectionsHeader : Kind::Collection;
+    if (row >= firstCollectionRow())
+        return Kind::Collection;
+    return m_state.sources().isEmpty() ? Kind::Placeholder : Kind::Source;
 }
 
 std::optional<SidebarItem> SidebarModel::item(int row) const
 {
     switch (kind(row)) {
     case Kind::Source:
-        return SidebarItem(m_state.sources().value(row - 1));
+        return SidebarItem(m_state.sources().value(row));
     case Kind::Collection:
-        return SidebarItem(m_state.collections().value(row - collectionsHeaderRow() - 1));
+        return SidebarItem(m_state.collections().value(row - firstCollectionRow()));
     default:
         return std::nullopt;
     }
@@ -68,13 +77,13 @@ int SidebarModel::rowOf(const SidebarItem &item) const
         const auto &sources = m_state.sources();
         for (qsizetype i = 0; i < sources.size(); ++i) {
             if (sources.at(i).id == source->id)
-                return static_cast<int>(i) + 1;
+                return static_cast<int>(i);
         }
     } else if (const FontCollection *collection = item.collection()) {
         const auto &collections = m_state.collections();
         for (qsizetype i = 0; i < collections.size(); ++i) {
             if (collections.at(i).id == collection->id)
-                return collectionsHeaderRow() + 1 + static_cast<int>(i);
+                return firstCollectionRow() + static_cast<int>(i);
         }
     }
     return -1;
@@ -93,9 +102,9 @@ ActivationState SidebarModel::activation(int row) const
 {
     switch (kind(row)) {
     case Kind::Source:
-        return m_state.activationState(FontNode::folder(m_state.sources().value(row - 1).path));
+        return m_state.activationState(FontNode::folder(m_state.sources().value(row).path));
     case Kind::Collection:
-        return m_state.collectionActivationState(m_state.collections().value(row - collectionsHeaderRow() - 1));
+        return m_state.collectionActivationState(m_state.collections().value(row - firstCollectionRow()));
     default:
         return ActivationState::Inactive;
     }
@@ -104,11 +113,11 @@ ActivationState SidebarModel::activation(int row) const
 QString SidebarModel::caption(int row) const
 {
     if (kind(row) == Kind::Source) {
-        const std::optional<qsizetype> fonts = sourceFontCount(row - 1);
+        const std::optional<qsizetype> fonts = sourceFontCount(row);
         return fonts ? count(*fonts, u"font"_s) : QString();
     }
     if (kind(row) == Kind::Collection) {
-        const FontCollection collection = m_state.collections().value(row - collectionsHeaderRow() - 1);
+        const FontCollection collection = m_state.collections().value(row - firstCollectionRow());
         return count(m_state.allFontsInCollection(collection).size(), u"font"_s) + u" · "_s
                + count(collection.members.size(), u"item"_s);
     }
@@ -126,23 +135,18 @@ QVariant SidebarModel::data(const QModelIndex &index, int role) const
     case Qt::EditRole:
     case Qt::AccessibleTextRole:
         switch (rowKind) {
-        case Kind::SourcesHeader: return u"Sources"_s;
-        case Kind::CollectionsHeader: return u"Collections"_s;
         case Kind::Placeholder: return u"No Sources"_s;
-        case Kind::Source: return m_state.sources().value(row - 1).name;
-        case Kind::Collection: return m_state.collections().value(row - collectionsHeaderRow() - 1).name;
+        case Kind::Source: return m_state.sources().value(row).name;
+        case Kind::Collection: return m_state.collections().value(row - firstCollectionRow()).name;
         }
         return {};
     case Qt::AccessibleDescriptionRole: {
         if (rowKind == Kind::Placeholder)
             return u"Click the + button to add a font folder."_s;
-        if (rowKind != Kind::Source && rowKind != Kind::Collection)
-            return {};
         QStringList parts{rowKind == Kind::Source ? u"Source"_s : u"Collection"_s};
         if (const QString text = caption(row); !text.isEmpty())
             parts.append(text);
-        static const QString kStates[] = {u"inactive"_s, u"active"_s, u"mixed"_s};
-        parts.append(kStates[static_cast<int>(activation(row))]);
+        parts.append(stateWord(activation(row)));
         return parts.join(u", "_s);
     }
     case KindRole: return static_cast<int>(rowKind);
@@ -151,16 +155,14 @@ QVariant SidebarModel::data(const QModelIndex &index, int role) const
     case IconRole: {
         if (rowKind != Kind::Collection)
             return {};
-        const std::optional<QString> &icon = m_state.collections().value(row - collectionsHeaderRow() - 1).iconPath;
+        const std::optional<QString> &icon = m_state.collections().value(row - firstCollectionRow()).iconPath;
         const std::optional<QImage> image = icon ? m_state.collectionIcon(*icon) : std::nullopt;
         return image ? QVariant(*image) : QVariant();
     }
     case FavoritesRole: {
         if (rowKind != Kind::Collection)
             return false;
-        const QLocale locale;
-        return locale.toLower(m_state.collections().value(row - collectionsHeaderRow() - 1).name)
-               == locale.toLower(u"Favorites"_s);
+        return isFavorites(m_state.collections().value(row - firstCollectionRow()).name);
     }
     default: return {};
     }
@@ -171,7 +173,7 @@ bool SidebarModel::setData(const QModelIndex &index, const QVariant &value, int 
     if (role != Qt::EditRole || kind(index.row()) != Kind::Collection)
         return false;
     // After the editor has closed: the rename resets the rows, editor and all.
-    const QUuid id = m_state.collections().value(index.row() - collectionsHeaderRow() - 1).id;
+    const QUuid id = m_state.collections().value(index.row() - firstCollectionRow()).id;
     QMetaObject::invokeMethod(
         this, [this, id, name = value.toString()] { m_state.renameCollection(id, name); }, Qt::QueuedConnection);
     return true;
@@ -182,8 +184,9 @@ Qt::ItemFlags SidebarModel::flags(const QModelIndex &index) const
     switch (kind(index.row())) {
     case Kind::Source: return Qt::ItemIsEnabled | Qt::ItemIsSelectable;
     case Kind::Collection: return Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsEditable | Qt::ItemIsDropEnabled;
-    default: return Qt::NoItemFlags; // headers and the placeholder: passed over by the keys
+    case Kind::Placeholder: break;
     }
+    return Qt::NoItemFlags; // the placeholder: passed over by the keys
 }
 
 void SidebarModel::refreshAll(const QList<int> &roles)

@@ -9,15 +9,15 @@
 
 class AppState;
 
-// The sidebar's rows over the store: a "Sources" header, the sources (or a placeholder
-// when there are none), a "Collections" header, the collections. Headers and the
-// placeholder can't be selected. Copies nothing: rows point into the store's lists.
+// The sidebar's rows over the store: the sources (or a placeholder when there are
+// none), then the collections. The placeholder can't be selected. Copies nothing:
+// rows point into the store's lists.
 class SidebarModel : public QAbstractListModel
 {
     Q_OBJECT
 
 public:
-    enum class Kind { SourcesHeader, Placeholder, Source, CollectionsHeader, Collection };
+    enum class Kind { Placeholder, Source, Collection };
     enum Role {
         KindRole = Qt::UserRole + 1,
         CaptionRole,    // "12 fonts", "3 fonts · 1 item"; empty while unknown
@@ -34,13 +34,17 @@ public:
     Qt::ItemFlags flags(const QModelIndex &index) const override;
 
     Kind kind(int row) const;
-    // The source or collection of a row; none for headers and the placeholder.
+    // The source or collection of a row; none for the placeholder.
     std::optional<SidebarItem> item(int row) const;
     int rowOf(const SidebarItem &item) const;
-    int collectionsHeaderRow() const;
+    int firstCollectionRow() const;
 
     // "1 font", "12 fonts", "0 items".
     static QString count(qsizetype number, const QString &noun);
+    // A collection named Favorites, in any letter case, gets the star.
+    static bool isFavorites(const QString &name);
+    // "inactive", "active", "mixed": what screen readers hear of a row's button.
+    static QString stateWord(ActivationState state);
 
 private:
     std::optional<qsizetype> sourceFontCount(int sourceIndex) const;

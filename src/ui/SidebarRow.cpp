@@ -22,7 +22,6 @@ constexpr qreal kPadding = 4;
 constexpr qreal kButtonSide = 18;
 constexpr qreal kSpacing = 6;
 constexpr int kRowHeight = 40;
-constexpr int kHeaderHeight = 26;
 constexpr int kPlaceholderHeight = 72;
 
 Kind kindOf(const QModelIndex &index)
@@ -76,19 +75,12 @@ SidebarRow::Layout SidebarRow::layout(const QRect &row, int kind)
 
 QSize SidebarRow::sizeHint(const QStyleOptionViewItem &, const QModelIndex &index) const
 {
-    switch (kindOf(index)) {
-    case Kind::SourcesHeader: return {200, kHeaderHeight};
-    case Kind::CollectionsHeader: return {200, kHeaderHeight + kCollectionsHeaderGap};
-    case Kind::Placeholder: return {200, kPlaceholderHeight};
-    default: return {200, kRowHeight};
-    }
+    return {200, kindOf(index) == Kind::Placeholder ? kPlaceholderHeight : kRowHeight};
 }
 
 void SidebarRow::paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const
 {
     const Kind kind = kindOf(index);
-    if (kind == Kind::SourcesHeader || kind == Kind::CollectionsHeader)
-        return; // its widget draws it
     if (kind == Kind::Placeholder)
         return paintPlaceholder(painter, option);
 
@@ -200,7 +192,7 @@ bool SidebarRow::helpEvent(QHelpEvent *event, QAbstractItemView *view, const QSt
                            const QModelIndex &index)
 {
     const Kind kind = kindOf(index);
-    if (event->type() != QEvent::ToolTip || (kind != Kind::Source && kind != Kind::Collection))
+    if (event->type() != QEvent::ToolTip || kind == Kind::Placeholder)
         return QStyledItemDelegate::helpEvent(event, view, option, index);
     const Layout parts = layout(option.rect, static_cast<int>(kind));
     const QString tip = parts.button.contains(event->pos())

@@ -5,8 +5,7 @@
 
 // Paints one sidebar row by its kind: a source (activation button, archive box, name,
 // font count), a collection (button, its icon, name, counts), or the placeholder shown
-// when there are no sources. The headers are real widgets laid over their rows. A
-// collection's name is edited in place in a field with the prompt "Name".
+// when there are no sources. A collection's name is edited in place in a field with the prompt "Name".
 class SidebarRow : public QStyledItemDelegate
 {
     Q_OBJECT

@@ -179,8 +179,8 @@ void SidebarList::keyPressEvent(QKeyEvent *event)
 void SidebarList::mousePressEvent(QMouseEvent *event)
 {
     const QModelIndex index = indexAt(event->position().toPoint());
-    const auto kind = index.isValid() ? m_model->kind(rowOf(index)) : SidebarModel::Kind::SourcesHeader;
-    const bool row = kind == SidebarModel::Kind::Source || kind == SidebarModel::Kind::Collection;
+    const auto kind = index.isValid() ? m_model->kind(rowOf(index)) : SidebarModel::Kind::Placeholder;
+    const bool row = kind != SidebarModel::Kind::Placeholder;
     if (row && event->button() == Qt::LeftButton
         && SidebarRow::layout(visualRect(index), static_cast<int>(kind)).button.contains(event->position())) {
         setFocus(Qt::MouseFocusReason);
@@ -420,14 +420,7 @@ void SourceListView::handOver()
 void SourceListView::moveAcross(bool down)
 {
     SidebarList *target = down ? m_collections : m_sources;
-    int row = -1;
-    for (int candidate = 0; candidate < m_model->rowCount(); ++candidate) {
-        if (target->showsRow(candidate) && (m_model->flags(m_model->index(candidate)) & Qt::ItemIsSelectable)) {
-            row = candidate;
-            if (down)
-                break; // the first collection; going up, the last source
-        }
-    }
+    const int row = target->edgeRow(!down); // the first collection; going up, the last source
     if (row < 0)
         return;
     target->setFocus(Qt::OtherFocusReason);

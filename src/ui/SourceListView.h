@@ -27,6 +27,8 @@ public:
     // Between the sidebar model's rows and this list's own indexes.
     QModelIndex indexForRow(int row) const;
     int rowOf(const QModelIndex &index) const;
+    // The sidebar model's row of this list's first or last selectable row; -1 for none.
+    int edgeRow(bool last) const;
 
 protected:
     void keyPressEvent(QKeyEvent *event) override;
@@ -43,7 +45,6 @@ protected:
 private:
     int collectionRowAt(const QPoint &point) const;
     void setDropRow(int row);
-    int edgeRow(bool last) const;
 
     SourceListView &m_sidebar;
     AppState &m_state;

@@ -13,6 +13,18 @@
 #include <QSignalSpy>
 #include <QTest>
 
+namespace {
+
+// A saved library of one source, as a previous run leaves it.
+void saveOneSource(const QString &library)
+{
+    TestSupport::writeFile(PersistenceService::defaultStorageFolder() + QStringLiteral("/sources.json"),
+                           "[{\"id\":\"6F1C1A52-0D63-4B4A-9C4E-1B2F8E3D42E2\",\"name\":\"Fonts\",\"path\":\"" +
+                               library.toUtf8() + "\"}]");
+}
+
+} // namespace
+
 TEST(MainWindow, ShowsTitledAndClosesCleanly)
 {
     MainWindow window;
@@ -62,9 +74,7 @@ TEST(MainWindow, EveryControlTabReachesHasAnAccessibleName)
 {
     const QString library = TestSupport::makeDir(TestSupport::testRoot() + QStringLiteral("/Fonts"));
     TestSupport::writeFile(library + QStringLiteral("/Sans/a.ttf"));
-    TestSupport::writeFile(PersistenceService::defaultStorageFolder() + QStringLiteral("/sources.json"),
-                           "[{\"id\":\"6F1C1A52-0D63-4B4A-9C4E-1B2F8E3D42E2\",\"name\":\"Fonts\",\"path\":\"" +
-                               library.toUtf8() + "\"}]");
+    saveOneSource(library);
     MainWindow window;
     window.show();
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
@@ -87,9 +97,7 @@ TEST(MainWindow, ShowsTheSelectedCollectionBesideTheSidebar)
 {
     const QString library = TestSupport::makeDir(TestSupport::testRoot() + QStringLiteral("/Fonts"));
     const QString font = TestSupport::writeFile(library + QStringLiteral("/a.ttf"));
-    TestSupport::writeFile(PersistenceService::defaultStorageFolder() + QStringLiteral("/sources.json"),
-                           "[{\"id\":\"6F1C1A52-0D63-4B4A-9C4E-1B2F8E3D42E2\",\"name\":\"Fonts\",\"path\":\"" +
-                               library.toUtf8() + "\"}]");
+    saveOneSource(library);
     MainWindow window;
     window.show();
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));

@@ -177,8 +177,7 @@ TEST_F(Sidebar, RowsCountFontsAndItemsWithTheirPlurals)
     EXPECT_EQ(caption(u"Folder"_s), u"3 fonts · 1 item"_s);
     EXPECT_EQ(model()->index(rowOf(u"Folder"_s)).data(Qt::AccessibleDescriptionRole).toString(),
               u"Collection, 3 fonts · 1 item, inactive"_s);
-    // The headers are real widgets with their add buttons; their rows are never shown.
-    EXPECT_EQ(model()->flags(model()->index(0)), Qt::NoItemFlags);
+    // The headers are real widgets with their add buttons, above each section's list.
     EXPECT_TRUE(addButton(u"Add a font folder source"_s) && addButton(u"Add a font folder source"_s)->isVisible());
     EXPECT_TRUE(addButton(u"New Collection"_s) && addButton(u"New Collection"_s)->isVisible());
     EXPECT_EQ(sidebar->sourcesList()->model()->rowCount(), 1);
@@ -186,9 +185,10 @@ TEST_F(Sidebar, RowsCountFontsAndItemsWithTheirPlurals)
 
     // Without sources, the placeholder; the collections stay.
     store.setSourcesForTesting({});
-    EXPECT_EQ(model()->index(1).data().toString(), u"No Sources"_s);
-    EXPECT_EQ(model()->index(1).data(Qt::AccessibleDescriptionRole).toString(), u"Click the + button to add a font folder."_s);
-    EXPECT_EQ(model()->flags(model()->index(1)), Qt::NoItemFlags);
+    EXPECT_EQ(model()->index(0).data().toString(), u"No Sources"_s);
+    EXPECT_EQ(model()->index(0).data(Qt::AccessibleDescriptionRole).toString(), u"Click the + button to add a font folder."_s);
+    EXPECT_EQ(model()->flags(model()->index(0)), Qt::NoItemFlags);
+    EXPECT_EQ(sidebar->sourcesList()->model()->rowCount(), 1);
     EXPECT_EQ(caption(u"One"_s), u"1 font · 1 item"_s);
     EXPECT_EQ(SidebarModel::count(12, u"font"_s), u"12 fonts"_s);
 }
