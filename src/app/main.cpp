@@ -1,3 +1,4 @@
+#include "AppMenus.h"
 #include "SingleInstance.h"
 
 #include "services/PersistenceService.h"
@@ -49,7 +50,8 @@ int main(int argc, char *argv[])
     QApplication app(argc, argv);
     QApplication::setApplicationName(u"Morvane"_s);
     QApplication::setOrganizationName(u"Morvane"_s);
-    QApplication::setDesktopFileName(u"morvane"_s);
+    QApplication::setApplicationVersion(QStringLiteral(MORVANE_VERSION));
+    QApplication::setDesktopFileName(u"morvane"_s); // data/morvane.desktop
     quitOnSignals(app);
 
     // Before any store exists: a second copy must not read or write our files.
@@ -64,6 +66,7 @@ int main(int argc, char *argv[])
     }
 
     MainWindow window;
+    AppMenus::install(window);
     QObject::connect(&instance, &SingleInstance::showRequested, &window, &MainWindow::bringToFront);
     window.show();
     return QApplication::exec();

@@ -2,31 +2,62 @@
 
 #include "CollectionView.h"
 #include "ColumnBrowserView.h"
+#include "EmptyStateView.h"
+#include "ProcessingOverlay.h"
+#include "ReindexingStrip.h"
+#include "SearchResultsView.h"
 #include "SourceListView.h"
+#include "ToolbarInputField.h"
 
 #include "services/FontActivationService.h"
 #include "services/PersistenceService.h"
 #include "state/AppState.h"
 
+#include <QAction>
 #include <QLabel>
 #include <QSplitter>
 #include <QStackedWidget>
-#include <QStatusBar>
+#include <QToolBar>
 #include <QVBoxLayout>
 
 using namespace Qt::StringLiterals;
 
+namespace {
+
+// Spaces and tabs only: the field holds one line.
+QString trimSpacesAndTabs(const QString &text)
+{
+    const auto blank = [](QChar c) { return c == u' ' || c == u'\t'; };
+    qsizetype begin = 0;
+    qsizetype end = text.size();
+    while (begin < end && blank(text.at(begin)))
+        ++begin;
+    while (end > begin && blank(text.at(end - 1)))
+        --end;
+    return text.mid(begin, end - begin);
+}
+
+} // namespace
+
 MainWindow::MainWindow(QWidget *parent)
+    : MainWindow(std::make_unique<FontActivationService>(), parent)
+{
+}
+
+MainWindow::MainWindow(std::unique_ptr<FontActivating> activation, QWidget *parent)
     : QMainWindow(parent)
-    , m_activation(std::make_unique<FontActivationService>())
+    , m_activation(std::move(activation))
     , m_persistence(std::make_unique<PersistenceService>())
     , m_state(std::make_unique<AppState>(*m_activation, *m_persistence))
 {
-    setWindowTitle(u"Morvane"_s);
-    resize(1100, 700);
+    setWindowTitle(QString()); // the desktop shows the application's name
+    setWindowIcon(QIcon::fromTheme(u"morvane"_s, QIcon(u":/morvane/morvane.svg"_s)));
+    setMinimumSize(900, 500);
+    resize(1100, 650);
     auto *central = new QWidget(this);
     auto *layout = new QVBoxLayout(central);
     layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
     m_saveFailure = new QLabel(central);
     m_saveFailure->setAccessibleName(u"Save problem"_s);
     m_saveFailure->setWordWrap(true);
@@ -34,20 +65,24 @@ MainWindow::MainWindow(QWidget *parent)
     m_saveFailure->setStyleSheet(u"QLabel { background: #fde2e1; color: #5c1a16; padding: 8px 12px; }"_s);
     m_saveFailure->hide();
     layout->addWidget(m_saveFailure);
-    // The sidebar, then the selected source's browser or the selected collection's view.
-    auto *split = new QSplitter(Qt::Horizontal, central);
-    split->setChildrenCollapsible(false);
-    m_sidebar = new SourceListView(*m_state, split);
-    m_detail = new QStackedWidget(split);
-    m_browser = new ColumnBrowserView(*m_state, m_detail);
-    m_detail->addWidget(m_browser);
-    split->addWidget(m_sidebar);
-    split->addWidget(m_detail);
-    split->setStretchFactor(1, 1);
-    split->setSizes({220, 880});
-    layout->addWidget(split, 1);
+    // The sidebar is always there: no toggle, and no drag can fold it away.
+    m_split = new QSplitter(Qt::Horizontal, central);
+    m_split->setChildrenCollapsible(false);
+    m_sidebar = new SourceListView(*m_state, m_split);
+    m_sidebar->setMinimumWidth(kSidebarMinimum);
+    m_sidebar->setMaximumWidth(kSidebarMaximum);
+    m_split->addWidget(m_sidebar);
+    m_split->addWidget(buildDetailColumn(m_split));
+    m_split->setCollapsible(0, false);
+    m_split->setCollapsible(1, false);
+    m_split->setStretchFactor(0, 0);
+    m_split->setStretchFactor(1, 1);
+    m_split->setSizes({200, 900});
+    layout->addWidget(m_split, 1);
     setCentralWidget(central);
-    connect(m_state.get(), &AppState::sidebarSelectionChanged, this, &MainWindow::showSelection);
+    buildToolbar();
+    m_overlay = new ProcessingOverlay(*m_state, this);
+
     connect(m_sidebar, &SourceListView::collectionFocusRequested, this, [this] {
         if (!m_collection)
             return;
@@ -56,19 +91,127 @@ MainWindow::MainWindow(QWidget *parent)
             list->setCurrentIndex(list->model()->index(0, 0));
         list->setFocus(Qt::OtherFocusReason);
     });
-    m_status = new QLabel(this);
-    m_status->setAccessibleName(u"Status"_s);
-    statusBar()->addWidget(m_status, 1);
+    connect(m_empty, &EmptyStateView::addFolderRequested, this, &MainWindow::addFolders);
     connect(m_state.get(), &AppState::saveFailureChanged, this, &MainWindow::updateSaveFailure);
-    connect(m_state.get(), &AppState::isIndexingChanged, this, &MainWindow::updateStatus);
-    connect(m_state.get(), &AppState::isProcessingChanged, this, &MainWindow::updateStatus);
-    connect(m_state.get(), &AppState::processingMessageChanged, this, &MainWindow::updateStatus);
+    connect(m_state.get(), &AppState::sidebarSelectionChanged, this, &MainWindow::showDetail);
+    connect(m_state.get(), &AppState::searchQueryChanged, this, &MainWindow::showDetail);
+    connect(m_state.get(), &AppState::collectionsChanged, this, &MainWindow::showDetail);
+    connect(m_state.get(), &AppState::sourcesChanged, this, &MainWindow::showDetail);
+    watchSearch();
+    showDetail();
 }
 
 // The store goes first: it waits for a running batch job, which uses the services.
 MainWindow::~MainWindow()
 {
     m_state.reset();
+}
+
+QWidget *MainWindow::buildDetailColumn(QWidget *parent)
+{
+    auto *column = new QWidget(parent);
+    auto *layout = new QVBoxLayout(column);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    m_strip = new ReindexingStrip(*m_state, column);
+    layout->addWidget(m_strip);
+    m_detail = new QStackedWidget(column);
+    m_results = new SearchResultsView(*m_state, m_detail);
+    m_browser = new ColumnBrowserView(*m_state, m_detail);
+    m_empty = new EmptyStateView(m_detail);
+    m_detail->addWidget(m_results);
+    m_detail->addWidget(m_browser);
+    m_detail->addWidget(m_empty);
+    layout->addWidget(m_detail, 1);
+    return column;
+}
+
+void MainWindow::buildToolbar()
+{
+    m_toolbar = new QToolBar(u"Search"_s, this);
+    m_toolbar->setObjectName(u"searchToolbar"_s);
+    m_toolbar->setMovable(false);
+    m_toolbar->setFloatable(false);
+    m_toolbar->toggleViewAction()->setVisible(false);
+    m_search = new ToolbarInputField(u"Search…"_s, m_toolbar);
+    // Centred: a stretch on either side of the field.
+    for (int side = 0; side < 2; ++side) {
+        auto *stretch = new QWidget(m_toolbar);
+        stretch->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
+        m_toolbar->addWidget(stretch);
+        if (side == 0)
+            m_toolbar->addWidget(m_search);
+    }
+    addToolBar(Qt::TopToolBarArea, m_toolbar);
+    auto *find = new QAction(u"Find"_s, this);
+    find->setShortcut(QKeySequence::Find);
+    find->setShortcutContext(Qt::WindowShortcut);
+    connect(find, &QAction::triggered, m_search, &ToolbarInputField::focusField);
+    addAction(find);
+}
+
+// The field, the store's query and the sidebar's selection keep in step: typing ends
+// the selection, clearing the search goes back to the first source, and choosing
+// anything in the sidebar ends the search.
+void MainWindow::watchSearch()
+{
+    connect(m_search, &ToolbarInputField::draftChanged, this,
+            [this](const QString &draft) { m_state->setSearchQuery(trimSpacesAndTabs(draft)); });
+    connect(m_search, &ToolbarInputField::cleared, this, [this] { m_state->setSearchQuery(QString()); });
+    connect(m_state.get(), &AppState::searchQueryChanged, this, [this] {
+        if (!m_state->searchQuery().isEmpty()) {
+            m_state->setSidebarSelection(std::nullopt);
+            return;
+        }
+        m_search->setDraft(QString());
+        if (!m_state->sidebarSelection() && !m_state->sources().isEmpty())
+            m_state->setSidebarSelection(SidebarItem(m_state->sources().first()));
+    });
+    connect(m_state.get(), &AppState::sidebarSelectionChanged, this, [this] {
+        if (!m_state->sidebarSelection())
+            return;
+        if (!m_search->draft().isEmpty() || m_state->isSearching()) {
+            m_search->setDraft(QString());
+            m_state->setSearchQuery(QString());
+        }
+    });
+}
+
+QWidget *MainWindow::detail() const
+{
+    return m_detail->currentWidget();
+}
+
+void MainWindow::showDetail()
+{
+    std::optional<FontCollection> collection;
+    if (m_state->isSearching()) {
+        m_detail->setCurrentWidget(m_results);
+    } else if (m_state->selectedSource()) {
+        m_detail->setCurrentWidget(m_browser);
+    } else if ((collection = m_state->selectedCollection())) {
+        showCollection(collection->id);
+        return;
+    } else {
+        m_detail->setCurrentWidget(m_empty);
+    }
+    delete m_collection; // a collection's view lives while it is shown
+    m_collection = nullptr;
+}
+
+void MainWindow::showCollection(const QUuid &id)
+{
+    if (!m_collection || m_collection->collectionId() != id) {
+        delete m_collection;
+        m_collection = new CollectionView(*m_state, id, m_detail);
+        m_detail->addWidget(m_collection);
+    }
+    m_detail->setCurrentWidget(m_collection);
+}
+
+void MainWindow::addFolders()
+{
+    m_sidebar->addSources();
 }
 
 void MainWindow::showEvent(QShowEvent *event)
@@ -94,32 +237,4 @@ void MainWindow::bringToFront()
     show();
     raise();
     activateWindow();
-}
-
-void MainWindow::showSelection()
-{
-    const std::optional<SidebarItem> &selection = m_state->sidebarSelection();
-    const FontCollection *collection = selection ? selection->collection() : nullptr;
-    if (!collection) {
-        delete m_collection;
-        m_collection = nullptr;
-        m_detail->setCurrentWidget(m_browser);
-        return;
-    }
-    if (m_collection && m_collection->collectionId() == collection->id)
-        return;
-    delete m_collection;
-    m_collection = new CollectionView(*m_state, collection->id, m_detail);
-    m_detail->addWidget(m_collection);
-    m_detail->setCurrentWidget(m_collection);
-}
-
-void MainWindow::updateStatus()
-{
-    if (m_state->isProcessing())
-        m_status->setText(m_state->processingMessage());
-    else if (m_state->isIndexing())
-        m_status->setText(u"Updating font library…"_s);
-    else
-        m_status->clear();
 }

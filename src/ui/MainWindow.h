@@ -7,45 +7,79 @@
 class AppState;
 class CollectionView;
 class ColumnBrowserView;
-class QStackedWidget;
-class SourceListView;
-class FontActivationService;
+class EmptyStateView;
+class FontActivating;
 class PersistenceService;
+class ProcessingOverlay;
 class QLabel;
+class QSplitter;
+class QStackedWidget;
+class QToolBar;
+class ReindexingStrip;
+class SearchResultsView;
+class SourceListView;
+class ToolbarInputField;
 
-// Morvane's one window. It owns the store and the services it is built on, and
-// restores the saved library the first time it is shown.
+// Morvane's one window: the sidebar beside the detail area, the search field in the
+// toolbar, the re-indexing strip and the batch-job overlay. It owns the store and the
+// services it is built on, and restores the saved library the first time it is shown.
 class MainWindow : public QMainWindow
 {
     Q_OBJECT
 
 public:
     explicit MainWindow(QWidget *parent = nullptr);
+    // With another way of activating fonts than the system's (tests).
+    explicit MainWindow(std::unique_ptr<FontActivating> activation, QWidget *parent = nullptr);
     ~MainWindow() override;
 
     AppState &state() { return *m_state; }
     ColumnBrowserView &browser() { return *m_browser; }
     SourceListView &sidebar() { return *m_sidebar; }
-    // The selected collection's view; none while a source is selected.
+    ToolbarInputField &searchField() { return *m_search; }
+    SearchResultsView &searchResults() { return *m_results; }
+    EmptyStateView &emptyState() { return *m_empty; }
+    ReindexingStrip &reindexingStrip() { return *m_strip; }
+    ProcessingOverlay &overlay() { return *m_overlay; }
+    QSplitter &splitter() { return *m_split; }
+    QToolBar &toolbar() { return *m_toolbar; }
+    // The selected collection's view; none unless a collection is shown.
     CollectionView *collectionView() const { return m_collection; }
+    // What the detail area shows now.
+    QWidget *detail() const;
+    // The folder chooser, as the menu and the empty state's button run it.
+    void addFolders();
+    QMenu *createPopupMenu() override { return nullptr; } // nothing to hide or move
     // A second start of Morvane asked for this window.
     void bringToFront();
+
+    static constexpr int kSidebarMinimum = 180;
+    static constexpr int kSidebarMaximum = 260;
 
 protected:
     void showEvent(QShowEvent *event) override;
 
 private:
-    void updateStatus();
-    void showSelection();
+    QWidget *buildDetailColumn(QWidget *parent);
+    void buildToolbar();
+    void watchSearch();
+    void showDetail();
+    void showCollection(const QUuid &id);
     void updateSaveFailure();
 
-    std::unique_ptr<FontActivationService> m_activation;
+    std::unique_ptr<FontActivating> m_activation;
     std::unique_ptr<PersistenceService> m_persistence;
     std::unique_ptr<AppState> m_state;
-    QLabel *m_status = nullptr;
     QLabel *m_saveFailure = nullptr;
-    ColumnBrowserView *m_browser = nullptr;
+    QToolBar *m_toolbar = nullptr;
+    ToolbarInputField *m_search = nullptr;
+    QSplitter *m_split = nullptr;
     SourceListView *m_sidebar = nullptr;
+    ReindexingStrip *m_strip = nullptr;
     QStackedWidget *m_detail = nullptr;
+    SearchResultsView *m_results = nullptr;
+    ColumnBrowserView *m_browser = nullptr;
+    EmptyStateView *m_empty = nullptr;
     CollectionView *m_collection = nullptr;
+    ProcessingOverlay *m_overlay = nullptr;
 };

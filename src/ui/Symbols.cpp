@@ -1,5 +1,6 @@
 #include "Symbols.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include <QPainter>
@@ -109,6 +110,58 @@ void drawFolder(QPainter &painter, const QRectF &box, const QColor &colour)
     painter.setPen(Qt::NoPen);
     painter.setBrush(colour);
     painter.drawPath(folder);
+    painter.restore();
+}
+
+void drawFolderBadgePlus(QPainter &painter, const QRectF &box, const QColor &colour, const QColor &badgeInk)
+{
+    drawFolder(painter, box.adjusted(0, 0, -box.width() * 0.12, -box.height() * 0.08), colour);
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    const qreal side = box.width() * 0.44;
+    const QRectF badge(box.right() - side, box.bottom() - side, side, side);
+    // A ring of the background's colour parts the badge from the folder.
+    painter.setPen(QPen(badgeInk, side * 0.12));
+    painter.setBrush(colour);
+    painter.drawEllipse(badge);
+    painter.setPen(QPen(badgeInk, side * 0.12, Qt::SolidLine, Qt::RoundCap));
+    const QPointF c = badge.center();
+    const qreal arm = side * 0.24;
+    painter.drawLine(QPointF(c.x() - arm, c.y()), QPointF(c.x() + arm, c.y()));
+    painter.drawLine(QPointF(c.x(), c.y() - arm), QPointF(c.x(), c.y() + arm));
+    painter.restore();
+}
+
+void drawMagnifier(QPainter &painter, const QRectF &box, const QColor &colour)
+{
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    const qreal side = std::min(box.width(), box.height());
+    const qreal stroke = std::max<qreal>(1.2, side * 0.12);
+    const QRectF square(box.center().x() - side / 2, box.center().y() - side / 2, side, side);
+    const QRectF lens(square.left() + stroke / 2, square.top() + stroke / 2, side * 0.66, side * 0.66);
+    painter.setPen(QPen(colour, stroke, Qt::SolidLine, Qt::RoundCap));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawEllipse(lens);
+    const qreal reach = lens.width() / 2 * 0.7071;
+    painter.drawLine(lens.center() + QPointF(reach, reach), square.bottomRight() - QPointF(stroke / 2, stroke / 2));
+    painter.restore();
+}
+
+void drawClear(QPainter &painter, const QRectF &box, const QColor &colour, const QColor &crossInk)
+{
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    const qreal side = std::min(box.width(), box.height());
+    const QRectF circle(box.center().x() - side / 2, box.center().y() - side / 2, side, side);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(colour);
+    painter.drawEllipse(circle);
+    painter.setPen(QPen(crossInk, side * 0.1, Qt::SolidLine, Qt::RoundCap));
+    const QPointF c = circle.center();
+    const qreal arm = side * 0.2;
+    painter.drawLine(c + QPointF(-arm, -arm), c + QPointF(arm, arm));
+    painter.drawLine(c + QPointF(-arm, arm), c + QPointF(arm, -arm));
     painter.restore();
 }
 

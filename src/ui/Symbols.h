@@ -35,6 +35,12 @@ void drawArchiveBox(QPainter &painter, const QRectF &box, const QColor &colour);
 void drawStar(QPainter &painter, const QRectF &box, const QColor &colour);
 // Three stacked layers: any other collection.
 void drawStack(QPainter &painter, const QRectF &box, const QColor &colour);
+// A folder with a plus badge at its lower right: "add a folder".
+void drawFolderBadgePlus(QPainter &painter, const QRectF &box, const QColor &colour, const QColor &badgeInk);
+// A magnifying glass: search.
+void drawMagnifier(QPainter &painter, const QRectF &box, const QColor &colour);
+// A cross in a filled circle: clear a field.
+void drawClear(QPainter &painter, const QRectF &box, const QColor &colour, const QColor &crossInk);
 QColor amber();  // the star's colour
 QColor purple(const QPalette &palette);
 

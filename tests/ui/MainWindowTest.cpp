@@ -1,41 +1,102 @@
 #include "TestSupport.h"
+#include "WindowFixture.h"
 
 #include "services/PersistenceService.h"
 #include "state/AppState.h"
 #include "ui/CollectionView.h"
 #include "ui/ColumnBrowserView.h"
+#include "ui/EmptyStateView.h"
 #include "ui/MainWindow.h"
+#include "ui/ProcessingOverlay.h"
+#include "ui/ReindexingStrip.h"
+#include "ui/SearchResultsView.h"
+#include "ui/SidebarModel.h"
 #include "ui/SourceListView.h"
+#include "ui/ToolbarInputField.h"
 
 #include <QDir>
 #include <QFileInfo>
+#include <QGraphicsOpacityEffect>
 #include <QLabel>
+#include <QLineEdit>
+#include <QMenuBar>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QSemaphore>
 #include <QSignalSpy>
+#include <QSplitter>
 #include <QTest>
+#include <QToolBar>
+
+using namespace Qt::StringLiterals;
+using WindowFixture::openWindow;
+using WindowFixture::saveOneSource;
 
 namespace {
 
-// A saved library of one source, as a previous run leaves it.
-void saveOneSource(const QString &library)
+QStringList labelTexts(QWidget *root)
 {
-    TestSupport::writeFile(PersistenceService::defaultStorageFolder() + QStringLiteral("/sources.json"),
-                           "[{\"id\":\"6F1C1A52-0D63-4B4A-9C4E-1B2F8E3D42E2\",\"name\":\"Fonts\",\"path\":\"" +
-                               library.toUtf8() + "\"}]");
+    QStringList texts;
+    for (QLabel *label : root->findChildren<QLabel *>()) {
+        if (label->isVisibleTo(root))
+            texts << label->text();
+    }
+    return texts;
 }
+
+// Drags the splitter's handle by the mouse to `x` in the splitter.
+void dragSplitterTo(QSplitter &split, int x)
+{
+    QSplitterHandle *handle = split.handle(1);
+    const QPoint grip = handle->rect().center();
+    QTest::mousePress(handle, Qt::LeftButton, {}, grip);
+    QTest::mouseMove(handle, QPoint(x - handle->x(), grip.y()));
+    QTest::mouseRelease(handle, Qt::LeftButton, {}, QPoint(x - handle->x(), grip.y()));
+}
+
+// Activation that holds each batch chunk until the test lets it through.
+class GatedActivation : public InstantActivation
+{
+public:
+    explicit GatedActivation(QSemaphore &gate) : m_gate(gate) {}
+    QList<bool> activateFonts(const QStringList &paths) override
+    {
+        m_gate.acquire();
+        return QList<bool>(paths.size(), true);
+    }
+
+private:
+    QSemaphore &m_gate;
+};
 
 } // namespace
 
-TEST(MainWindow, ShowsTitledAndClosesCleanly)
+// The window has no title of its own, opens at 1100 × 650, never gets smaller than
+// 900 × 500, and its sidebar stays between 180 and 260 wide whatever the divider's drag:
+// nothing can fold it away.
+TEST(MainWindow, KeepsItsSizesAndItsSidebar)
 {
-    MainWindow window;
-    window.show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
-    EXPECT_EQ(window.windowTitle(), QStringLiteral("Morvane"));
-    EXPECT_TRUE(window.close());
-    EXPECT_FALSE(window.isVisible());
+    auto window = openWindow();
+    EXPECT_TRUE(window->windowTitle().isEmpty());
+    EXPECT_EQ(window->size(), QSize(1100, 650));
+    window->resize(400, 300);
+    EXPECT_GE(window->width(), 900);
+    EXPECT_GE(window->height(), 500);
+
+    QSplitter &split = window->splitter();
+    for (const auto &[x, width] : {std::pair{0, 180}, std::pair{-50, 180}, std::pair{700, 260}, std::pair{220, 220}}) {
+        dragSplitterTo(split, x);
+        EXPECT_NEAR(window->sidebar().width(), width, 2) << "dragged to " << x;
+        EXPECT_TRUE(window->sidebar().isVisible());
+    }
+    EXPECT_FALSE(window->toolbar().isMovable());
+    EXPECT_EQ(window->createPopupMenu(), nullptr); // no menu that could hide the toolbar
+    for (QAction *action : window->findChildren<QAction *>())
+        EXPECT_FALSE(action->text().contains(u"sidebar"_s, Qt::CaseInsensitive)) << action->text().toStdString();
+    EXPECT_TRUE(window->close());
+    EXPECT_FALSE(window->isVisible());
 }
 
-// A save that fails is shown in the window until a save succeeds again.
 TEST(MainWindow, ShowsAFailedSaveUntilASaveSucceeds)
 {
     MainWindow window;
@@ -69,26 +130,172 @@ TEST(MainWindow, ShowsAFailedSaveUntilASaveSucceeds)
     EXPECT_TRUE(QFileInfo(storage + QStringLiteral("/sources.json")).isFile());
 }
 
-// Tab reaches every control of the window, and each tells a screen reader its name.
+// The detail area shows the first that holds: the results while searching, the
+// browser for a source, the view of a collection, else the empty state, which reads
+// "No Font Sources" even when sources exist.
+TEST(MainWindow, DetailShowsTheFirstThatHolds)
+{
+    const QString library = TestSupport::makeDir(TestSupport::testRoot() + u"/Fonts"_s);
+    TestSupport::writeFile(library + u"/Sans/a.ttf"_s);
+    saveOneSource(library);
+    auto window = openWindow();
+    AppState &store = window->state();
+    ASSERT_TRUE(store.selectedSource());
+    EXPECT_EQ(window->detail(), &window->browser());
+
+    store.createCollection(u"Picks"_s);
+    ASSERT_TRUE(store.selectedCollection());
+    ASSERT_TRUE(window->collectionView());
+    EXPECT_EQ(window->detail(), window->collectionView());
+    EXPECT_TRUE(window->collectionView()->isVisible());
+
+    store.setSidebarSelection(std::nullopt);
+    EXPECT_EQ(window->detail(), &window->emptyState());
+    EXPECT_EQ(window->collectionView(), nullptr);
+    EXPECT_TRUE(window->emptyState().isVisible());
+    EXPECT_TRUE(labelTexts(&window->emptyState()).contains(u"No Font Sources"_s));
+
+    QTest::keyClicks(window->searchField().lineEdit(), u"Sans"_s);
+    EXPECT_EQ(window->detail(), &window->searchResults());
+    EXPECT_TRUE(window->searchResults().isVisible());
+}
+
+// With nothing saved the window invites a first folder; its button runs the folder
+// chooser and adds every chosen folder in order, and a cancelled chooser adds nothing.
+TEST(MainWindow, EmptyStateAddsTheChosenFolders)
+{
+    auto window = openWindow();
+    EmptyStateView &empty = window->emptyState();
+    ASSERT_EQ(window->detail(), &empty);
+    EXPECT_TRUE(labelTexts(&empty).contains(u"No Font Sources"_s));
+    EXPECT_TRUE(labelTexts(&empty).contains(u"Add a folder containing your fonts to get started."_s));
+    EXPECT_EQ(empty.addButton()->text(), u"Add Folder"_s);
+
+    QStringList chosen;
+    window->sidebar().setFolderChooser([&] { return chosen; });
+    QTest::mouseClick(empty.addButton(), Qt::LeftButton);
+    EXPECT_TRUE(window->state().sources().isEmpty()) << "cancelled";
+
+    chosen = {TestSupport::makeDir(TestSupport::testRoot() + u"/Zeta"_s),
+              TestSupport::makeDir(TestSupport::testRoot() + u"/Alpha"_s)};
+    QTest::mouseClick(empty.addButton(), Qt::LeftButton);
+    ASSERT_EQ(window->state().sources().size(), 2);
+    EXPECT_EQ(window->state().sources().at(0).path, chosen.at(0));
+    EXPECT_EQ(window->state().sources().at(1).path, chosen.at(1));
+}
+
+// While the library is re-indexed a spinner and its words sit above the detail area,
+// taking room from it rather than covering it; the divider stays afterwards.
+TEST(MainWindow, ReindexingStripShowsWhileTheLibraryIsIndexed)
+{
+    const QString library = TestSupport::makeDir(TestSupport::testRoot() + u"/Fonts"_s);
+    TestSupport::writeFile(library + u"/Sans/a.ttf"_s);
+    saveOneSource(library);
+    auto window = openWindow();
+    ReindexingStrip &strip = window->reindexingStrip();
+    EXPECT_FALSE(strip.indicator()->isVisible());
+    EXPECT_TRUE(strip.isVisible()) << "the divider";
+    EXPECT_TRUE(QTest::qWaitFor([&] { return strip.height() == 1; })) << "the divider alone";
+    const int calmTop = window->browser().mapTo(window.get(), QPoint()).y();
+
+    // The scan waits for the test, so the strip's moment lasts.
+    QSemaphore gate;
+    window->state().setLibraryScannerForTesting(
+        [&gate](const QList<FolderSource> &, const QList<CollectionMember> &, const CancellationToken &) {
+            gate.acquire();
+            return AppState::LibraryScan{std::make_shared<FileSystemService>(), {}};
+        });
+    window->state().refreshFileSystem();
+    ASSERT_TRUE(window->state().isIndexing());
+    EXPECT_TRUE(strip.indicator()->isVisible());
+    EXPECT_TRUE(labelTexts(&strip).contains(u"Updating font library…"_s));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return window->browser().mapTo(window.get(), QPoint()).y() > calmTop; }))
+        << "the strip takes room";
+    gate.release();
+
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !window->state().isIndexing(); }, 20'000));
+    EXPECT_FALSE(strip.indicator()->isVisible());
+}
+
+// A batch job dims the whole window under a card with its message and percentage; a
+// click on a sidebar row and a menu shortcut meanwhile do nothing; then it goes and the
+// window answers again.
+TEST(MainWindow, ProcessingOverlayShowsTheJobAndSwallowsInput)
+{
+    EXPECT_EQ(ProcessingOverlay::percentText(0.999), u"99%"_s);
+    EXPECT_EQ(ProcessingOverlay::percentText(1.0), u"100%"_s);
+
+    const QString library = TestSupport::makeDir(TestSupport::testRoot() + u"/Fonts"_s);
+    for (int i = 0; i < 16; ++i)
+        TestSupport::writeFile(library + u"/Batch/f%1.ttf"_s.arg(i, 2, 10, QChar(u'0')));
+    saveOneSource(library);
+    QSemaphore gate;
+    auto window = openWindow(std::make_unique<GatedActivation>(gate));
+    AppState &store = window->state();
+    store.createCollection(u"Picks"_s);
+    store.setSidebarSelection(SidebarItem(store.sources().first()));
+    SidebarList *collections = window->sidebar().collectionsList();
+    const QPoint onPicks = collections->viewport()->mapTo(
+        window.get(), collections->visualRect(collections->indexForRow(window->sidebar().sidebarModel()->firstCollectionRow())).center());
+
+    store.toggleActivation(FontNode::folder(library + u"/Batch"_s));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return store.isProcessing(); }));
+    ProcessingOverlay &overlay = window->overlay();
+    EXPECT_TRUE(overlay.isVisible());
+    EXPECT_EQ(overlay.geometry(), window->rect()) << "toolbar and sidebar included";
+    EXPECT_EQ(overlay.message()->text(), u"Activating fonts (0 of 16)..."_s);
+    EXPECT_EQ(overlay.percentage()->text(), u"0%"_s);
+
+    QTest::mouseClick(window->windowHandle(), Qt::LeftButton, {}, onPicks);
+    EXPECT_TRUE(store.selectedSource()) << "the click did not reach the sidebar";
+    QTest::keyClick(window->windowHandle(), Qt::Key_N, Qt::ControlModifier | Qt::ShiftModifier);
+    QTest::keyClick(window->windowHandle(), Qt::Key_Down);
+    EXPECT_EQ(store.collections().size(), 1);
+    EXPECT_TRUE(store.selectedSource());
+
+    gate.release();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return overlay.percentage()->text() == u"50%"_s; }));
+    EXPECT_EQ(overlay.message()->text(), u"Activating fonts (8 of 16)..."_s);
+    EXPECT_EQ(overlay.bar()->value(), overlay.bar()->maximum() / 2);
+    gate.release();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !overlay.isVisible(); }));
+    EXPECT_EQ(store.activatedFonts().size(), 16);
+
+    QTest::mouseClick(window->windowHandle(), Qt::LeftButton, {}, onPicks);
+    EXPECT_TRUE(store.selectedCollection()) << "clicks reach the window again";
+}
+
+// Tab reaches every control of the window, and each tells a screen reader its name:
+// beside the browser, the search results and the empty state alike.
 TEST(MainWindow, EveryControlTabReachesHasAnAccessibleName)
 {
-    const QString library = TestSupport::makeDir(TestSupport::testRoot() + QStringLiteral("/Fonts"));
-    TestSupport::writeFile(library + QStringLiteral("/Sans/a.ttf"));
+    const QString library = TestSupport::makeDir(TestSupport::testRoot() + u"/Fonts"_s);
+    TestSupport::writeFile(library + u"/Sans/a.ttf"_s);
     saveOneSource(library);
-    MainWindow window;
-    window.show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
-    ASSERT_TRUE(QTest::qWaitFor([&] { return !window.state().isIndexing() && !window.state().isProcessing(); }, 20'000));
-    window.activateWindow();
-    QWidget *first = window.nextInFocusChain();
-    QSet<QWidget *> seen;
-    for (QWidget *widget = first; widget && !seen.contains(widget); widget = widget->nextInFocusChain()) {
-        seen.insert(widget);
-        if (!(widget->focusPolicy() & Qt::TabFocus) || !widget->isVisibleTo(&window) || widget == &window)
-            continue;
-        EXPECT_FALSE(widget->accessibleName().isEmpty()) << widget->metaObject()->className();
-    }
-    EXPECT_GE(seen.size(), 3); // the path bar's button and the column, at least
+    auto window = openWindow();
+    window->activateWindow();
+    const auto walk = [&](const char *where) {
+        QSet<QWidget *> seen;
+        int named = 0;
+        for (QWidget *widget = window->nextInFocusChain(); widget && !seen.contains(widget);
+             widget = widget->nextInFocusChain()) {
+            seen.insert(widget);
+            if (!(widget->focusPolicy() & Qt::TabFocus) || !widget->isVisibleTo(window.get()) || widget == window.get())
+                continue;
+            EXPECT_FALSE(widget->accessibleName().isEmpty()) << where << ": " << widget->metaObject()->className();
+            ++named;
+        }
+        EXPECT_GE(named, 4) << where; // the search field, the two sidebar lists and more
+    };
+    walk("browser");
+    QTest::keyClicks(window->searchField().lineEdit(), u"Sans"_s);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !window->state().isSearchingFolders(); }));
+    ASSERT_EQ(window->searchResults().currentWidget(), window->searchResults().list());
+    walk("search results");
+    window->searchField().setDraft(QString());
+    window->state().setSidebarSelection(std::nullopt);
+    ASSERT_EQ(window->detail(), &window->emptyState());
+    walk("empty state");
 }
 
 // The detail area follows the sidebar: a source's browser, or a collection's view,

@@ -1,0 +1,57 @@
+#pragma once
+
+#include <QListView>
+#include <QPersistentModelIndex>
+#include <QStackedWidget>
+
+class AppState;
+class QLabel;
+class SearchResultsModel;
+
+// The hits as a list. A click on a row's button toggles the folder's activation; a
+// click elsewhere leaves the search for that folder in the browser; a drag offers the
+// folder's path and navigates nowhere.
+class SearchResultsList : public QListView
+{
+    Q_OBJECT
+
+public:
+    SearchResultsList(AppState &state, SearchResultsModel *model, QWidget *parent = nullptr);
+
+protected:
+    void mousePressEvent(QMouseEvent *event) override;
+    void mouseMoveEvent(QMouseEvent *event) override;
+    void mouseReleaseEvent(QMouseEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+
+private:
+    void open(int row);
+
+    AppState &m_state;
+    SearchResultsModel *m_model;
+    QPersistentModelIndex m_pressedRow;
+    QPoint m_pressedAt;
+};
+
+// What fills the detail area during a folder search: "Searching folders…" while the
+// search or the library's indexing runs, else the hits, else "No matching folders".
+class SearchResultsView : public QStackedWidget
+{
+    Q_OBJECT
+
+public:
+    explicit SearchResultsView(AppState &state, QWidget *parent = nullptr);
+
+    SearchResultsList *list() const { return m_list; }
+    QWidget *progressPage() const { return m_progress; }
+    QWidget *emptyPage() const { return m_empty; }
+
+private:
+    void refresh();
+
+    AppState &m_state;
+    SearchResultsModel *m_model;
+    SearchResultsList *m_list;
+    QWidget *m_progress;
+    QWidget *m_empty;
+};
