@@ -16,6 +16,8 @@ packages=(
   libgtest-dev libgmock-dev libbenchmark-dev
   # real fonts for tests, and a generator for fonts with chosen names and axes
   fonts-dejavu-core fonts-inter-variable python3 python3-fonttools
+  # checks of the installed desktop entry and AppStream metainfo
+  desktop-file-utils appstream
 )
 
 missing=()

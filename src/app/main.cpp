@@ -51,7 +51,7 @@ int main(int argc, char *argv[])
     QApplication::setApplicationName(u"Morvane"_s);
     QApplication::setOrganizationName(u"Morvane"_s);
     QApplication::setApplicationVersion(QStringLiteral(MORVANE_VERSION));
-    QApplication::setDesktopFileName(u"morvane"_s); // data/morvane.desktop
+    QApplication::setDesktopFileName(QStringLiteral(MORVANE_APP_ID)); // names data/<id>.desktop
     quitOnSignals(app);
 
     // Before any store exists: a second copy must not read or write our files.

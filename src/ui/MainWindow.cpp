@@ -51,7 +51,7 @@ MainWindow::MainWindow(std::unique_ptr<FontActivating> activation, QWidget *pare
     , m_state(std::make_unique<AppState>(*m_activation, *m_persistence))
 {
     setWindowTitle(QString()); // the desktop shows the application's name
-    setWindowIcon(QIcon::fromTheme(u"morvane"_s, QIcon(u":/morvane/morvane.svg"_s)));
+    setWindowIcon(QIcon::fromTheme(u"org.morvane.Morvane"_s, QIcon(u":/morvane/org.morvane.Morvane.svg"_s)));
     setMinimumSize(900, 500);
     resize(1100, 650);
     auto *central = new QWidget(this);
