@@ -1,5 +1,6 @@
 #include "AppMenus.h"
 #include "SingleInstance.h"
+#include "StartupReport.h"
 
 #include "services/PersistenceService.h"
 #include "ui/MainWindow.h"
@@ -47,6 +48,8 @@ void quitOnSignals(QApplication &app)
 
 int main(int argc, char *argv[])
 {
+    QElapsedTimer sinceStart;
+    sinceStart.start();
     QApplication app(argc, argv);
     QApplication::setApplicationName(u"Morvane"_s);
     QApplication::setOrganizationName(u"Morvane"_s);
@@ -67,6 +70,8 @@ int main(int argc, char *argv[])
 
     MainWindow window;
     AppMenus::install(window);
+    if (StartupReport::requested())
+        StartupReport::watch(window, sinceStart);
     QObject::connect(&instance, &SingleInstance::showRequested, &window, &MainWindow::bringToFront);
     window.show();
     return QApplication::exec();

@@ -1,0 +1,89 @@
+#include "StartupReport.h"
+
+#include "state/AppState.h"
+#include "ui/MainWindow.h"
+
+#include <QApplication>
+#include <QFile>
+#include <QTimer>
+
+#include <cstdio>
+
+namespace {
+
+// VmRSS from /proc, in mebibytes.
+double residentMegabytes()
+{
+    QFile status(QStringLiteral("/proc/self/status"));
+    if (!status.open(QIODevice::ReadOnly))
+        return -1;
+    for (const QByteArray &line : status.readAll().split('\n')) {
+        if (line.startsWith("VmRSS:"))
+            return line.mid(6).trimmed().split(' ').value(0).toDouble() / 1024.0;
+    }
+    return -1;
+}
+
+class FirstPaint : public QObject
+{
+public:
+    FirstPaint(MainWindow &window, QElapsedTimer sinceStart)
+        : QObject(&window)
+        , m_window(window)
+        , m_sinceStart(sinceStart)
+    {
+        qApp->installEventFilter(this);
+    }
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override
+    {
+        if (event->type() == QEvent::Paint && watched->isWidgetType() &&
+            static_cast<QWidget *>(watched)->window() == &m_window) {
+            qApp->removeEventFilter(this);
+            // Measured once this paint pass is over.
+            QTimer::singleShot(0, this, &FirstPaint::painted);
+        }
+        return false;
+    }
+
+private:
+    void painted()
+    {
+        std::printf("first-paint-ms: %.1f\n", static_cast<double>(m_sinceStart.nsecsElapsed()) / 1e6);
+        std::fflush(stdout);
+        connect(&m_window.state(), &AppState::isIndexingChanged, this, &FirstPaint::maybeShown);
+        maybeShown();
+    }
+
+    void maybeShown()
+    {
+        if (m_window.state().isIndexing() || m_window.state().isProcessing())
+            return;
+        // The scanned library's columns lay out and paint before memory is read.
+        QTimer::singleShot(0, this, [] {
+            std::printf("rss-mb: %.1f\n", residentMegabytes());
+            std::fflush(stdout);
+            QApplication::quit();
+        });
+    }
+
+    MainWindow &m_window;
+    QElapsedTimer m_sinceStart;
+};
+
+} // namespace
+
+namespace StartupReport {
+
+bool requested()
+{
+    return qEnvironmentVariableIsSet("MORVANE_STARTUP_REPORT");
+}
+
+void watch(MainWindow &window, QElapsedTimer sinceStart)
+{
+    new FirstPaint(window, sinceStart);
+}
+
+} // namespace StartupReport
