@@ -18,6 +18,8 @@ packages=(
   fonts-dejavu-core fonts-inter-variable python3 python3-fonttools
   # checks of the installed desktop entry and AppStream metainfo
   desktop-file-utils appstream
+  # a screen reader's view of the real window: virtual display, session bus, AT-SPI
+  xvfb xauth dbus at-spi2-core python3-pyatspi
 )
 
 missing=()

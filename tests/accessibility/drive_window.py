@@ -1,0 +1,131 @@
+#!/usr/bin/env python3
+"""Drives the real Morvane window through the accessibility tree (AT-SPI), as a screen
+reader does: every control it shows has a name; the search field, its clear button, the
+search hits and a menu command all work without a mouse.
+
+Run inside a virtual display and a private D-Bus session (see run_drive_window.sh).
+Usage: drive_window.py MORVANE_BINARY
+"""
+import os
+import shutil
+import subprocess
+import sys
+import tempfile
+import time
+
+import pyatspi
+
+NAMED_ROLES = {
+    pyatspi.ROLE_PUSH_BUTTON, pyatspi.ROLE_TEXT, pyatspi.ROLE_CHECK_BOX, pyatspi.ROLE_SLIDER,
+    pyatspi.ROLE_COMBO_BOX, pyatspi.ROLE_LIST, pyatspi.ROLE_TOGGLE_BUTTON, pyatspi.ROLE_ENTRY,
+}
+failures = []
+
+
+def check(condition, message):
+    if not condition:
+        failures.append(message)
+        print("FAIL:", message)
+    return condition
+
+
+def walk(node):
+    try:
+        yield node
+        for i in range(node.childCount):
+            child = node.getChildAtIndex(i)
+            if child is not None:
+                yield from walk(child)
+    except Exception:  # a node may vanish while the tree is read
+        return
+
+
+def showing(node):
+    try:
+        return node.getState().contains(pyatspi.STATE_SHOWING)
+    except Exception:
+        return False
+
+
+def find(root, role, name, visible=True):
+    for node in walk(root):
+        try:
+            if node.getRole() == role and node.name == name and (not visible or showing(node)):
+                return node
+        except Exception:
+            pass
+    return None
+
+
+def wait_for(what, deadline=20):
+    end = time.monotonic() + deadline
+    while time.monotonic() < end:
+        found = what()
+        if found:
+            return found
+        time.sleep(0.1)
+    return None
+
+
+def sample_home():
+    home = tempfile.mkdtemp(prefix="morvane-a11y-")
+    env = dict(os.environ, HOME=home, XDG_DATA_HOME=home + "/.local/share", XDG_CONFIG_HOME=home + "/.config",
+               XDG_CACHE_HOME=home + "/.cache", QT_LINUX_ACCESSIBILITY_ALWAYS_ON="1", QT_QPA_PLATFORM="xcb")
+    library = home + "/Fonts"
+    dejavu = "/usr/share/fonts/truetype/dejavu/"
+    for folder, font in (("Noto Sans", "DejaVuSans.ttf"), ("Serif", "DejaVuSerif.ttf")):
+        os.makedirs(library + "/" + folder)
+        shutil.copy(dejavu + font, library + "/" + folder)
+    os.makedirs(env["XDG_DATA_HOME"] + "/Morvane")
+    with open(env["XDG_DATA_HOME"] + "/Morvane/sources.json", "w") as saved:
+        saved.write('[{"id":"6F1C1A52-0D63-4B4A-9C4E-1B2F8E3D42E2","name":"Fonts","path":"%s"}]' % library)
+    return home, env
+
+
+def main():
+    home, env = sample_home()
+    morvane = subprocess.Popen([sys.argv[1]], env=env)
+    try:
+        app = wait_for(lambda: next((a for a in pyatspi.Registry.getDesktop(0)
+                                     if a is not None and a.name.lower() == "morvane"), None))
+        if not check(app is not None, "Morvane does not appear on the accessibility bus"):
+            return
+        field = wait_for(lambda: find(app, pyatspi.ROLE_TEXT, "Search"))
+        if not check(field is not None, "no text field named Search"):
+            return
+        wait_for(lambda: find(app, pyatspi.ROLE_LIST_ITEM, "Noto Sans"))
+
+        unnamed = [node.getRoleName() for node in walk(app)
+                   if showing(node) and node.getRole() in NAMED_ROLES and not node.name]
+        check(not unnamed, "controls without a name: %s" % unnamed)
+
+        field.queryEditableText().setTextContents("sans")
+        results = wait_for(lambda: find(app, pyatspi.ROLE_LIST, "Search Results"))
+        check(results is not None, "typing in the field shows no search results")
+        hit = wait_for(lambda: find(results, pyatspi.ROLE_LIST_ITEM, "Noto Sans")) if results else None
+        print("search hit:", hit and hit.name, "/", hit and hit.description)
+        if check(hit is not None, "the hit Noto Sans is not listed"):
+            check("1 font" in (hit.description or ""), "the hit does not say 1 font: %r" % hit.description)
+            check(find(results, pyatspi.ROLE_LIST_ITEM, "Serif") is None, "Serif matches sans")
+
+        clear = find(app, pyatspi.ROLE_PUSH_BUTTON, "Clear")
+        if check(clear is not None, "no Clear button while the field holds text"):
+            clear.queryAction().doAction(0)
+            check(wait_for(lambda: find(app, pyatspi.ROLE_LIST, "Search Results") is None),
+                  "the results stay after Clear")
+            check(field.queryText().getText(0, -1) == "", "the field keeps its text after Clear")
+
+        command = find(app, pyatspi.ROLE_MENU_ITEM, "New Collection", visible=False)
+        if check(command is not None, "no New Collection menu item"):
+            command.queryAction().doAction(0)
+            check(wait_for(lambda: find(app, pyatspi.ROLE_LIST_ITEM, "New Collection")),
+                  "New Collection from the menu shows no new collection")
+    finally:
+        morvane.terminate()
+        morvane.wait(20)
+        shutil.rmtree(home, ignore_errors=True)
+
+
+main()
+print("%d failures" % len(failures))
+sys.exit(1 if failures else 0)
