@@ -84,6 +84,8 @@ def sample_home():
 
 def main():
     home, env = sample_home()
+    # The registry answers before Morvane starts, so Morvane finds it ready to register with.
+    wait_for(lambda: pyatspi.Registry.getDesktop(0).childCount >= 0)
     morvane = subprocess.Popen([sys.argv[1]], env=env)
     try:
         app = wait_for(lambda: next((a for a in pyatspi.Registry.getDesktop(0)

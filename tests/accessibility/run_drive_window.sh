@@ -12,6 +12,11 @@ cat > "$inside" <<INSIDE
 export XDG_RUNTIME_DIR=$scratch/run
 mkdir -m 700 -p \$XDG_RUNTIME_DIR
 /usr/libexec/at-spi-bus-launcher --launch-immediately >/dev/null 2>&1 &
+# Morvane looks for the accessibility bus once, at start: it must be up by then.
+for _ in \$(seq 100); do
+  dbus-send --session --print-reply --dest=org.a11y.Bus /org/a11y/bus org.a11y.Bus.GetAddress >/dev/null 2>&1 && break
+  sleep 0.1
+done
 exec /usr/bin/python3 "$here/drive_window.py" "$1"
 INSIDE
 chmod +x "$inside"
