@@ -68,7 +68,7 @@ public:
     void handleArrowLeft();
     void handleArrowRight();
     static QList<FontNode> buildNavigationPath(const QString &rootPath, const QString &targetPath);
-    void navigateToSearchResult(const FolderSearchResult &result);
+    void navigateToSearchResult(FolderSearchResult result); // by value: it empties the results
     void navigateToMember(const CollectionMember &member);
 
     // View requests: set by the store's jumps or the views, consumed by the views.

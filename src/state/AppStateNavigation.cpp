@@ -168,7 +168,7 @@ void AppState::jumpTo(const FolderSource &source, const QList<FontNode> &path)
     setCachedColumns(buildColumns());
 }
 
-void AppState::navigateToSearchResult(const FolderSearchResult &result)
+void AppState::navigateToSearchResult(FolderSearchResult result)
 {
     m_shouldScrollToSelection = true;
     m_programmaticNavTarget = SidebarItem(result.source);

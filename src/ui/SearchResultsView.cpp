@@ -157,7 +157,7 @@ void SearchResultsList::keyPressEvent(QKeyEvent *event)
 void SearchResultsList::open(int row)
 {
     if (row < m_state.searchResults().size())
-        m_state.navigateToSearchResult(m_state.searchResults().at(row)); // copies: it ends the search
+        m_state.navigateToSearchResult(m_state.searchResults().at(row)); // taken by copy: it empties the list
 }
 
 SearchResultsView::SearchResultsView(AppState &state, QWidget *parent)

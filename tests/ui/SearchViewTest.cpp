@@ -229,3 +229,23 @@ TEST_F(SearchView, AFolderWithoutACachedListReadsNoFonts)
     ASSERT_EQ(list()->model()->rowCount(), 1);
     EXPECT_EQ(list()->model()->index(0, 0).data(SearchResultsModel::CountTextRole).toString(), u"0 fonts"_s);
 }
+
+// A hit in the second source opens there, although clearing the search first goes
+// back to the first source.
+TEST_F(SearchView, AHitInAnotherSourceOpensInThatSource)
+{
+    const QString more = TestSupport::makeDir(TestSupport::testRoot() + u"/More"_s);
+    TestSupport::writeFile(more + u"/Extra Sans/x.ttf"_s);
+    store().addSource(more);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return store().sources().size() == 2 && !store().isIndexing(); }, 20'000));
+    type(u"Extra"_s);
+    ASSERT_TRUE(searched());
+    ASSERT_EQ(list()->model()->rowCount(), 1);
+    QTest::mouseClick(list()->viewport(), Qt::LeftButton, {},
+                      SearchResultRow::layout(row(0), list()->font()).name.center().toPoint());
+    ASSERT_TRUE(store().selectedSource());
+    EXPECT_EQ(store().selectedSource()->path, more);
+    ASSERT_FALSE(store().navigationPath().isEmpty());
+    EXPECT_EQ(store().navigationPath().last().path(), more + u"/Extra Sans"_s);
+    EXPECT_EQ(window->detail(), &window->browser());
+}
