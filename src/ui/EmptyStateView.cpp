@@ -48,9 +48,7 @@ EmptyStateView::EmptyStateView(QWidget *parent)
     auto *hint = new QLabel(u"Add a folder containing your fonts to get started."_s, this);
     hint->setWordWrap(true);
     hint->setAlignment(Qt::AlignCenter);
-    QPalette palette = hint->palette();
-    palette.setColor(QPalette::WindowText, Symbols::tertiary(palette));
-    hint->setPalette(palette);
+    TextStyles::applyTertiary(hint);
     column->addWidget(hint); // the full width, so it wraps only when the window is narrow
     m_add = new QPushButton(u"Add Folder"_s, this);
     m_add->setAccessibleName(m_add->text());

@@ -47,13 +47,10 @@ QLabel *styledLabel(const QString &text, QWidget *parent, qreal size, bool terti
     QFont font = label->font();
     font.setPointSizeF(font.pointSizeF() * size / 13);
     label->setFont(font);
-    if (tertiary) {
-        QPalette palette = label->palette();
-        palette.setColor(QPalette::WindowText, Symbols::tertiary(palette));
-        label->setPalette(palette);
-    } else {
+    if (tertiary)
+        TextStyles::applyTertiary(label);
+    else
         TextStyles::applySecondary(label);
-    }
     return label;
 }
 

@@ -27,11 +27,15 @@ namespace {
 class SecondaryColour : public QObject
 {
 public:
-    using QObject::QObject;
-    static void refresh(QLabel *label)
+    SecondaryColour(QLabel *label, bool tertiary)
+        : QObject(label)
+        , m_tertiary(tertiary)
+    {
+    }
+    static void refresh(QLabel *label, bool tertiary)
     {
         const QPalette inherited = label->parentWidget() ? label->parentWidget()->palette() : QPalette();
-        const QColor colour = Symbols::secondary(inherited);
+        const QColor colour = tertiary ? Symbols::tertiary(inherited) : Symbols::secondary(inherited);
         QPalette palette = label->palette();
         if (palette.color(QPalette::WindowText) == colour)
             return; // also ends the change event that setting it sends
@@ -43,17 +47,26 @@ protected:
     bool eventFilter(QObject *watched, QEvent *event) override
     {
         if (event->type() == QEvent::PaletteChange || event->type() == QEvent::ParentChange)
-            refresh(static_cast<QLabel *>(watched));
+            refresh(static_cast<QLabel *>(watched), m_tertiary);
         return false;
     }
+
+private:
+    bool m_tertiary;
 };
 
 } // namespace
 
 void applySecondary(QLabel *label)
 {
-    SecondaryColour::refresh(label);
-    label->installEventFilter(new SecondaryColour(label));
+    SecondaryColour::refresh(label, false);
+    label->installEventFilter(new SecondaryColour(label, false));
+}
+
+void applyTertiary(QLabel *label)
+{
+    SecondaryColour::refresh(label, true);
+    label->installEventFilter(new SecondaryColour(label, true));
 }
 
 void applyCaption(QLabel *label)

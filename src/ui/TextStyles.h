@@ -13,5 +13,6 @@ QFont title2(const QFont &base); // semibold
 // Caption size in the secondary text colour.
 void applyCaption(QLabel *label);
 void applySecondary(QLabel *label);
+void applyTertiary(QLabel *label);
 
 } // namespace TextStyles
