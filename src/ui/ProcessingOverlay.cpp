@@ -29,7 +29,8 @@ constexpr int kBarSteps = 1000;
 
 QString ProcessingOverlay::percentText(double progress)
 {
-    return u"%1%"_s.arg(static_cast<long long>(std::trunc(progress * 100)));
+    // Cut, never rounded up; the tiny nudge keeps 29 of 100 (0.29 × 100 = 28.999…) at 29.
+    return u"%1%"_s.arg(static_cast<long long>(std::trunc(progress * 100 + 1e-9)));
 }
 
 ProcessingOverlay::ProcessingOverlay(AppState &state, QWidget *window)

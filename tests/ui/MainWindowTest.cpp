@@ -224,6 +224,7 @@ TEST(MainWindow, ProcessingOverlayShowsTheJobAndSwallowsInput)
 {
     EXPECT_EQ(ProcessingOverlay::percentText(0.999), u"99%"_s);
     EXPECT_EQ(ProcessingOverlay::percentText(1.0), u"100%"_s);
+    EXPECT_EQ(ProcessingOverlay::percentText(29.0 / 100), u"29%"_s) << "not 28: 0.29 × 100 is 28.999… in binary";
 
     const QString library = TestSupport::makeDir(TestSupport::testRoot() + u"/Fonts"_s);
     for (int i = 0; i < 16; ++i)
