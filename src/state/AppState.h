@@ -112,6 +112,8 @@ public:
     const QList<FolderSearchResult> &searchResults() const { return m_searchResults; }
     bool isSearchingFolders() const { return m_isSearchingFolders; } // a non-empty query awaits results
     bool isSearching() const;                                        // trimmed query not empty
+    // Without leading and trailing spaces and tabs; a line break counts as text.
+    static QString trimmedQuery(const QString &query);
     const QList<FolderSearchResult> &searchIndex() const { return m_searchIndex; } // every folder, by name
     // Filters the index after a 200 ms pause, off the interface thread; a newer query
     // supersedes it (AppStateSearch.cpp).

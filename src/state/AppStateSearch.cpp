@@ -11,10 +11,7 @@
 
 using namespace std::chrono_literals;
 
-namespace {
-
-// Spaces and tabs only; a line break counts as text.
-QString trimmedQuery(const QString &query)
+QString AppState::trimmedQuery(const QString &query)
 {
     qsizetype start = 0;
     qsizetype end = query.size();
@@ -25,8 +22,6 @@ QString trimmedQuery(const QString &query)
         --end;
     return query.mid(start, end - start);
 }
-
-} // namespace
 
 bool AppState::isSearching() const
 {

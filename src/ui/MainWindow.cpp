@@ -15,29 +15,14 @@
 
 #include <QAction>
 #include <QLabel>
+#include <QLineEdit>
 #include <QSplitter>
 #include <QStackedWidget>
 #include <QToolBar>
+#include <QToolButton>
 #include <QVBoxLayout>
 
 using namespace Qt::StringLiterals;
-
-namespace {
-
-// Spaces and tabs only: the field holds one line.
-QString trimSpacesAndTabs(const QString &text)
-{
-    const auto blank = [](QChar c) { return c == u' ' || c == u'\t'; };
-    qsizetype begin = 0;
-    qsizetype end = text.size();
-    while (begin < end && blank(text.at(begin)))
-        ++begin;
-    while (end > begin && blank(text.at(end - 1)))
-        --end;
-    return text.mid(begin, end - begin);
-}
-
-} // namespace
 
 MainWindow::MainWindow(QWidget *parent)
     : MainWindow(std::make_unique<FontActivationService>(), parent)
@@ -134,6 +119,7 @@ void MainWindow::buildToolbar()
     m_toolbar->setFloatable(false);
     m_toolbar->toggleViewAction()->setVisible(false);
     m_search = new ToolbarInputField(u"Search…"_s, m_toolbar);
+    m_search->lineEdit()->setAccessibleName(u"Search"_s);
     // Centred: a stretch on either side of the field.
     for (int side = 0; side < 2; ++side) {
         auto *stretch = new QWidget(m_toolbar);
@@ -143,6 +129,9 @@ void MainWindow::buildToolbar()
             m_toolbar->addWidget(m_search);
     }
     addToolBar(Qt::TopToolBarArea, m_toolbar);
+    // Shown only when the window is too narrow for the field; screen readers still list it.
+    if (auto *more = m_toolbar->findChild<QToolButton *>(u"qt_toolbar_ext_button"_s))
+        more->setAccessibleName(u"More Toolbar Items"_s);
     auto *find = new QAction(u"Find"_s, this);
     find->setShortcut(QKeySequence::Find);
     find->setShortcutContext(Qt::WindowShortcut);
@@ -156,7 +145,7 @@ void MainWindow::buildToolbar()
 void MainWindow::watchSearch()
 {
     connect(m_search, &ToolbarInputField::draftChanged, this,
-            [this](const QString &draft) { m_state->setSearchQuery(trimSpacesAndTabs(draft)); });
+            [this](const QString &draft) { m_state->setSearchQuery(AppState::trimmedQuery(draft)); });
     connect(m_search, &ToolbarInputField::cleared, this, [this] { m_state->setSearchQuery(QString()); });
     connect(m_state.get(), &AppState::searchQueryChanged, this, [this] {
         if (!m_state->searchQuery().isEmpty()) {

@@ -74,7 +74,6 @@ ToolbarInputField::ToolbarInputField(const QString &placeholder, QWidget *parent
     row->addWidget(magnifier);
     m_edit->setFrame(false);
     m_edit->setPlaceholderText(placeholder);
-    m_edit->setAccessibleName(placeholder.chopped(1)); // "Search", without the ellipsis
     m_edit->setStyleSheet(u"QLineEdit { background: transparent; }"_s);
     m_edit->installEventFilter(this);
     row->addWidget(m_edit, 1);

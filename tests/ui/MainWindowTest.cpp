@@ -135,9 +135,7 @@ TEST(MainWindow, ShowsAFailedSaveUntilASaveSucceeds)
 // "No Font Sources" even when sources exist.
 TEST(MainWindow, DetailShowsTheFirstThatHolds)
 {
-    const QString library = TestSupport::makeDir(TestSupport::testRoot() + u"/Fonts"_s);
-    TestSupport::writeFile(library + u"/Sans/a.ttf"_s);
-    saveOneSource(library);
+    WindowFixture::saveSansLibrary();
     auto window = openWindow();
     AppState &store = window->state();
     ASSERT_TRUE(store.selectedSource());
@@ -188,9 +186,7 @@ TEST(MainWindow, EmptyStateAddsTheChosenFolders)
 // taking room from it rather than covering it; the divider stays afterwards.
 TEST(MainWindow, ReindexingStripShowsWhileTheLibraryIsIndexed)
 {
-    const QString library = TestSupport::makeDir(TestSupport::testRoot() + u"/Fonts"_s);
-    TestSupport::writeFile(library + u"/Sans/a.ttf"_s);
-    saveOneSource(library);
+    WindowFixture::saveSansLibrary();
     auto window = openWindow();
     ReindexingStrip &strip = window->reindexingStrip();
     EXPECT_FALSE(strip.indicator()->isVisible());
@@ -270,9 +266,7 @@ TEST(MainWindow, ProcessingOverlayShowsTheJobAndSwallowsInput)
 // beside the browser, the search results and the empty state alike.
 TEST(MainWindow, EveryControlTabReachesHasAnAccessibleName)
 {
-    const QString library = TestSupport::makeDir(TestSupport::testRoot() + u"/Fonts"_s);
-    TestSupport::writeFile(library + u"/Sans/a.ttf"_s);
-    saveOneSource(library);
+    WindowFixture::saveSansLibrary();
     auto window = openWindow();
     window->activateWindow();
     const auto walk = [&](const char *where) {

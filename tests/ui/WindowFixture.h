@@ -23,6 +23,15 @@ inline void saveOneSource(const QString &library)
                                library.toUtf8() + "\"}]");
 }
 
+// A saved source "Fonts" holding one folder "Sans" with one font: the library's path.
+inline QString saveSansLibrary()
+{
+    const QString library = TestSupport::makeDir(TestSupport::testRoot() + QStringLiteral("/Fonts"));
+    TestSupport::writeFile(library + QStringLiteral("/Sans/a.ttf"));
+    saveOneSource(library);
+    return library;
+}
+
 // The window on that library, shown, its scan finished; fonts activate instantly.
 inline std::unique_ptr<MainWindow> openWindow(std::unique_ptr<FontActivating> activation = std::make_unique<InstantActivation>())
 {
