@@ -64,7 +64,7 @@ struct LoadedStore
         : persistence(folder)
     {
         store.setLibraryScannerForTesting([](const QList<FolderSource> &, const QList<CollectionMember> &,
-                                             const CancellationToken &) { return AppState::LibraryScan{libraryScan(), {}}; });
+                                             const CancellationToken &) { return AppState::LibraryScan{libraryScan(), {}, {}}; });
     }
     void load()
     {

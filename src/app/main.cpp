@@ -74,5 +74,10 @@ int main(int argc, char *argv[])
         StartupReport::watch(window, sinceStart);
     QObject::connect(&instance, &SingleInstance::showRequested, &window, &MainWindow::bringToFront);
     window.show();
-    return QApplication::exec();
+    const int code = QApplication::exec();
+    // A job stuck in the kernel (a drive that stopped answering) must not keep a logout
+    // waiting: once the saves are on disk the process ends without it.
+    if (!window.finishBackgroundWork(5000))
+        ::_exit(code);
+    return code;
 }

@@ -35,6 +35,14 @@ public:
     virtual void repairActivations() {}
     // Every font our own activations record, whatever any saved list says.
     virtual QSet<QString> recordedActivations() { return {}; }
+    // Fonts that failed since the last call for a reason that is not their own (our
+    // font folder can't be written, the disk is full): they are no less wanted, and
+    // are worth trying again once that is fixed. `reason` says what is wrong.
+    virtual QStringList takeSystemFailures(QString *reason)
+    {
+        Q_UNUSED(reason);
+        return {};
+    }
     // Withdraws every activation of ours that is not in `keep`, such as one left behind
     // by a crash in the middle of a batch. Called after repairActivations(), and only
     // with a saved set that was read back whole.

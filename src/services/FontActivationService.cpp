@@ -117,8 +117,10 @@ bool FontActivationService::ensureReady()
     for (int i = 0; i < kTopCount; ++i) {
         const QString top = m_linkFolder + u'/' + u"%1"_s.arg(i, 2, 16, QChar(u'0'));
         if (!QFileInfo::exists(top)) {
-            if (!QDir().mkpath(top))
+            if (!QDir().mkpath(top)) {
+                m_systemFailureReason = u"can't create the folder "_s + top;
                 return false;
+            }
             created = true;
         }
         m_tops.append(top);
@@ -343,11 +345,52 @@ QHash<QString, QSet<QString>> FontActivationService::rebuildShards(const QSet<QS
     return result;
 }
 
+void FontActivationService::failForSystem(const QString &path, const QString &reason)
+{
+    m_systemFailures.append(path);
+    m_systemFailureReason = reason;
+}
+
+QStringList FontActivationService::takeSystemFailures(QString *reason)
+{
+    const QMutexLocker lock(&m_mutex);
+    if (reason)
+        *reason = m_systemFailureReason;
+    return std::exchange(m_systemFailures, {});
+}
+
+void FontActivationService::setAsideSpecialFiles(const QSet<QString> &shards)
+{
+    QStringList special;
+    for (const QString &shard : shards) {
+        if (m_shardSize.value(shard) == 0)
+            continue;
+        const FolderEntries entries = readFolder(shard);
+        for (qsizetype i = 0; i < entries.linkNames.size(); ++i) {
+            struct stat target{};
+            // A link whose file is gone is skipped by fontconfig; anything there must be
+            // a regular file, or fontconfig's open() may wait for ever.
+            if (::stat(encoded(entries.targets[i]).constData(), &target) == 0 && !S_ISREG(target.st_mode))
+                special.append(shard + u'/' + entries.linkNames[i]);
+        }
+    }
+    for (const QString &link : std::as_const(special)) {
+        const QString font = m_fontOfLink.value(link);
+        Console::printLine(u"Failed to activate font at "_s + font + u": it is no longer a regular file"_s);
+        if (!font.isEmpty())
+            m_turnedDown.append(font);
+        ::unlink(encoded(link).constData());
+        if (m_fontOfLink.contains(link))
+            forget(link);
+    }
+}
+
 void FontActivationService::rebuildPending()
 {
     m_sinceRebuild.restart();
     if (m_pendingShards.isEmpty())
         return;
+    setAsideSpecialFiles(m_pendingShards);
     const QSet<QString> shards = std::exchange(m_pendingShards, {});
     const QHash<QString, QSet<QString>> listed = rebuildShards(shards);
     // fontconfig is the judge: a link it does not list is no activation.
@@ -407,8 +450,10 @@ QList<bool> FontActivationService::activateFonts(const QStringList &paths)
         Console::printLine(u"Failed to activate font at "_s + paths[i] + u": "_s + reason);
     };
     if (!ensureReady()) {
-        for (qsizetype i = 0; i < paths.size(); ++i)
-            fail(i, u"can't create the folder "_s + m_linkFolder);
+        for (qsizetype i = 0; i < paths.size(); ++i) {
+            fail(i, m_systemFailureReason);
+            m_systemFailures.append(paths[i]);
+        }
         return results;
     }
 
@@ -421,8 +466,14 @@ QList<bool> FontActivationService::activateFonts(const QStringList &paths)
             results[i] = true; // already active
         else if (seen.contains(path))
             continue;
-        else if (::stat(encoded(path).constData(), &info) != 0)
-            fail(i, errorText(errno));
+        else if (::stat(encoded(path).constData(), &info) != 0) {
+            const int error = errno;
+            fail(i, errorText(error));
+            // Gone is the font's own fault; a folder that can't be read or a drive that
+            // stopped answering is not.
+            if (error != ENOENT && error != ENOTDIR)
+                failForSystem(path, errorText(error));
+        }
         else if (!S_ISREG(info.st_mode))
             fail(i, u"not a font file"_s);
         else if (!readsAsFont(path))
@@ -438,11 +489,14 @@ QList<bool> FontActivationService::activateFonts(const QStringList &paths)
         const qsizetype i = wanted[n];
         if (n >= shards.size()) {
             fail(i, u"can't create a folder in "_s + m_linkFolder);
+            failForSystem(paths[i], u"can't create a folder in "_s + m_linkFolder);
             continue;
         }
         const QString link = shards[n] + u'/' + linkNameFor(paths[i]);
         if (::symlink(encoded(paths[i]).constData(), encoded(link).constData()) != 0) {
-            fail(i, errorText(errno));
+            const QString error = errorText(errno);
+            fail(i, error);
+            failForSystem(paths[i], error + u" (in "_s + shards[n] + u')');
             continue;
         }
         m_linkOfFont.insert(paths[i], link);

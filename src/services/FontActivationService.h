@@ -49,6 +49,7 @@ public:
     void repairActivations() override;
     QSet<QString> recordedActivations() override;
     void removeActivationsExcept(const QSet<QString> &keep) override;
+    QStringList takeSystemFailures(QString *reason) override;
 
     QString linkFolder() const { return m_linkFolder; }
     // The link's file name for a font: stable, and unique per font path.
@@ -80,6 +81,10 @@ private:
     // are taken back and their fonts remembered as turned down.
     void rebuildPending();
     void removeStaleCacheLocks();
+    // Takes back links whose file is no longer a regular file (a FIFO or device put in
+    // its place would block fontconfig's scan of the shard, and every other program's).
+    void setAsideSpecialFiles(const QSet<QString> &shards);
+    void failForSystem(const QString &path, const QString &reason);
 
     QString m_linkFolder;
     _FcConfig *m_config = nullptr;
@@ -93,6 +98,8 @@ private:
     QHash<QString, qsizetype> m_shardSize; // every folder holding links, new shards included
     QSet<QString> m_pendingShards;         // changed, cache not yet rebuilt
     QStringList m_turnedDown;              // fonts fontconfig refused since the batch began
+    QStringList m_systemFailures;          // fonts that failed for a reason not their own
+    QString m_systemFailureReason;
     bool m_inBatch = false;
     QElapsedTimer m_sinceRebuild;
     mutable QMutex m_mutex;

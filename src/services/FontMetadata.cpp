@@ -184,13 +184,14 @@ bool tablesFitInside(QByteArrayView data)
         if (size < 16)
             return false;
         directory = read32(12);
+        // The face's offset comes from the file: checked before anything is read there.
+        if (directory + 12 > size)
+            return false;
     }
     const quint32 version = read32(directory);
     const bool sfnt = version == 0x00010000 || version == 0x4F54544F /* OTTO */ || version == 0x74727565 /* true */;
     if (!sfnt)
         return true; // not a table-based format (suitcase, Type 1): FreeType decides
-    if (directory + 12 > size)
-        return false;
     const quint16 tableCount = qFromBigEndian<quint16>(bytes + directory + 4);
     if (directory + 12 + 16ull * tableCount > size)
         return false;

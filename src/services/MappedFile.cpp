@@ -18,20 +18,34 @@ std::shared_ptr<const MappedFile> MappedFile::open(const QString &path)
     void *data = MAP_FAILED;
     if (::fstat(fd, &info) == 0 && S_ISREG(info.st_mode) && info.st_size > 0)
         data = ::mmap(nullptr, static_cast<size_t>(info.st_size), PROT_READ, MAP_PRIVATE, fd, 0);
-    ::close(fd); // the mapping stays valid
-    if (data == MAP_FAILED)
+    if (data == MAP_FAILED) {
+        ::close(fd);
         return nullptr;
+    }
+    // The descriptor is kept: it tells whether the file changed since (see isUnchanged).
     return std::shared_ptr<const MappedFile>(
-        new MappedFile(static_cast<const unsigned char *>(data), static_cast<qint64>(info.st_size)));
+        new MappedFile(static_cast<const unsigned char *>(data), static_cast<qint64>(info.st_size), fd, info));
 }
 
-MappedFile::MappedFile(const unsigned char *data, qint64 size)
+MappedFile::MappedFile(const unsigned char *data, qint64 size, int fd, const struct stat &info)
     : m_data(data)
     , m_size(size)
+    , m_fd(fd)
+    , m_inode(static_cast<qint64>(info.st_ino))
+    , m_modifiedSeconds(info.st_mtim.tv_sec)
+    , m_modifiedNanoseconds(info.st_mtim.tv_nsec)
 {
 }
 
 MappedFile::~MappedFile()
 {
     ::munmap(const_cast<unsigned char *>(m_data), static_cast<size_t>(m_size));
+    ::close(m_fd);
+}
+
+bool MappedFile::isUnchanged() const
+{
+    struct stat info{};
+    return ::fstat(m_fd, &info) == 0 && info.st_size == m_size && static_cast<qint64>(info.st_ino) == m_inode &&
+           info.st_mtim.tv_sec == m_modifiedSeconds && info.st_mtim.tv_nsec == m_modifiedNanoseconds;
 }

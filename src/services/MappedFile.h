@@ -5,6 +5,8 @@
 
 #include <memory>
 
+struct stat;
+
 // A font file mapped read-only into memory, shared by whoever reads it: the metadata
 // reader and the preview registry never copy a file's bytes. Only regular files are
 // mapped, never more than their size says, so a FIFO, a device or a folder named like
@@ -22,9 +24,19 @@ public:
     qint64 size() const { return m_size; }
     QByteArrayView bytes() const { return {m_data, m_size}; }
 
+    // Whether the file is still as it was mapped. A file truncated in place (a sync
+    // client, an interrupted copy) makes any read past its new end a SIGBUS, inside
+    // HarfBuzz or FreeType where no check of ours runs: readers ask this first, and a
+    // changed file is dropped and opened again. One fstat on the kept descriptor.
+    bool isUnchanged() const;
+
 private:
-    MappedFile(const unsigned char *data, qint64 size);
+    MappedFile(const unsigned char *data, qint64 size, int fd, const struct stat &info);
 
     const unsigned char *m_data;
     qint64 m_size;
+    int m_fd;
+    qint64 m_inode;
+    qint64 m_modifiedSeconds;
+    qint64 m_modifiedNanoseconds;
 };

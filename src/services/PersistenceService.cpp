@@ -2,6 +2,7 @@
 
 #include "AtomicFile.h"
 #include "Console.h"
+#include "RegularFile.h"
 
 #include "model/Json.h"
 
@@ -119,6 +120,7 @@ public:
         QString path;
         std::function<QByteArray()> encode;
         QString failureMessage;
+        QString lastError; // why its last write failed; a retry failing alike prints nothing
     };
 
     Writer()
@@ -131,6 +133,7 @@ public:
         {
             const std::lock_guard lock(m_mutex);
             m_stopping = true;
+            requeueFailed(); // one last try at quitting: the space may be back
         }
         m_wake.notify_all();
         m_thread.join(); // writes whatever is still queued first
@@ -140,9 +143,27 @@ public:
     {
         {
             const std::lock_guard lock(m_mutex);
+            m_failed.erase(fileName); // this newer state replaces the one that failed
             m_pending.insert_or_assign(fileName, std::move(job));
+            // Anything changed: the space may be back, so what failed before goes again.
+            requeueFailed();
         }
         m_wake.notify_all();
+    }
+
+    void retryFailed()
+    {
+        {
+            const std::lock_guard lock(m_mutex);
+            requeueFailed();
+        }
+        m_wake.notify_all();
+    }
+
+    QString unsavedFailure()
+    {
+        const std::lock_guard lock(m_mutex);
+        return m_failed.empty() ? QString() : m_failed.begin()->second.lastError;
     }
 
     void waitUntilWritten()
@@ -171,29 +192,46 @@ private:
             m_pending.erase(next);
             m_busy = true;
             lock.unlock();
-            write(fileName, job);
-            job = {}; // the saved state is released here, not under the lock
+            const bool written = write(fileName, job);
+            if (written)
+                job = {}; // the saved state is released here, not under the lock
             lock.lock();
+            // A failed state is kept until it is written or replaced: quitting or a
+            // later change must not lose it.
+            if (!written && m_pending.find(fileName) == m_pending.end())
+                m_failed.insert_or_assign(fileName, std::move(job));
             m_busy = false;
             if (m_pending.empty())
                 m_idle.notify_all();
         }
     }
 
-    void write(const QString &fileName, const Job &job)
+    bool write(const QString &fileName, Job &job)
     {
         const std::optional<QString> error = AtomicFile::write(job.path, job.encode());
-        if (error)
+        if (error && *error != job.lastError)
             Console::printLine(job.failureMessage + *error);
+        job.lastError = error.value_or(QString());
         const std::lock_guard lock(m_observerMutex);
         if (m_observer)
             m_observer(fileName, error.value_or(QString()));
+        return !error;
+    }
+
+    void requeueFailed()
+    {
+        for (auto &[name, job] : m_failed) {
+            if (m_pending.find(name) == m_pending.end())
+                m_pending.insert_or_assign(name, std::move(job));
+        }
+        m_failed.clear();
     }
 
     std::mutex m_mutex;
     std::condition_variable m_wake;
     std::condition_variable m_idle;
     std::map<QString, Job> m_pending;
+    std::map<QString, Job> m_failed; // file name -> the latest state, not written yet
     bool m_busy = false;
     bool m_stopping = false;
     std::mutex m_observerMutex;
@@ -212,6 +250,16 @@ PersistenceService::~PersistenceService() = default;
 void PersistenceService::waitForWrites()
 {
     m_writer->waitUntilWritten();
+}
+
+void PersistenceService::retryFailedSaves()
+{
+    m_writer->retryFailed();
+}
+
+QString PersistenceService::unsavedFailure()
+{
+    return m_writer->unsavedFailure();
 }
 
 void PersistenceService::setSaveObserver(SaveObserver observer)
@@ -246,7 +294,7 @@ QString PersistenceService::settingsPath() const
 void PersistenceService::save(const char *fileName, std::function<QByteArray()> encode, const QString &failureMessage)
 {
     const QString name = QLatin1StringView(fileName);
-    m_writer->queue(name, {storageURL() + u'/' + name, std::move(encode), failureMessage});
+    m_writer->queue(name, {storageURL() + u'/' + name, std::move(encode), failureMessage, {}});
 }
 
 void PersistenceService::saveSources(const QList<FolderSource> &sources)
@@ -322,21 +370,22 @@ QList<Record> PersistenceService::loadList(const char *fileName, const QString &
         if (status)
             *status = result;
     };
-    QFile file(filePath);
-    if (!file.open(QIODevice::ReadOnly)) {
-        const QString error = file.errorString();
-        if (!QFileInfo(filePath).exists() && !QFileInfo(filePath).isSymLink()) {
+    RegularFile::Contents contents = RegularFile::read(filePath, kMaxSavedFileBytes);
+    if (!contents.ok()) {
+        if (contents.missing && !QFileInfo(filePath).isSymLink()) {
             report(LoadStatus::Missing); // first run: silently empty
             return {};
         }
-        const QString aside = moveUnreadableAside(filePath);
-        Console::printLine(failureMessage + error +
+        // A pipe or a device is left alone (there is nothing to keep); a file we may
+        // not read, or one too large to be ours, is moved out of the next save's way.
+        const QString aside = QFileInfo(filePath).isFile() || !contents.special ? moveUnreadableAside(filePath) : QString();
+        Console::printLine(failureMessage + contents.error +
                            (aside.isEmpty() ? u" (the file was left where it is)"_s
                                             : u" (the file was moved to %1)"_s.arg(aside)));
         report(LoadStatus::Unreadable);
         return {};
     }
-    const QByteArray bytes = file.readAll();
+    const QByteArray bytes = std::move(contents.bytes);
     Expected<QList<Record>> decoded = decodeList<Record>(bytes);
     if (decoded) {
         report(LoadStatus::Read);
@@ -368,23 +417,39 @@ QSet<QString> PersistenceService::loadActivatedFonts(LoadStatus *status)
 }
 
 std::optional<QString> PersistenceService::storeCollectionIcon(const QUuid &collectionId,
-                                                               const std::optional<QString> &sourcePath)
+                                                               const std::optional<QString> &sourcePath, QString *error)
 {
     const QString idText = Json::uuidText(collectionId);
     const QString iconsFolder = collectionIconsURL();
     const QDir folder(iconsFolder);
     const QStringList entries = folder.entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
+    QStringList earlier;
     for (const QString &entry : entries) {
         if (withoutLastExtension(entry) == idText)
-            QFile::remove(folder.filePath(entry));
+            earlier.append(folder.filePath(entry));
     }
+    // The stored icon chosen again (from the icon folder itself, or through a link):
+    // removing the earlier icons first would delete the very file to be copied.
+    if (sourcePath && !sourcePath->isEmpty()) {
+        for (const QString &stored : std::as_const(earlier)) {
+            if (RegularFile::sameFile(stored, *sourcePath))
+                return stored;
+        }
+    }
+    for (const QString &stored : std::as_const(earlier))
+        QFile::remove(stored);
     if (!sourcePath || sourcePath->isEmpty())
         return std::nullopt;
+    // Read without trusting the path: a pipe chosen in the file dialog would block the
+    // copy for ever, a device would never end.
+    const RegularFile::Contents image = RegularFile::read(*sourcePath, kMaxIconBytes);
     // The point is always written: a source without extension ends in a bare point.
     const QString target = iconsFolder + u'/' + idText + u'.' + lastExtension(*sourcePath);
-    QFile source(*sourcePath);
-    if (!source.copy(target)) {
-        Console::printLine(u"Failed to copy collection icon: "_s + source.errorString());
+    const std::optional<QString> failure = image.ok() ? AtomicFile::write(target, image.bytes) : image.error;
+    if (failure) {
+        Console::printLine(u"Failed to copy collection icon: "_s + *failure);
+        if (error)
+            *error = *failure;
         return std::nullopt;
     }
     return target;

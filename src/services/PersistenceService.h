@@ -40,6 +40,10 @@ public:
     static constexpr const char *previewSizeKey = "morvane_preview_size";
     static constexpr double defaultPreviewSize = 36.0;
     static QString defaultPreviewText();
+    // Far above any real library (100,000 activated fonts take about 10 MB) or icon,
+    // far below what would exhaust memory: a larger file is not ours to read.
+    static constexpr qint64 kMaxSavedFileBytes = 256ll * 1024 * 1024;
+    static constexpr qint64 kMaxIconBytes = 32ll * 1024 * 1024;
 
     // `directory` overrides the storage folder (tests); the application passes none.
     explicit PersistenceService(std::optional<QString> directory = std::nullopt);
@@ -63,11 +67,19 @@ public:
     QSet<QString> loadActivatedFonts(LoadStatus *status = nullptr);
 
     void waitForWrites();
+    // A save that failed (a full disk, a read-only folder) keeps its state: it is
+    // written again with the next save of any file, or when asked here.
+    void retryFailedSaves();
+    // Why some file's latest state is still not on disk; empty when everything is.
+    QString unsavedFailure();
     void setSaveObserver(SaveObserver observer);
 
-    // Removes every stored icon of the collection, then copies the new one in.
-    // Returns the stored icon's path; none when cleared or the copy failed.
-    std::optional<QString> storeCollectionIcon(const QUuid &collectionId, const std::optional<QString> &sourcePath);
+    // Removes every stored icon of the collection, then copies the new one in (only a
+    // regular file of an image's size). Returns the stored icon's path; none when
+    // cleared or the copy failed, and then `error` says why. Choosing the stored icon
+    // itself again changes nothing.
+    std::optional<QString> storeCollectionIcon(const QUuid &collectionId, const std::optional<QString> &sourcePath,
+                                               QString *error = nullptr);
 
     QString previewText() const;
     void setPreviewText(const QString &text);

@@ -112,9 +112,11 @@ QImage imageOf(const FT_Bitmap &bitmap)
 
 } // namespace
 
+const QPainterPath kNoOutline;
+
 std::unique_ptr<SampleRenderer> SampleRenderer::open(std::shared_ptr<const MappedFile> file)
 {
-    if (!file || file->size() > UINT_MAX)
+    if (!file || file->size() > UINT_MAX || !file->isUnchanged())
         return nullptr;
     // The blob borrows the mapping, which the renderer keeps for as long as it lives.
     hb_blob_t *blob = hb_blob_create(reinterpret_cast<const char *>(file->data()),
@@ -152,6 +154,14 @@ SampleRenderer::SampleRenderer(std::shared_ptr<const MappedFile> file, hb_face_t
     m_outlines.append(OutlineCache{m_setting, {}});
 }
 
+bool SampleRenderer::fileChanged() const
+{
+    // Once changed, always changed: the mapping may have pages that no longer exist.
+    if (!m_fileChanged && !m_file->isUnchanged())
+        m_fileChanged = true;
+    return m_fileChanged;
+}
+
 SampleRenderer::~SampleRenderer()
 {
     if (m_ftFace)
@@ -162,6 +172,8 @@ SampleRenderer::~SampleRenderer()
 
 QList<quint32> SampleRenderer::featureTags() const
 {
+    if (fileChanged())
+        return {};
     QSet<quint32> tags;
     for (const hb_tag_t table : {HB_OT_TAG_GSUB, HB_OT_TAG_GPOS}) {
         unsigned count = hb_ot_layout_table_get_feature_tags(m_face, table, 0, nullptr, nullptr);
@@ -198,6 +210,8 @@ bool SampleRenderer::isOnByDefault(quint32 tag)
 
 QList<NamedInstance> SampleRenderer::namedInstances() const
 {
+    if (fileChanged())
+        return {};
     const QList<hb_ot_var_axis_info_t> axes = axisInfos(m_face);
     QList<NamedInstance> instances;
     const unsigned count = hb_ot_var_get_named_instance_count(m_face);
@@ -224,6 +238,8 @@ QList<NamedInstance> SampleRenderer::namedInstances() const
 
 void SampleRenderer::setVariations(const QHash<quint32, double> &values)
 {
+    if (fileChanged())
+        return;
     const QList<hb_ot_var_axis_info_t> axes = axisInfos(m_face);
     QList<double> setting;
     QList<float> coordinates;
@@ -261,6 +277,8 @@ void SampleRenderer::setFeatures(const QList<QPair<quint32, bool>> &features)
 
 QList<ShapedLine> SampleRenderer::layout(const QString &paragraph, double maxWidth) const
 {
+    if (fileChanged())
+        return {};
     hb_buffer_t *buffer = hb_buffer_create();
     hb_buffer_add_utf16(buffer, reinterpret_cast<const uint16_t *>(paragraph.utf16()), static_cast<int>(paragraph.size()),
                         0, static_cast<int>(paragraph.size()));
@@ -351,6 +369,8 @@ QList<ShapedLine> SampleRenderer::layout(const QString &paragraph, double maxWid
 
 const QPainterPath &SampleRenderer::outline(quint32 glyph)
 {
+    if (fileChanged())
+        return kNoOutline;
     QHash<quint32, QPainterPath> &outlines = m_outlines.first().outlines;
     auto found = outlines.find(glyph);
     if (found == outlines.end()) {
@@ -443,6 +463,8 @@ const SampleRenderer::Bitmap *SampleRenderer::bitmap(quint32 glyph, double pixel
 void SampleRenderer::paint(QPainter &painter, const ShapedLine &line, QPointF origin, double pixelSize,
                            const QColor &colour)
 {
+    if (fileChanged())
+        return;
     const double scale = pixelSize / m_unitsPerEm;
     const QTransform base = painter.worldTransform();
     for (const PlacedGlyph &glyph : line.glyphs) {

@@ -58,6 +58,11 @@ public:
     SampleRenderer(const SampleRenderer &) = delete;
     SampleRenderer &operator=(const SampleRenderer &) = delete;
 
+    // The file changed on disk since it was mapped (truncated, rewritten in place): from
+    // then on nothing more is read from it, every call draws or shapes nothing, and the
+    // owner opens the file anew.
+    bool fileChanged() const;
+
     double unitsPerEm() const { return m_unitsPerEm; }
     // Above and below the baseline (both positive), and the gap between lines.
     double ascent() const { return m_ascent; }
@@ -116,6 +121,7 @@ private:
     hb_font_t *m_font;
     FT_FaceRec_ *m_ftFace = nullptr; // opened for the first bitmap glyph
     bool m_ftTried = false;
+    mutable bool m_fileChanged = false;
     double m_unitsPerEm = 1000;
     double m_ascent = 0;
     double m_descent = 0;

@@ -1,7 +1,20 @@
 #include "AppState.h"
 
+#include "services/MountWatcher.h"
+
+#include <QElapsedTimer>
 #include <QLocale>
+#include <QThread>
 #include <QThreadPool>
+
+namespace {
+
+// A fontconfig scan of one small shard takes milliseconds; this long without progress
+// means a file or a file system that stopped answering.
+constexpr int kStallMs = 5000;
+constexpr int kSaveRetryMs = 3000;
+
+} // namespace
 
 AppState::AppState(FontActivating &fontActivationService, PersistenceService &persistenceService, QObject *parent)
     : QObject(parent)
@@ -19,6 +32,16 @@ AppState::AppState(FontActivating &fontActivationService, PersistenceService &pe
     });
     // Empty and frozen until the first refresh brings a scan.
     std::const_pointer_cast<FileSystemService>(m_fileSystemService)->freeze();
+    m_stallTimer.setSingleShot(true);
+    m_stallTimer.setInterval(kStallMs);
+    connect(&m_stallTimer, &QTimer::timeout, this, [this] { setIsProcessingStalled(true); });
+    m_saveRetry.setInterval(kSaveRetryMs);
+    connect(&m_saveRetry, &QTimer::timeout, this, [this] { m_persistenceService.retryFailedSaves(); });
+    m_mountWatcher = new MountWatcher(this);
+    connect(m_mountWatcher, &MountWatcher::mountsChanged, this, [this] {
+        if (m_hasLoaded && !m_sources.isEmpty())
+            refreshFileSystem();
+    });
 }
 
 AppState::~AppState()
@@ -28,6 +51,42 @@ AppState::~AppState()
     m_libraryCancellation.cancel();
     m_searchCancellation.cancel();
     m_runningJob.waitForFinished();
+}
+
+bool AppState::waitForBackgroundWork(int msecs)
+{
+    QElapsedTimer waited;
+    waited.start();
+    while (!m_runningJob.isFinished()) {
+        if (waited.elapsed() >= msecs)
+            return false;
+        QThread::msleep(10);
+    }
+    return true;
+}
+
+void AppState::setNotice(const QString &notice)
+{
+    if (m_notice == notice)
+        return;
+    m_notice = notice;
+    Q_EMIT noticeChanged();
+}
+
+void AppState::setIsProcessingStalled(bool stalled)
+{
+    if (m_isProcessingStalled == stalled)
+        return;
+    m_isProcessingStalled = stalled;
+    Q_EMIT isProcessingStalledChanged();
+}
+
+void AppState::setWaitingActivations(QSet<QString> waiting)
+{
+    if (m_waitingActivations == waiting)
+        return;
+    m_waitingActivations = std::move(waiting);
+    Q_EMIT waitingActivationsChanged();
 }
 
 void AppState::setActivatedFonts(QSet<QString> fonts)
@@ -47,6 +106,10 @@ void AppState::recordSaveResult(const QString &fileName, const QString &failure)
     else
         m_saveFailures.insert(fileName, failure);
     const QString shown = m_saveFailures.isEmpty() ? QString() : m_saveFailures.first();
+    if (shown.isEmpty())
+        m_saveRetry.stop();
+    else if (!m_saveRetry.isActive())
+        m_saveRetry.start();
     if (m_saveFailure == shown)
         return;
     m_saveFailure = shown;

@@ -21,8 +21,10 @@
 #include <QList>
 #include <QMap>
 #include <QObject>
+#include <QPromise>
 #include <QSet>
 #include <QString>
+#include <QTimer>
 #include <QUuid>
 
 #include <functional>
@@ -34,6 +36,8 @@
 // is the only caller of the discovery, activation and persistence services.
 // Lives on the interface thread; every published field has a getter and a
 // ...Changed signal, and changes only when given a different value unless noted.
+class MountWatcher;
+
 class AppState : public QObject
 {
     Q_OBJECT
@@ -94,11 +98,31 @@ public:
     QCoro::Task<> deactivateAllFonts();
     // The one worker behind them all: chunks of 8, one background job each, in turn.
     QCoro::Task<> batchProcess(QList<FontNode> fonts, bool activate, QString label);
+    // A batch whose job has made no progress for a while (a file system that stopped
+    // answering): the window says so and offers to stop waiting.
+    bool isProcessingStalled() const { return m_isProcessingStalled; }
+    // Stops waiting for the running batch: what was done stays done, the rest is left.
+    void cancelBatch();
+    // Saved activations that can't be made now: their source folder is missing or
+    // unreadable (a drive not mounted), their file can't be reached, or our font folder
+    // can't be written. They stay in the saved list and are made once that is fixed.
+    const QSet<QString> &waitingActivations() const { return m_waitingActivations; }
+    // Waits, without an event loop, up to `msecs` for the running background job; false
+    // when it is still running (stuck in the kernel).
+    bool waitForBackgroundWork(int msecs);
+    void setStallTimeoutForTesting(int msecs) { m_stallTimer.setInterval(msecs); }
 
     // ---- Saving -----------------------------------------------------------------------
     // Why the last save of some file failed (the system's words), or empty once every
     // file's latest save succeeded. While set, changes live only in this run.
     const QString &saveFailure() const { return m_saveFailure; }
+
+    // ---- Messages -----------------------------------------------------------------------
+    // A problem the user must hear of that no view shows by itself (a font folder that
+    // can't be written, an icon that can't be used); stays until dismissed or replaced.
+    const QString &notice() const { return m_notice; }
+    void setNotice(const QString &notice);
+    void dismissNotice() { setNotice(QString()); }
 
     // ---- Preview settings (saved in the preferences at once) --------------------
     const QString &previewText() const { return m_previewText; }
@@ -131,11 +155,16 @@ public:
     // Rescans every source and collection folder in the background after a 50 ms pause;
     // a burst of requests costs one scan, and only the latest result is applied.
     void refreshFileSystem();
+    // Sources whose folder the last scan could not open (a drive not mounted, a folder
+    // made unreadable): shown as unavailable, their activations kept.
+    const QSet<QUuid> &unavailableSources() const { return m_unavailableSources; }
+    bool isSourceAvailable(const FolderSource &source) const { return !m_unavailableSources.contains(source.id); }
     // What a refresh's background job produces; tests may put another job in its place.
     struct LibraryScan
     {
         std::shared_ptr<FileSystemService> service;
         QList<FolderSearchResult> searchIndex;
+        QSet<QUuid> unavailableSources;
     };
     using LibraryScanner = std::function<LibraryScan(const QList<FolderSource> &, const QList<CollectionMember> &,
                                                      const CancellationToken &)>;
@@ -185,6 +214,10 @@ Q_SIGNALS:
     void shouldFocusBrowserChanged();
     void shouldFocusSidebarChanged();
     void saveFailureChanged();
+    void noticeChanged();
+    void unavailableSourcesChanged();
+    void isProcessingStalledChanged();
+    void waitingActivationsChanged();
     void licenseTagsChanged(); // a status was set: rows read their tags again
 
 private:
@@ -193,6 +226,14 @@ private:
     QCoro::Task<> runRefresh(quint64 generation, QList<FolderSource> sources, QList<CollectionMember> members);
     QCoro::Task<> runSearch(quint64 generation, QList<FolderSearchResult> index, QString query);
     QCoro::Task<> restoreActivations(QSet<QString> saved, bool savedSetIsWhole);
+    // Activates the waiting fonts whose file can be reached again; drops those whose
+    // source is back but whose file is gone.
+    QCoro::Task<> restoreWaiting();
+    QCoro::Task<std::optional<QStringList>> awaitBatchJob(QFuture<QStringList> job);
+    void setIsProcessingStalled(bool stalled);
+    void setWaitingActivations(QSet<QString> waiting);
+    void reportSystemFailures(const QStringList &failed, const QString &reason);
+    QStringList sourceRoots() const;
     void recordSaveResult(const QString &fileName, const QString &failure);
     QCoro::Task<> toggleFolder(FontNode node);
     void saveActivatedFonts();
@@ -250,7 +291,15 @@ private:
     CancellationToken m_libraryCancellation; // the running scan
     LibraryScanner m_libraryScanner = &AppState::scanLibrary;
     bool m_hasLoaded = false;
+    bool m_isProcessingStalled = false;
+    QTimer m_stallTimer;           // runs while a batch job runs without progress
+    QPromise<void> m_abandonBatch; // finished by cancelBatch()
+    QSet<QString> m_waitingActivations;
+    QStringList m_batchSystemFailures; // of the last batch
+    QSet<QUuid> m_unavailableSources;
+    QString m_notice;
     // Saving
+    QTimer m_saveRetry; // while a save fails, tries again every few seconds
     QString m_saveFailure;
     QMap<QString, QString> m_saveFailures; // file name -> why its latest save failed
     QFuture<void> m_runningJob;             // the background job a batch awaits
@@ -266,5 +315,6 @@ private:
     PersistenceService &m_persistenceService;
     FinderTagService m_finderTagService;
     std::unique_ptr<FontPreviewService> m_previewService;
+    MountWatcher *m_mountWatcher = nullptr; // a child: a drive mounted brings its source back
     QCollator m_collator; // the user's locale, case-insensitive
 };

@@ -2,9 +2,12 @@
 // row, and batches that activate or deactivate fonts with progress.
 #include "AppState.h"
 
+#include "services/Console.h"
+
 #include <QCoroFuture>
 #include <QDir>
 #include <QPointer>
+#include <QStandardPaths>
 #include <QtConcurrent/qtconcurrenttask.h>
 
 using namespace Qt::StringLiterals;
@@ -58,7 +61,50 @@ ActivationState AppState::collectionActivationState(const FontCollection &collec
 
 void AppState::saveActivatedFonts()
 {
-    m_persistenceService.saveActivatedFonts(m_activatedFonts);
+    // Waiting activations are saved with the rest: an unmounted drive or a font folder
+    // that can't be written for a while must not make them forgotten.
+    if (m_waitingActivations.isEmpty())
+        m_persistenceService.saveActivatedFonts(m_activatedFonts);
+    else
+        m_persistenceService.saveActivatedFonts(m_activatedFonts + m_waitingActivations);
+}
+
+void AppState::cancelBatch()
+{
+    if (m_isProcessing)
+        m_abandonBatch.finish();
+}
+
+QCoro::Task<std::optional<QStringList>> AppState::awaitBatchJob(QFuture<QStringList> job)
+{
+    QPointer<AppState> self(this);
+    m_runningJob = QFuture<void>(job);
+    m_stallTimer.start();
+    const QFuture<void> abandoned = m_abandonBatch.future();
+    const auto first = co_await QtFuture::whenAny(job, abandoned);
+    if (!self)
+        co_return std::nullopt;
+    m_stallTimer.stop();
+    setIsProcessingStalled(false);
+    if (first.index() != 0)
+        co_return std::nullopt; // given up on: the job may still end, unheard
+    co_return job.result();
+}
+
+void AppState::reportSystemFailures(const QStringList &failed, const QString &reason)
+{
+    if (failed.isEmpty())
+        return;
+    QString fonts = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + u"/fonts"_s;
+    const QString home = QDir::homePath();
+    if (fonts.startsWith(home + u'/'))
+        fonts = u"~"_s + fonts.mid(home.size());
+    // Spelled out for one: without a translation loaded, Qt leaves "%n" plurals alone.
+    const int count = static_cast<int>(failed.size());
+    const QString what = count == 1 ? tr("1 font couldn't be activated") : tr("%n fonts couldn't be activated", nullptr, count);
+    setNotice(tr("Morvane can't write to %1 (%2), so %3. They stay saved and are activated again when Morvane "
+                 "starts with the folder writable; to fix it, run \u201csudo chown -R $USER %1\u201d.")
+                  .arg(fonts, reason, what));
 }
 
 QCoro::Task<> AppState::toggleActivation(FontNode node)
@@ -117,8 +163,14 @@ QCoro::Task<> AppState::deactivateAllFonts()
                 active.append(font);
         }
     }
-    if (active.isEmpty())
+    // Nothing waits to come back either: the user asked for nothing active.
+    const bool hadWaiting = !m_waitingActivations.isEmpty();
+    setWaitingActivations({});
+    if (active.isEmpty()) {
+        if (hadWaiting)
+            saveActivatedFonts();
         co_return;
+    }
     QPointer<AppState> self(this);
     const QString label = u"Deactivating"_s;
     co_await batchProcess(active, false, label);
@@ -144,11 +196,19 @@ QCoro::Task<> AppState::batchProcess(QList<FontNode> fonts, bool activate, QStri
     setProcessing(0.0, progressMessage(label, 0, total));
 
     FontActivating *service = &m_fontActivationService;
-    service->beginBatch();
-    for (qsizetype start = 0; start < total; start += kChunkSize) {
+    m_abandonBatch = QPromise<void>();
+    m_abandonBatch.start();
+    m_batchSystemFailures.clear();
+    bool abandoned = false;
+    for (qsizetype start = 0; start < total && !abandoned; start += kChunkSize) {
         const QStringList chunk = paths.mid(start, kChunkSize);
         // One job per chunk, awaited before the next: the interface stays free between them.
-        const QFuture<QStringList> job = QtConcurrent::task([service, chunk, activate] {
+        // The service is only ever called from jobs: one stuck in the kernel holds it, and
+        // the interface thread must never wait for it.
+        const bool first = start == 0;
+        const QFuture<QStringList> job = QtConcurrent::task([service, chunk, activate, first] {
+                                             if (first)
+                                                 service->beginBatch();
                                              const QList<bool> results = activate ? service->activateFonts(chunk)
                                                                                   : service->deactivateFonts(chunk);
                                              QStringList succeeded;
@@ -160,10 +220,14 @@ QCoro::Task<> AppState::batchProcess(QList<FontNode> fonts, bool activate, QStri
                                          })
                                              .withPriority(1)
                                              .spawn();
-        m_runningJob = QFuture<void>(job);
-        const QStringList succeeded = co_await job;
+        const std::optional<QStringList> outcome = co_await awaitBatchJob(job);
         if (!self)
             co_return;
+        if (!outcome) {
+            abandoned = true;
+            break;
+        }
+        const QStringList &succeeded = *outcome;
         // Changed in place: copying a set of 100,000 paths per chunk would add up.
         bool changed = false;
         for (const QString &path : succeeded) {
@@ -184,13 +248,24 @@ QCoro::Task<> AppState::batchProcess(QList<FontNode> fonts, bool activate, QStri
     }
     // The system's font list catches up once per batch; what it turns down then is
     // not active after all.
-    const QFuture<QStringList> finish = QtConcurrent::task([service] { return service->finishBatch(); }).spawn();
-    m_runningJob = QFuture<void>(finish);
-    const QStringList turnedDown = co_await finish;
-    if (!self)
-        co_return;
+    std::optional<QStringList> turnedDown;
+    if (!abandoned) {
+        const QFuture<QStringList> finish = QtConcurrent::task([service] { return service->finishBatch(); }).spawn();
+        turnedDown = co_await awaitBatchJob(finish);
+        if (!self)
+            co_return;
+    }
+    if (!turnedDown) {
+        Console::printLine(u"Stopped waiting for fonts that did not answer: %1 (%2 fonts)"_s.arg(label).arg(total));
+        setNotice(tr("Morvane stopped waiting for a font that didn't answer. Fonts done before stay as they are; "
+                     "a file on a drive or network share that stopped responding is the usual cause."));
+    } else {
+        QString reason;
+        m_batchSystemFailures = service->takeSystemFailures(&reason);
+        reportSystemFailures(m_batchSystemFailures, reason);
+    }
     bool changed = false;
-    for (const QString &path : turnedDown)
+    for (const QString &path : turnedDown.value_or(QStringList()))
         changed |= m_activatedFonts.remove(path);
     if (changed) {
         m_activationStateCache.clear();

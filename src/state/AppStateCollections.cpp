@@ -2,6 +2,8 @@
 // them into fonts, order members for display, and custom icons. Every change saves.
 #include "AppState.h"
 
+#include "services/RegularFile.h"
+
 #include "discovery/NameCollator.h"
 
 #include <QFileInfo>
@@ -114,7 +116,11 @@ void AppState::setCollectionIcon(const QUuid &id, const std::optional<QString> &
 {
     if (!findCollection(id))
         return;
-    const std::optional<QString> stored = m_persistenceService.storeCollectionIcon(id, imagePath);
+    QString failure;
+    const std::optional<QString> stored = m_persistenceService.storeCollectionIcon(id, imagePath, &failure);
+    if (!failure.isEmpty())
+        setNotice(tr("Couldn't use \u201c%1\u201d as the collection's icon: %2.")
+                      .arg(imagePath->section(u'/', -1), failure));
     m_iconCache.clear();
     m_missingIcons.clear();
     clearCollectionMemos();
@@ -201,8 +207,13 @@ std::optional<QImage> AppState::collectionIcon(const QString &iconPath)
     if (m_missingIcons.contains(iconPath))
         return std::nullopt; // failed before: not retried until an icon is set again
     QImage image;
-    if (iconPath.endsWith(u".svg"_s, Qt::CaseInsensitive)) {
-        QSvgRenderer renderer(iconPath);
+    // Only a regular file of an image's size: a pipe put in the icon's place would
+    // block every start, a device would never end.
+    const RegularFile::Contents bytes = RegularFile::read(iconPath, PersistenceService::kMaxIconBytes);
+    if (!bytes.ok()) {
+        // not an image
+    } else if (iconPath.endsWith(u".svg"_s, Qt::CaseInsensitive)) {
+        QSvgRenderer renderer(bytes.bytes);
         if (renderer.isValid()) {
             image = QImage(128, 128, QImage::Format_ARGB32_Premultiplied);
             image.fill(Qt::transparent);
@@ -210,7 +221,7 @@ std::optional<QImage> AppState::collectionIcon(const QString &iconPath)
             renderer.render(&painter);
         }
     } else {
-        image.load(iconPath);
+        image.loadFromData(bytes.bytes);
     }
     if (image.isNull()) {
         m_missingIcons.insert(iconPath);

@@ -12,21 +12,17 @@
 #include <QPointer>
 #include <QtConcurrent/qtconcurrenttask.h>
 
+#include <cerrno>
 #include <chrono>
 #include <limits>
 
 #include <sys/stat.h>
+#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
 namespace {
-
-bool fileExists(const QString &path)
-{
-    struct stat info{};
-    return ::stat(QFile::encodeName(path).constData(), &info) == 0;
-}
 
 // Every folder below the root, with the path of folders leading to it, depth first.
 // Children lists hold folders first, so the walk stops at the first font.
@@ -71,9 +67,57 @@ void AppState::loadPersistedState()
 
 namespace {
 
+// A source folder that can be listed; one that is missing (a drive not mounted yet) or
+// unreadable is unavailable, and its fonts are not gone, only out of reach.
+bool isReachableFolder(const QString &path)
+{
+    struct stat info{};
+    return ::stat(QFile::encodeName(path).constData(), &info) == 0 && S_ISDIR(info.st_mode) &&
+           ::access(QFile::encodeName(path).constData(), R_OK | X_OK) == 0;
+}
+
+bool isUnder(const QString &path, const QStringList &roots)
+{
+    for (const QString &root : roots) {
+        if (path.size() > root.size() && path.startsWith(root) && (root.endsWith(u'/') || path.at(root.size()) == u'/'))
+            return true;
+    }
+    return false;
+}
+
+// What became of saved activations: still there, out of reach for now, or gone.
+struct SavedFonts
+{
+    QSet<QString> existing;
+    QSet<QString> waiting;
+};
+
+// Sorts saved paths by whether their file is there. Missing is gone only when its
+// source folder is there; a file that can't be reached (a folder made unreadable, a
+// drive that answers with an error) waits like one on an unmounted drive.
+SavedFonts sortSavedFonts(const QSet<QString> &candidates, const QSet<QString> &recorded, const QStringList &roots)
+{
+    QStringList unavailableRoots;
+    for (const QString &root : roots) {
+        if (!isReachableFolder(root))
+            unavailableRoots.append(root);
+    }
+    SavedFonts result;
+    result.existing.reserve(candidates.size());
+    for (const QString &path : candidates) {
+        struct stat info{};
+        if (recorded.contains(path) || ::stat(QFile::encodeName(path).constData(), &info) == 0)
+            result.existing.insert(path);
+        else if ((errno != ENOENT && errno != ENOTDIR) || isUnder(path, unavailableRoots))
+            result.waiting.insert(path);
+    }
+    return result;
+}
+
 // Off the interface thread, at low priority: repairs our activations, decides what
 // to restore and which saved fonts still exist.
-QSet<QString> checkSavedFonts(FontActivating *activation, const QSet<QString> &saved, bool savedSetIsWhole)
+SavedFonts checkSavedFonts(FontActivating *activation, const QSet<QString> &saved, bool savedSetIsWhole,
+                           const QStringList &roots)
 {
     activation->repairActivations();
     // After the repair every recorded activation's file exists: only the others are looked at.
@@ -87,44 +131,90 @@ QSet<QString> checkSavedFonts(FontActivating *activation, const QSet<QString> &s
             Console::printLine(u"Restoring the %1 activated fonts that Morvane's font links record instead"_s
                                    .arg(candidates.size()));
     }
-    QSet<QString> existing;
-    existing.reserve(candidates.size());
-    for (const QString &path : std::as_const(candidates)) {
-        if (recorded.contains(path) || fileExists(path))
-            existing.insert(path);
-    }
+    SavedFonts sorted = sortSavedFonts(candidates, recorded, roots);
+    if (!sorted.waiting.isEmpty())
+        Console::printLine(u"Keeping %1 activated fonts whose folder can't be reached now; they are activated again "
+                           u"when it is back"_s.arg(sorted.waiting.size()));
     // Away with activations nothing accounts for (a crash mid-batch), but only when
     // the saved set says for sure what should be active.
     if (savedSetIsWhole)
-        activation->removeActivationsExcept(existing);
-    return existing;
+        activation->removeActivationsExcept(sorted.existing);
+    return sorted;
 }
 
 } // namespace
+
+QStringList AppState::sourceRoots() const
+{
+    QStringList roots;
+    for (const FolderSource &source : m_sources)
+        roots.append(QDir::cleanPath(source.path));
+    return roots;
+}
 
 QCoro::Task<> AppState::restoreActivations(QSet<QString> saved, bool savedSetIsWhole)
 {
     QPointer<AppState> self(this);
     FontActivating *activation = &m_fontActivationService;
-    const QFuture<QSet<QString>> check = QtConcurrent::task(&checkSavedFonts)
-                                             .withArguments(activation, saved, savedSetIsWhole)
-                                             .withPriority(-1)
-                                             .spawn();
+    const QFuture<SavedFonts> check = QtConcurrent::task(&checkSavedFonts)
+                                          .withArguments(activation, saved, savedSetIsWhole, sourceRoots())
+                                          .withPriority(-1)
+                                          .spawn();
     m_runningJob = QFuture<void>(check);
-    const QSet<QString> existing = co_await check;
+    const SavedFonts sorted = co_await check;
     if (!self)
         co_return;
     setActivatedFonts({});
+    setWaitingActivations(sorted.waiting);
     QList<FontNode> fonts;
-    fonts.reserve(existing.size());
-    for (const QString &path : existing)
+    fonts.reserve(sorted.existing.size());
+    for (const QString &path : sorted.existing)
         fonts.append(FontNode::fromPath(path));
     const QString label = u"Restoring"_s;
     co_await batchProcess(fonts, true, label);
     if (!self)
         co_return;
+    // A font that failed because our font folder can't be written is no less wanted:
+    // it waits for the next start, and the saved list keeps it.
+    if (!m_batchSystemFailures.isEmpty())
+        setWaitingActivations(m_waitingActivations + QSet<QString>(m_batchSystemFailures.cbegin(), m_batchSystemFailures.cend()));
     saveActivatedFonts(); // vanished fonts leave the saved set here
     setIsProcessing(false);
+}
+
+QCoro::Task<> AppState::restoreWaiting()
+{
+    if (m_waitingActivations.isEmpty() || m_isProcessing)
+        co_return;
+    QPointer<AppState> self(this);
+    const QSet<QString> waiting = m_waitingActivations;
+    const QFuture<SavedFonts> check =
+        QtConcurrent::task(&sortSavedFonts).withArguments(waiting, QSet<QString>(), sourceRoots()).withPriority(-1).spawn();
+    m_runningJob = QFuture<void>(check);
+    const SavedFonts sorted = co_await check;
+    if (!self || m_isProcessing)
+        co_return;
+    // Changed meanwhile (a source removed, Deactivate All): only what still waits.
+    QSet<QString> stillWaiting = m_waitingActivations;
+    QList<FontNode> fonts;
+    for (const QString &path : sorted.existing) {
+        if (stillWaiting.remove(path))
+            fonts.append(FontNode::fromPath(path));
+    }
+    for (const QString &path : waiting) {
+        if (!sorted.existing.contains(path) && !sorted.waiting.contains(path))
+            stillWaiting.remove(path); // its folder is back, the file is not: gone
+    }
+    if (fonts.isEmpty() && stillWaiting == m_waitingActivations)
+        co_return;
+    setWaitingActivations(stillWaiting);
+    const QString label = u"Restoring"_s;
+    co_await batchProcess(fonts, true, label);
+    if (!self)
+        co_return;
+    if (!m_batchSystemFailures.isEmpty())
+        setWaitingActivations(m_waitingActivations + QSet<QString>(m_batchSystemFailures.cbegin(), m_batchSystemFailures.cend()));
+    saveActivatedFonts();
 }
 
 void AppState::addSource(const QString &path)
@@ -159,6 +249,11 @@ QCoro::Task<> AppState::removeSource(FolderSource source)
     co_await batchProcess(active, false, label);
     if (!self)
         co_return;
+    // Activations waiting for this source to come back go with it.
+    const QString root = QDir::cleanPath(source.path);
+    QSet<QString> waiting = m_waitingActivations;
+    waiting.removeIf([&root](const QString &path) { return isUnder(path, {root}); });
+    setWaitingActivations(std::move(waiting));
     QList<FolderSource> sources = m_sources;
     sources.removeIf([&source](const FolderSource &s) { return s.id == source.id; });
     setSources(std::move(sources));
@@ -201,19 +296,27 @@ QCoro::Task<> AppState::runRefresh(quint64 generation, QList<FolderSource> sourc
                                  .spawn();
     if (!self || cancellation.isCancelled() || generation != m_libraryGeneration)
         co_return; // stale: a newer refresh owns isIndexing
+    if (m_unavailableSources != scan.unavailableSources) {
+        m_unavailableSources = scan.unavailableSources;
+        Q_EMIT unavailableSourcesChanged();
+    }
     installLibrary(scan.service, scan.searchIndex);
     scheduleSearch(); // an active query runs again on the new index
     setIsIndexing(false);
+    restoreWaiting(); // a source folder that came back brings its fonts back
 }
 
 AppState::LibraryScan AppState::scanLibrary(const QList<FolderSource> &sources, const QList<CollectionMember> &members,
                                             const CancellationToken &cancellation)
 {
     auto service = std::make_shared<FileSystemService>(cancellation);
+    QSet<QUuid> unavailable;
     for (const FolderSource &source : sources) {
         if (cancellation.isCancelled())
             break;
         const QString root = QDir::cleanPath(source.path);
+        if (!isReachableFolder(root))
+            unavailable.insert(source.id);
         if (service->insertPreScannedRoot(root))
             service->deepScan(root);
     }
@@ -233,5 +336,6 @@ AppState::LibraryScan AppState::scanLibrary(const QList<FolderSource> &sources, 
     }
     NameCollator(QLocale()).stableSort(index, [](const FolderSearchResult &result) { return result.folder.name(); });
     service->freeze();
-    return {service, QList<FolderSearchResult>(std::make_move_iterator(index.begin()), std::make_move_iterator(index.end()))};
+    return {service, QList<FolderSearchResult>(std::make_move_iterator(index.begin()), std::make_move_iterator(index.end())),
+            unavailable};
 }

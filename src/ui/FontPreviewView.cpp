@@ -106,6 +106,8 @@ FontPreviewView::FontPreviewView(AppState &state, FontNode fontNode, QWidget *pa
     syncText();
     syncSize();
     syncActivation();
+    for (SampleView *view : {m_sample, m_characters})
+        connect(view, &SampleView::fileChanged, this, &FontPreviewView::reloadChangedFile, Qt::QueuedConnection);
     startLoading();
 }
 
@@ -239,6 +241,32 @@ QWidget *FontPreviewView::buildCharacterSet()
     layout->addWidget(m_characters);
     m_characterSet->hide();
     return m_characterSet;
+}
+
+void FontPreviewView::reloadChangedFile()
+{
+    if (m_isLoading)
+        return; // already on its way
+    // Drop everything drawn from the old bytes, then read the file as it is now: the
+    // service sees the new size or time and reads it afresh.
+    m_sample->setRenderer(nullptr);
+    m_characters->setRenderer(nullptr);
+    m_renderer.reset();
+    for (QWidget *section : {static_cast<QWidget *>(m_axes), static_cast<QWidget *>(m_features)}) {
+        if (section) {
+            section->hide();
+            section->deleteLater();
+        }
+    }
+    m_axes = nullptr;
+    m_features = nullptr;
+    m_axisValues.clear();
+    m_metadata.reset();
+    m_isLoading = true;
+    m_details->hide();
+    m_status->setText(tr("Loading font…"));
+    m_status->show();
+    startLoading();
 }
 
 void FontPreviewView::startLoading()

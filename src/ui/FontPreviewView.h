@@ -61,6 +61,8 @@ private:
     QWidget *buildPreviewSection();
     QWidget *buildCharacterSet();
     void startLoading();
+    // The previewed file changed on disk (truncated, rewritten): read it again.
+    void reloadChangedFile();
     void applyMetadata(std::optional<FontMetadata> metadata);
     void showMetadata(const FontMetadata &metadata);
     void applyVariations();

@@ -8,12 +8,17 @@
 #include "SearchResultsView.h"
 #include "SourceListView.h"
 #include "ToolbarInputField.h"
+#include "UnavailableSourceView.h"
 
 #include "services/FontActivationService.h"
 #include "services/PersistenceService.h"
 #include "state/AppState.h"
 
 #include <QAction>
+#include <QCloseEvent>
+#include <QHBoxLayout>
+#include <QMessageBox>
+#include <QPushButton>
 #include <QLabel>
 #include <QLineEdit>
 #include <QSplitter>
@@ -21,6 +26,9 @@
 #include <QToolBar>
 #include <QToolButton>
 #include <QVBoxLayout>
+
+#include <cerrno>
+#include <cstring>
 
 using namespace Qt::StringLiterals;
 
@@ -50,6 +58,21 @@ MainWindow::MainWindow(std::unique_ptr<FontActivating> activation, QWidget *pare
     m_saveFailure->setStyleSheet(u"QLabel { background: #fde2e1; color: #5c1a16; padding: 8px 12px; }"_s);
     m_saveFailure->hide();
     layout->addWidget(m_saveFailure);
+    m_noticeBar = new QWidget(central);
+    m_noticeBar->setObjectName(u"noticeBar"_s);
+    m_noticeBar->setStyleSheet(u"QWidget#noticeBar { background: #fff4ce; } QLabel { color: #4a3b00; }"_s);
+    auto *noticeRow = new QHBoxLayout(m_noticeBar);
+    noticeRow->setContentsMargins(12, 6, 8, 6);
+    m_notice = new QLabel(m_noticeBar);
+    m_notice->setAccessibleName(tr("Message"));
+    m_notice->setWordWrap(true);
+    m_notice->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    noticeRow->addWidget(m_notice, 1);
+    m_dismissNotice = new QPushButton(tr("Dismiss"), m_noticeBar);
+    m_dismissNotice->setAccessibleName(m_dismissNotice->text());
+    noticeRow->addWidget(m_dismissNotice, 0, Qt::AlignTop);
+    m_noticeBar->hide();
+    layout->addWidget(m_noticeBar);
     // The sidebar is always there: no toggle, and no drag can fold it away.
     m_split = new QSplitter(Qt::Horizontal, central);
     m_split->setChildrenCollapsible(false);
@@ -78,6 +101,10 @@ MainWindow::MainWindow(std::unique_ptr<FontActivating> activation, QWidget *pare
     });
     connect(m_empty, &EmptyStateView::addFolderRequested, this, &MainWindow::addFolders);
     connect(m_state.get(), &AppState::saveFailureChanged, this, &MainWindow::updateSaveFailure);
+    connect(m_state.get(), &AppState::noticeChanged, this, &MainWindow::updateNotice);
+    connect(m_dismissNotice, &QPushButton::clicked, m_state.get(), &AppState::dismissNotice);
+    connect(m_state.get(), &AppState::unavailableSourcesChanged, this, &MainWindow::showDetail);
+    connect(m_unavailable, &UnavailableSourceView::retryRequested, m_state.get(), &AppState::refreshFileSystem);
     connect(m_state.get(), &AppState::sidebarSelectionChanged, this, &MainWindow::showDetail);
     connect(m_state.get(), &AppState::searchQueryChanged, this, &MainWindow::showDetail);
     connect(m_state.get(), &AppState::collectionsChanged, this, &MainWindow::showDetail);
@@ -104,6 +131,8 @@ QWidget *MainWindow::buildDetailColumn(QWidget *parent)
     m_results = new SearchResultsView(*m_state, m_detail);
     m_browser = new ColumnBrowserView(*m_state, m_detail);
     m_empty = new EmptyStateView(m_detail);
+    m_unavailable = new UnavailableSourceView(m_detail);
+    m_detail->addWidget(m_unavailable);
     m_detail->addWidget(m_results);
     m_detail->addWidget(m_browser);
     m_detail->addWidget(m_empty);
@@ -174,9 +203,13 @@ QWidget *MainWindow::detail() const
 void MainWindow::showDetail()
 {
     std::optional<FontCollection> collection;
+    std::optional<FolderSource> source;
     if (m_state->isSearching()) {
         m_detail->setCurrentWidget(m_results);
-    } else if (m_state->selectedSource()) {
+    } else if ((source = m_state->selectedSource()) && !m_state->isSourceAvailable(*source)) {
+        m_unavailable->setFolder(source->path);
+        m_detail->setCurrentWidget(m_unavailable);
+    } else if (source) {
         m_detail->setCurrentWidget(m_browser);
     } else if ((collection = m_state->selectedCollection())) {
         showCollection(collection->id);
@@ -218,6 +251,60 @@ void MainWindow::updateSaveFailure()
     m_saveFailure->setText(failure.isEmpty() ? QString()
                                              : u"Morvane can't save its library: %1. Changes made now will be lost "
                                                u"when Morvane quits."_s.arg(failure));
+}
+
+void MainWindow::updateNotice()
+{
+    m_notice->setText(m_state->notice());
+    m_noticeBar->setVisible(!m_state->notice().isEmpty());
+}
+
+QString MainWindow::plainReason(const QString &systemError)
+{
+    const QHash<QString, QString> plain{
+        {QString::fromLocal8Bit(std::strerror(ENOSPC)), tr("the disk is full")},
+        {QString::fromLocal8Bit(std::strerror(EDQUOT)), tr("your disk quota is used up")},
+        {QString::fromLocal8Bit(std::strerror(EFBIG)), tr("the file is larger than this system allows")},
+        {QString::fromLocal8Bit(std::strerror(EROFS)), tr("the disk is read-only")},
+        {QString::fromLocal8Bit(std::strerror(EACCES)), tr("Morvane may not write to its folder")},
+    };
+    return plain.value(systemError, systemError);
+}
+
+void MainWindow::closeEvent(QCloseEvent *event)
+{
+    // What could not be saved gets one more try (the space may be back), and the user
+    // the last word before it is lost.
+    m_persistence->retryFailedSaves();
+    m_persistence->waitForWrites();
+    const QString failure = m_persistence->unsavedFailure();
+    if (!failure.isEmpty()) {
+        const QString reason = plainReason(failure);
+        const bool quit = m_confirmQuit ? m_confirmQuit(reason) : [&] {
+            QMessageBox box(QMessageBox::Warning, tr("Morvane"),
+                            tr("Your last changes couldn't be saved: %1. Quit anyway?").arg(reason), QMessageBox::NoButton,
+                            this);
+            box.setInformativeText(tr("If you quit now, the changes made since the problem began are lost. "
+                                      "Free some space, then close Morvane again."));
+            QPushButton *quitButton = box.addButton(tr("Quit Anyway"), QMessageBox::DestructiveRole);
+            box.addButton(QMessageBox::Cancel);
+            box.setDefaultButton(QMessageBox::Cancel);
+            box.exec();
+            return box.clickedButton() == quitButton;
+        }();
+        if (!quit) {
+            event->ignore();
+            return;
+        }
+    }
+    QMainWindow::closeEvent(event);
+}
+
+bool MainWindow::finishBackgroundWork(int msecs)
+{
+    const bool finished = m_state->waitForBackgroundWork(msecs);
+    m_persistence->waitForWrites();
+    return finished;
 }
 
 void MainWindow::bringToFront()

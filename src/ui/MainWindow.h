@@ -2,6 +2,7 @@
 
 #include <QMainWindow>
 
+#include <functional>
 #include <memory>
 
 class AppState;
@@ -19,6 +20,8 @@ class ReindexingStrip;
 class SearchResultsView;
 class SourceListView;
 class ToolbarInputField;
+class UnavailableSourceView;
+class QPushButton;
 
 // Morvane's one window: the sidebar beside the detail area, the search field in the
 // toolbar, the re-indexing strip and the batch-job overlay. It owns the store and the
@@ -52,12 +55,25 @@ public:
     QMenu *createPopupMenu() override { return nullptr; } // nothing to hide or move
     // A second start of Morvane asked for this window.
     void bringToFront();
+    // After the event loop: waits up to `msecs` for the running background job and the
+    // saves. False when a job is stuck in the kernel (a drive that stopped answering):
+    // the saves are on disk then, and the process may end without waiting for it.
+    bool finishBackgroundWork(int msecs);
+    // What closing asks when the latest changes can't be saved; true quits anyway.
+    using QuitConfirmation = std::function<bool(const QString &reason)>;
+    void setQuitConfirmationForTesting(QuitConfirmation confirm) { m_confirmQuit = std::move(confirm); }
+    UnavailableSourceView &unavailableView() { return *m_unavailable; }
+    QLabel &noticeLabel() { return *m_notice; }
+    QPushButton &noticeDismissButton() { return *m_dismissNotice; }
+    // "the disk is full" for ENOSPC and the like; the system's words otherwise.
+    static QString plainReason(const QString &systemError);
 
     static constexpr int kSidebarMinimum = 180;
     static constexpr int kSidebarMaximum = 260;
 
 protected:
     void showEvent(QShowEvent *event) override;
+    void closeEvent(QCloseEvent *event) override;
 
 private:
     QWidget *buildDetailColumn(QWidget *parent);
@@ -66,11 +82,17 @@ private:
     void showDetail();
     void showCollection(const QUuid &id);
     void updateSaveFailure();
+    void updateNotice();
 
     std::unique_ptr<FontActivating> m_activation;
     std::unique_ptr<PersistenceService> m_persistence;
     std::unique_ptr<AppState> m_state;
     QLabel *m_saveFailure = nullptr;
+    QWidget *m_noticeBar = nullptr;
+    QLabel *m_notice = nullptr;
+    QPushButton *m_dismissNotice = nullptr;
+    UnavailableSourceView *m_unavailable = nullptr;
+    QuitConfirmation m_confirmQuit;
     QToolBar *m_toolbar = nullptr;
     ToolbarInputField *m_search = nullptr;
     QSplitter *m_split = nullptr;

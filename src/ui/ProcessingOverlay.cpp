@@ -5,6 +5,8 @@
 #include "state/AppState.h"
 
 #include <QEvent>
+#include <QKeyEvent>
+#include <QPushButton>
 #include <QGraphicsOpacityEffect>
 #include <QLabel>
 #include <QPainter>
@@ -40,6 +42,8 @@ ProcessingOverlay::ProcessingOverlay(AppState &state, QWidget *window)
     , m_message(new QLabel(m_card))
     , m_bar(new QProgressBar(m_card))
     , m_percentage(new QLabel(m_card))
+    , m_stalled(new QLabel(m_card))
+    , m_cancel(new QPushButton(m_card))
     , m_fade(new QGraphicsOpacityEffect(this))
     , m_animation(new QPropertyAnimation(m_fade, "opacity", this))
 {
@@ -64,6 +68,26 @@ ProcessingOverlay::ProcessingOverlay(AppState &state, QWidget *window)
     column->addWidget(m_message);
     column->addWidget(m_bar);
     column->addWidget(m_percentage);
+    m_stalled->setText(tr("This is taking longer than it should: a font file or the drive it is on isn't answering."));
+    m_stalled->setWordWrap(true);
+    m_stalled->setAlignment(Qt::AlignCenter);
+    TextStyles::applySecondary(m_stalled);
+    m_stalled->hide();
+    column->addWidget(m_stalled);
+    m_cancel->setText(tr("Cancel"));
+    m_cancel->setAccessibleName(m_cancel->text());
+    m_cancel->hide();
+    connect(m_cancel, &QPushButton::clicked, &state, &AppState::cancelBatch);
+    column->addWidget(m_cancel, 0, Qt::AlignHCenter);
+    connect(&state, &AppState::isProcessingStalledChanged, this, [this] {
+        const bool stalled = m_state.isProcessingStalled();
+        m_stalled->setVisible(stalled);
+        m_cancel->setVisible(stalled);
+        if (stalled && m_state.isProcessing())
+            m_cancel->setFocus(Qt::OtherFocusReason);
+        else if (isVisible() && m_state.isProcessing())
+            setFocus(Qt::OtherFocusReason);
+    });
 
     setGraphicsEffect(m_fade);
     m_animation->setDuration(kFadeMs);
@@ -130,6 +154,16 @@ bool ProcessingOverlay::event(QEvent *event)
 {
     if (!m_state.isProcessing())
         return QWidget::event(event);
+    if (event->type() == QEvent::ShortcutOverride || event->type() == QEvent::KeyPress) {
+        const auto *key = static_cast<QKeyEvent *>(event);
+        // Quitting is never held up by a job (it waits for the chunk in flight).
+        if (key->matches(QKeySequence::Quit) || key->keyCombination() == QKeyCombination(Qt::ControlModifier, Qt::Key_Q))
+            return QWidget::event(event);
+        if (key->key() == Qt::Key_Escape && m_state.isProcessingStalled() && event->type() == QEvent::KeyPress) {
+            m_state.cancelBatch();
+            return true;
+        }
+    }
     switch (event->type()) {
     case QEvent::ShortcutOverride: // taking it keeps menu shortcuts from firing
     case QEvent::KeyPress:

@@ -7,11 +7,13 @@ class AppState;
 class QGraphicsOpacityEffect;
 class QLabel;
 class QProgressBar;
+class QPushButton;
 class QPropertyAnimation;
 
 // While a batch job runs: the whole window dimmed under a card with the job's message,
 // a progress bar and the percentage. Nothing beneath it takes the mouse or the keyboard,
-// menu shortcuts included. It fades in and out.
+// menu shortcuts included (but Quit). It fades in and out. A job that stops making
+// progress gets a note and "Cancel" (Escape), so no stuck file holds the window.
 class ProcessingOverlay : public QWidget
 {
     Q_OBJECT
@@ -22,6 +24,9 @@ public:
     QLabel *message() const { return m_message; }
     QLabel *percentage() const { return m_percentage; }
     QProgressBar *bar() const { return m_bar; }
+    // Shown when the job stops making progress: why, and a way to stop waiting.
+    QLabel *stalledNote() const { return m_stalled; }
+    QPushButton *cancelButton() const { return m_cancel; }
     // What "99%" reads at 0.999: the progress in whole per cent, cut, never rounded up.
     static QString percentText(double progress);
 
@@ -40,6 +45,8 @@ private:
     QLabel *m_message;
     QProgressBar *m_bar;
     QLabel *m_percentage;
+    QLabel *m_stalled;
+    QPushButton *m_cancel;
     QGraphicsOpacityEffect *m_fade;
     QPropertyAnimation *m_animation;
     QPointer<QWidget> m_focusBefore;

@@ -140,6 +140,9 @@ void SampleView::resizeEvent(QResizeEvent *event)
 
 void SampleView::paintEvent(QPaintEvent *)
 {
+    // A file changed under us is not read again: the owner opens it anew.
+    if (m_renderer && m_renderer->fileChanged())
+        Q_EMIT fileChanged();
     updateLayout();
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);

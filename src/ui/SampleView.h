@@ -37,6 +37,12 @@ public:
     QSize minimumSizeHint() const override;
 
     static constexpr int kPadding = 10;
+
+Q_SIGNALS:
+    // The renderer's file changed on disk since it was opened; it draws nothing more.
+    void fileChanged();
+
+public:
     static constexpr int kMinimumHeight = 40;
 
 protected:

@@ -21,6 +21,7 @@ SidebarModel::SidebarModel(AppState &state, QObject *parent)
     // A new scan knows other counts, and may find members that were missing.
     connect(&state, &AppState::cachedColumnsChanged, this, [this] { refreshAll({CaptionRole, ActivationRole}); });
     connect(&state, &AppState::isIndexingChanged, this, [this] { refreshAll({CaptionRole}); });
+    connect(&state, &AppState::unavailableSourcesChanged, this, [this] { refreshAll({CaptionRole}); });
 }
 
 QString SidebarModel::count(qsizetype number, const QString &noun)
@@ -113,6 +114,8 @@ ActivationState SidebarModel::activation(int row) const
 QString SidebarModel::caption(int row) const
 {
     if (kind(row) == Kind::Source) {
+        if (!m_state.isSourceAvailable(m_state.sources().value(row)))
+            return tr("Not available");
         const std::optional<qsizetype> fonts = sourceFontCount(row);
         return fonts ? count(*fonts, u"font"_s) : QString();
     }

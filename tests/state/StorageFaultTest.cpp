@@ -1,7 +1,7 @@
 // The storage folder under faults a user meets: a folder made read-only, a saved file
 // nobody may read, a full disk. Whatever happens, no activation is lost. File modes
 // mean nothing to root, so run as root these tests run themselves again as nobody.
-#include "StateTestSupport.h"
+#include "FaultTestSupport.h"
 
 #include "services/FontActivationService.h"
 
@@ -21,99 +21,7 @@
 using namespace Qt::StringLiterals;
 using namespace TestSupport;
 
-namespace {
-
-constexpr uid_t kNobody = 65534;
-
-QString storage()
-{
-    return PersistenceService::defaultStorageFolder();
-}
-
-enum class Role {
-    Child,       // unprivileged: run the test body
-    ParentDone,  // root: the child ran it and its verdict is reported
-    Unavailable, // root, and no unprivileged child can run here
-};
-
-// Runs this very test again as nobody when run as root.
-Role runAsUnprivilegedChild()
-{
-    if (::geteuid() != 0)
-        return Role::Child;
-    const testing::TestInfo *test = testing::UnitTest::GetInstance()->current_test_info();
-    QProcess child;
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.remove(u"MORVANE_TEST_PROCESS_ROOT"_s); // the child makes its own, in the shared /tmp
-    environment.remove(u"FONTCONFIG_FILE"_s);           // in the parent's private folder
-    child.setProcessEnvironment(environment);
-    child.setChildProcessModifier([] {
-        // Only async-signal-safe calls here.
-        if (::setgroups(0, nullptr) != 0 || ::setgid(kNobody) != 0 || ::setuid(kNobody) != 0)
-            ::_exit(127);
-    });
-    child.setProcessChannelMode(QProcess::MergedChannels);
-    child.start(QCoreApplication::applicationFilePath(),
-                {u"--gtest_filter=%1.%2"_s.arg(QLatin1StringView(test->test_suite_name()), QLatin1StringView(test->name()))});
-    if (!child.waitForStarted(10'000))
-        return Role::Unavailable; // nobody may not run this build
-    EXPECT_TRUE(child.waitForFinished(120'000));
-    if (child.exitCode() == 127)
-        return Role::Unavailable; // dropping privileges is refused here
-    const QString output = QString::fromUtf8(child.readAll());
-    EXPECT_EQ(child.exitCode(), 0) << "the test as nobody:\n" << output.toStdString();
-    EXPECT_TRUE(output.contains(u"[  PASSED  ] 1 test"_s)) << output.toStdString();
-    return Role::ParentDone;
-}
-
-#define RUN_WITHOUT_PRIVILEGES()                                                                                \
-    do {                                                                                                       \
-        const Role role = runAsUnprivilegedChild();                                                            \
-        if (role == Role::Unavailable)                                                                         \
-            GTEST_SKIP() << "file modes mean nothing to root, and this test can't run as an unprivileged user " \
-                            "here (nobody can't run the build, or privileges can't be dropped)";              \
-        if (role == Role::ParentDone)                                                                          \
-            return;                                                                                            \
-    } while (false)
-
-// Two real fonts, active through fontconfig, and a saved list that says so.
-struct ActiveLibrary
-{
-    ActiveLibrary()
-    {
-        const QString folder = makeDir(testRoot() + u"/Fonts"_s);
-        for (const QString &name : {u"DejaVuSans.ttf"_s, u"DejaVuSerif.ttf"_s}) {
-            fonts.append(folder + u'/' + name);
-            EXPECT_TRUE(QFile::copy(u"/usr/share/fonts/truetype/dejavu/"_s + name, fonts.last()));
-        }
-        FontActivationService activation;
-        EXPECT_EQ(activation.activateFonts(fonts), QList<bool>(2, true));
-        PersistenceService persistence;
-        persistence.saveActivatedFonts(set());
-    }
-    QSet<QString> set() const { return QSet<QString>(fonts.begin(), fonts.end()); }
-    QStringList fonts;
-};
-
-// One start of Morvane's store with the real services: what it restored and printed.
-struct Start
-{
-    Start()
-    {
-        output = capturedStdout([this] {
-            store.loadPersistedState();
-            EXPECT_TRUE(QTest::qWaitFor([this] { return !store.isProcessing() && !store.isIndexing(); }, 60'000));
-            persistence.waitForWrites();
-            QCoreApplication::processEvents(); // the writer's report reaches the store
-        });
-    }
-    FontActivationService activation;
-    PersistenceService persistence;
-    AppState store{activation, persistence};
-    QString output;
-};
-
-} // namespace
+using namespace FaultTestSupport;
 
 TEST(StorageFaults, AnActivatedFontsFileNobodyMayReadIsRebuiltFromTheLinks)
 {
@@ -201,7 +109,7 @@ TEST(StorageFaults, AFullDiskKeepsTheLastSavedStateAndSaysSo)
     ::setrlimit(RLIMIT_FSIZE, &previous);
     std::signal(SIGXFSZ, oldHandler);
     EXPECT_EQ(readFile(saved), savedBytes);
-    EXPECT_EQ(QDir(storage()).entryList(QDir::Files | QDir::Hidden), QStringList{u"activated_fonts.json"_s});
+    EXPECT_EQ(QDir(storage()).entryList(QDir::Files | QDir::Hidden), (QStringList{u"activated_fonts.json"_s, u"sources.json"_s}));
 
     Start next;
     EXPECT_EQ(next.store.activatedFonts(), library.set());

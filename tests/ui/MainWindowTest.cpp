@@ -199,7 +199,7 @@ TEST(MainWindow, ReindexingStripShowsWhileTheLibraryIsIndexed)
     window->state().setLibraryScannerForTesting(
         [&gate](const QList<FolderSource> &, const QList<CollectionMember> &, const CancellationToken &) {
             gate.acquire();
-            return AppState::LibraryScan{std::make_shared<FileSystemService>(), {}};
+            return AppState::LibraryScan{std::make_shared<FileSystemService>(), {}, {}};
         });
     window->state().refreshFileSystem();
     ASSERT_TRUE(window->state().isIndexing());
