@@ -52,14 +52,17 @@ private:
     {
         std::printf("first-paint-ms: %.1f\n", static_cast<double>(m_sinceStart.nsecsElapsed()) / 1e6);
         std::fflush(stdout);
+        // Whichever ends last, the scan or the restore, makes the library shown.
         connect(&m_window.state(), &AppState::isIndexingChanged, this, &FirstPaint::maybeShown);
+        connect(&m_window.state(), &AppState::isProcessingChanged, this, &FirstPaint::maybeShown);
         maybeShown();
     }
 
     void maybeShown()
     {
-        if (m_window.state().isIndexing() || m_window.state().isProcessing())
+        if (m_reported || m_window.state().isIndexing() || m_window.state().isProcessing())
             return;
+        m_reported = true;
         // The scanned library's columns lay out and paint before memory is read.
         QTimer::singleShot(0, this, [] {
             std::printf("rss-mb: %.1f\n", residentMegabytes());
@@ -70,6 +73,7 @@ private:
 
     MainWindow &m_window;
     QElapsedTimer m_sinceStart;
+    bool m_reported = false;
 };
 
 } // namespace

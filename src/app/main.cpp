@@ -2,10 +2,14 @@
 #include "SingleInstance.h"
 #include "StartupReport.h"
 
+#include "services/FontActivationService.h"
+#include "services/OwnFontconfig.h"
 #include "services/PersistenceService.h"
 #include "ui/MainWindow.h"
 
 #include <QApplication>
+#include <QFontDatabase>
+#include <QStandardPaths>
 #include <QSocketNotifier>
 
 #include <csignal>
@@ -50,6 +54,8 @@ int main(int argc, char *argv[])
 {
     QElapsedTimer sinceStart;
     sinceStart.start();
+    OwnFontconfig::leaveOut(FontActivationService::defaultLinkFolder(),
+                            QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation) + u"/Morvane"_s);
     QApplication app(argc, argv);
     QApplication::setApplicationName(u"Morvane"_s);
     QApplication::setOrganizationName(u"Morvane"_s);
@@ -69,6 +75,8 @@ int main(int argc, char *argv[])
     }
 
     MainWindow window;
+    QFontDatabase::families(); // read now, with our links left out
+    OwnFontconfig::restoreEnvironment();
     AppMenus::install(window);
     if (StartupReport::requested())
         StartupReport::watch(window, sinceStart);

@@ -2,6 +2,7 @@
 
 #include "Console.h"
 #include "FreeTypeLibrary.h"
+#include "OwnFontconfig.h"
 
 #include <QCryptographicHash>
 #include <QDir>
@@ -61,11 +62,15 @@ bool isNewer(const timespec &a, const timespec &b)
 } // namespace
 
 FontActivationService::FontActivationService(std::optional<QString> linkFolder)
-    : m_linkFolder(linkFolder.value_or(QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) +
-                                       u"/fonts/Morvane"_s))
+    : m_linkFolder(linkFolder.value_or(defaultLinkFolder()))
 {
     m_rebuilders.setMaxThreadCount(std::max(2, QThread::idealThreadCount()));
     m_sinceRebuild.start();
+}
+
+QString FontActivationService::defaultLinkFolder()
+{
+    return QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + u"/fonts/Morvane"_s;
 }
 
 FontActivationService::~FontActivationService()
@@ -110,7 +115,7 @@ bool FontActivationService::ensureReady()
     // Loaded on first use, under the lock and usually on a worker, not while the
     // window is built. Configuration only (where caches go), no font list.
     if (!m_config)
-        m_config = FcInitLoadConfig();
+        m_config = OwnFontconfig::loadUserConfig();
     // The 256 top folders exist from the start: making one later would change their
     // parent and make every application rescan it.
     bool created = false;

@@ -52,6 +52,8 @@ public:
     QStringList takeSystemFailures(QString *reason) override;
 
     QString linkFolder() const { return m_linkFolder; }
+    // $XDG_DATA_HOME/fonts/Morvane, where the application's links live.
+    static QString defaultLinkFolder();
     // The link's file name for a font: stable, and unique per font path.
     static QString linkNameFor(const QString &fontPath);
     // Where the active font's link is; none when the font is not active.

@@ -1,6 +1,7 @@
 #include "TestSupport.h"
 
 #include "services/FontActivationService.h"
+#include "services/OwnFontconfig.h"
 
 #include <QCryptographicHash>
 #include <QDateTime>
@@ -278,4 +279,34 @@ TEST_F(Activation, TheNextStartTellsFontconfigTheTruthAboutChangedFiles)
     FontActivationService().repairActivations();
     EXPECT_EQ(QFileInfo(caches + u'/' + QDir(caches).entryList(QDir::Files, QDir::Time).first()).lastModified(), newest);
     EXPECT_FALSE(QFileInfo::exists(QDir::homePath() + u"/.fontconfig"_s)); // never the deprecated folder
+}
+
+// Morvane's own process reads fonts through a configuration that leaves its links out
+// (so 100,000 active fonts, or a pipe behind a link, cost its start nothing), while
+// activation still writes the caches every other program reads.
+TEST_F(Activation, OurOwnProcessLeavesOurLinksOutAndActivationDoesNot)
+{
+    const QByteArray before = qgetenv("FONTCONFIG_FILE");
+    const QString linkFolder = FontActivationService::defaultLinkFolder();
+    const QString config = OwnFontconfig::leaveOut(linkFolder, testRoot() + u"/config"_s);
+    ASSERT_FALSE(config.isEmpty());
+    EXPECT_EQ(qgetenv("FONTCONFIG_FILE"), QFile::encodeName(config));
+    {
+        // Made while the environment names our own configuration, as in the application.
+        FontActivationService service;
+        ASSERT_EQ(service.activateFonts({sans, serif}), QList<bool>(2, true));
+    }
+    OwnFontconfig::restoreEnvironment();
+    EXPECT_EQ(qgetenv("FONTCONFIG_FILE"), before);
+    EXPECT_EQ(fontsListedByFontconfig(linkFolder), (QSet<QString>{sans, serif}));
+
+    QProcess ours;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(u"FONTCONFIG_FILE"_s, config);
+    ours.setProcessEnvironment(environment);
+    ours.start(u"fc-list"_s, {u"--format=%{file}\\n"_s});
+    ASSERT_TRUE(ours.waitForFinished(60'000));
+    const QString listed = QString::fromUtf8(ours.readAllStandardOutput());
+    EXPECT_FALSE(listed.contains(linkFolder)) << listed.toStdString();
+    EXPECT_TRUE(listed.contains(u"/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf"_s)) << "the system's fonts stay";
 }

@@ -162,6 +162,15 @@ TEST(FontMetadata, BrokenOrMissingFilesGiveNoValue)
     makeDir(testRoot() + u"/Folder.ttf"_s);
     for (const QString &name : {u"Pipe.ttf"_s, u"Zero.ttf"_s, u"LoopA.ttf"_s, u"Folder.ttf"_s})
         EXPECT_FALSE(FontMetadata::load(testRoot() + u'/' + name).has_value()) << name.toStdString();
+
+    // Collections whose face offset points past the end (by a little, by a page, by
+    // gigabytes): checked before anything is read there.
+    for (const quint32 offset : {16u, 4096u, 0x7FFFFFF0u}) {
+        QByteArray header = "ttcf" + QByteArray::fromHex("0001000000000001"); // version 1.0, one face
+        header.append(char(offset >> 24)).append(char(offset >> 16)).append(char(offset >> 8)).append(char(offset));
+        const QString ttc = writeFile(testRoot() + u"/Offset%1.ttc"_s.arg(offset), header);
+        EXPECT_FALSE(FontMetadata::load(ttc).has_value()) << offset;
+    }
 }
 
 TEST(FontMetadata, SizesReadAsFileManagersShowThem)

@@ -9,7 +9,10 @@
 #include <QStandardPaths>
 
 #include <csignal>
+#include <functional>
 #include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 using namespace TestSupport;
@@ -263,4 +266,77 @@ TEST(Persistence, AWriteThatRunsOutOfSpaceLeavesThePreviousFile)
     EXPECT_EQ(readFile(storage() + u"/sources.json"_s), saved);
     EXPECT_EQ(persistence.loadSources(), before);
     EXPECT_EQ(QDir(storage()).entryList(QDir::Files), QStringList{u"sources.json"_s}); // no temporary left behind
+}
+
+// What stands where a saved list should be may be anything: each is refused at once
+// with its reason, the window starts, and the thing is left as it is (a file too large
+// to be ours is moved aside like any other unreadable file).
+TEST(Persistence, SavedFilesThatAreNoRegularFilesAreRefusedAtOnce)
+{
+    struct Case
+    {
+        const char *what;
+        std::function<void(const QString &)> make;
+        QString reason;
+        bool leftInPlace;
+    };
+    const QList<Case> cases{
+        {"a FIFO", [](const QString &path) { ASSERT_EQ(::mkfifo(QFile::encodeName(path).constData(), 0600), 0); },
+         u"it is not a regular file (a pipe or a device)"_s, true},
+        {"a link to /dev/zero", [](const QString &path) { makeSymlink(u"/dev/zero"_s, path); },
+         u"it is not a regular file (a pipe or a device)"_s, true},
+        {"a folder", [](const QString &path) { makeDir(path); }, u"it is a folder, not a file"_s, true},
+        {"a sparse file of 300 MB",
+         [](const QString &path) {
+             writeFile(path);
+             ASSERT_EQ(::truncate(QFile::encodeName(path).constData(), 300'000'000), 0);
+         },
+         u"it is too large (300.0 MB; at most 268 MB expected)"_s, false},
+    };
+    for (const Case &test : cases) {
+        SCOPED_TRACE(test.what);
+        QDir(storage()).removeRecursively();
+        PersistenceService persistence;
+        const QString path = persistence.storageURL() + u"/sources.json"_s;
+        test.make(path);
+        PersistenceService::LoadStatus status = PersistenceService::LoadStatus::Read;
+        QList<FolderSource> sources{{QUuid::createUuid(), u"/x"_s, u"x"_s}};
+        const QString output = capturedStdout([&] { sources = persistence.loadSources(&status); });
+        EXPECT_TRUE(sources.isEmpty());
+        EXPECT_EQ(status, PersistenceService::LoadStatus::Unreadable);
+        EXPECT_TRUE(output.startsWith(u"Failed to load sources: "_s + test.reason)) << output.toStdString();
+        EXPECT_EQ(QFileInfo::exists(path) || QFileInfo(path).isSymLink(), test.leftInPlace) << output.toStdString();
+    }
+}
+
+// Choosing the stored icon again changes nothing; a pipe or a device chosen as an
+// icon is refused without waiting, and the collection shows the default icon.
+TEST(Persistence, CollectionIconsAreOnlyCopiedFromRegularFiles)
+{
+    PersistenceService persistence;
+    QImage image(4, 4, QImage::Format_ARGB32);
+    image.fill(Qt::red);
+    const QString png = testRoot() + u"/icon.png"_s;
+    ASSERT_TRUE(image.save(png));
+    const std::optional<QString> stored = persistence.storeCollectionIcon(kId, png);
+    ASSERT_TRUE(stored.has_value());
+    const QByteArray bytes = readFile(*stored);
+
+    EXPECT_EQ(persistence.storeCollectionIcon(kId, *stored), stored);
+    makeSymlink(*stored, testRoot() + u"/link-to-stored.png"_s);
+    EXPECT_EQ(persistence.storeCollectionIcon(kId, testRoot() + u"/link-to-stored.png"_s), stored);
+    EXPECT_EQ(readFile(*stored), bytes);
+
+    const QString fifo = testRoot() + u"/pipe.png"_s;
+    ASSERT_EQ(::mkfifo(QFile::encodeName(fifo).constData(), 0600), 0);
+    makeSymlink(u"/dev/zero"_s, testRoot() + u"/zero.png"_s);
+    for (const QString &source : QStringList{fifo, testRoot() + u"/zero.png"_s}) {
+        QString error;
+        std::optional<QString> result = QString();
+        const QString output = capturedStdout([&] { result = persistence.storeCollectionIcon(kId, source, &error); });
+        EXPECT_FALSE(result.has_value());
+        EXPECT_EQ(error, u"it is not a regular file (a pipe or a device)"_s);
+        EXPECT_EQ(output, u"Failed to copy collection icon: it is not a regular file (a pipe or a device)\n"_s);
+    }
+    EXPECT_TRUE(QFileInfo(fifo).exists()); // left as it was
 }

@@ -7,7 +7,13 @@
 #include "services/SampleRenderer.h"
 
 #include <QImage>
+#include <QFile>
+#include <QFileInfo>
 #include <QPainter>
+
+#include <functional>
+
+#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 
@@ -193,4 +199,44 @@ TEST(SampleRenderer, FilesThatAreNotFontsGiveNoRendererAndBrokenOnesDoNotCrash)
     const auto suitcase = openFont(testFont(u"Pair.dfont"_s));
     ASSERT_TRUE(suitcase);
     EXPECT_FALSE(InkMeasure::box(render(*suitcase, u"AB"_s, 40)).isEmpty());
+}
+
+// A file truncated or rewritten in place under a preview (a sync client, `truncate`,
+// an interrupted copy): reading the mapping past the new end would be a SIGBUS inside
+// HarfBuzz. The renderer notices before it reads and from then on draws nothing.
+TEST(SampleRenderer, AFileChangedUnderItIsNotReadAgain)
+{
+    struct Case
+    {
+        const char *what;
+        std::function<void(const QString &)> change;
+    };
+    const QList<Case> cases{
+        {"truncated to 100 bytes", [](const QString &path) { ASSERT_EQ(::truncate(QFile::encodeName(path).constData(), 100), 0); }},
+        {"rewritten in place with another font",
+         [](const QString &path) {
+             QFile file(path);
+             ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate)); // as cp does: same file, new bytes
+             file.write(TestSupport::readFile(u"/usr/share/fonts/truetype/dejavu/DejaVuSerif.ttf"_s));
+         }},
+    };
+    for (const Case &test : cases) {
+        SCOPED_TRACE(test.what);
+        const QString path = TestSupport::testRoot() + u"/Previewed.ttf"_s;
+        QFile::remove(path);
+        ASSERT_TRUE(QFile::copy(kDejaVu, path));
+        const std::unique_ptr<SampleRenderer> renderer = openFont(path);
+        ASSERT_TRUE(renderer);
+        EXPECT_FALSE(renderer->fileChanged());
+        EXPECT_GT(InkMeasure::mass(render(*renderer, u"Abc"_s, 40)), 0);
+        test.change(path);
+        EXPECT_TRUE(renderer->fileChanged());
+        // Glyphs never drawn before: their outlines would be read from the mapping now.
+        EXPECT_TRUE(renderer->layout(u"xyzÆØ"_s).isEmpty());
+        EXPECT_TRUE(renderer->outline(77).isEmpty());
+        EXPECT_EQ(InkMeasure::mass(render(*renderer, u"Qwerty"_s, 40)), 0);
+        // Opened again, the file is what it is now.
+        const std::unique_ptr<SampleRenderer> again = openFont(path);
+        EXPECT_EQ(again != nullptr, QFileInfo(path).size() > 100);
+    }
 }

@@ -32,6 +32,8 @@
 
 #include <atomic>
 
+#include <unistd.h>
+
 using namespace Qt::StringLiterals;
 using namespace TestSupport;
 
@@ -465,4 +467,37 @@ TEST_F(Preview, FollowsADarkPalette)
     }
     EXPECT_GT(light, 50);
     EXPECT_GT(darkPixels, light) << "the background stays dark";
+}
+
+// The previewed file changes on disk while the pane shows it (a sync client rewrites it,
+// a copy is interrupted): the next redraw reads nothing from the old mapping, the file
+// is read again, and the pane shows what it is now.
+TEST_F(Preview, AFileChangedWhileShownIsReadAgain)
+{
+    ASSERT_TRUE(open(u"Inter.ttf"_s));
+    ASSERT_EQ(value(u"Family"_s), u"Inter"_s);
+    const QString path = library + u"/Inter.ttf"_s;
+
+    // Rewritten in place, as cp does: the same file, another font's bytes.
+    {
+        QFile file(path);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        file.write(readFile(u"/usr/share/fonts/truetype/dejavu/DejaVuSerif.ttf"_s));
+    }
+    typeText(u"Rewritten"_s);
+    ASSERT_TRUE(QTest::qWaitFor([&] {
+        const FontPreviewView *pane = view.previewPane();
+        return !pane->isLoading() && pane->metadata() && pane->metadata()->familyName == u"DejaVu Serif"_s;
+    }));
+    EXPECT_EQ(value(u"Family"_s), u"DejaVu Serif"_s);
+    EXPECT_TRUE(view.previewPane()->axisValues().isEmpty()); // Inter's sliders went with it
+    EXPECT_GT(InkMeasure::mass(sample()), 0);
+
+    // Cut short: nothing left to read.
+    ASSERT_EQ(::truncate(QFile::encodeName(path).constData(), 100), 0);
+    typeText(u"Truncated"_s);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !view.previewPane()->isLoading() && !view.previewPane()->metadata(); }));
+    EXPECT_EQ(named<QLabel>(u"Font status"_s)->text(), u"Unable to read font metadata"_s);
+    EXPECT_EQ(named<QLabel>(u"Sample"_s)->text(), u"Unable to preview this font"_s);
+    EXPECT_FALSE(view.previewPane()->sample()->isVisible());
 }

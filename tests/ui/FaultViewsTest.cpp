@@ -1,0 +1,141 @@
+// The window when something is wrong, driven as a user would: a source whose folder
+// can't be reached, a message to dismiss, a job that stops answering, and closing while
+// the latest changes can't be saved.
+#include "WindowFixture.h"
+
+#include "ui/ColumnBrowserView.h"
+#include "ui/ProcessingOverlay.h"
+#include "ui/SidebarModel.h"
+#include "ui/SourceListView.h"
+#include "ui/UnavailableSourceView.h"
+
+#include <QDir>
+#include <QLabel>
+#include <QPushButton>
+#include <QSemaphore>
+#include <QSignalSpy>
+
+#include <cerrno>
+#include <cstring>
+
+using namespace Qt::StringLiterals;
+using WindowFixture::openWindow;
+using WindowFixture::saveOneSource;
+
+namespace {
+
+// Holds every call until the test lets one through, as a drive that stopped answering.
+class StuckActivation : public InstantActivation
+{
+public:
+    explicit StuckActivation(QSemaphore &gate) : m_gate(gate) {}
+    QList<bool> activateFonts(const QStringList &paths) override
+    {
+        m_gate.acquire();
+        return QList<bool>(paths.size(), true);
+    }
+
+private:
+    QSemaphore &m_gate;
+};
+
+QString sourceRowDescription(MainWindow &window)
+{
+    SidebarModel *model = window.sidebar().sidebarModel();
+    return model->data(model->index(0), Qt::AccessibleDescriptionRole).toString();
+}
+
+} // namespace
+
+TEST(FaultViews, ASourceThatCantBeReachedSaysSoUntilItIsBack)
+{
+    const QString library = TestSupport::testRoot() + u"/Drive/Fonts"_s;
+    saveOneSource(library); // the drive is not mounted yet
+    auto window = openWindow();
+    EXPECT_EQ(window->detail(), &window->unavailableView());
+    EXPECT_EQ(window->unavailableView().message()->text(),
+              u"Not available \u2014 the folder "_s + library + u" can't be reached."_s);
+    EXPECT_EQ(sourceRowDescription(*window), u"Source, Not available, inactive"_s);
+
+    TestSupport::writeFile(library + u"/Sans/a.ttf"_s);
+    QTest::mouseClick(window->unavailableView().retryButton(), Qt::LeftButton);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return window->detail() == &window->browser(); }, 10'000));
+    EXPECT_EQ(sourceRowDescription(*window), u"Source, 1 font, inactive"_s);
+}
+
+TEST(FaultViews, AMessageStaysUntilDismissed)
+{
+    auto window = openWindow();
+    EXPECT_FALSE(window->noticeLabel().isVisible());
+    window->state().setNotice(u"Couldn't use \u201cicon.png\u201d as the collection's icon: it is a folder."_s);
+    EXPECT_TRUE(window->noticeLabel().isVisible());
+    EXPECT_EQ(window->noticeLabel().text(), window->state().notice());
+    QTest::mouseClick(&window->noticeDismissButton(), Qt::LeftButton);
+    EXPECT_FALSE(window->noticeLabel().isVisible());
+    EXPECT_TRUE(window->state().notice().isEmpty());
+}
+
+TEST(FaultViews, AJobThatStopsAnsweringCanBeCancelledByKeyboardOrMouse)
+{
+    const QString library = TestSupport::makeDir(TestSupport::testRoot() + u"/Fonts"_s);
+    for (int i = 0; i < 16; ++i)
+        TestSupport::writeFile(library + u"/Batch/f%1.ttf"_s.arg(i, 2, 10, QChar(u'0')));
+    saveOneSource(library);
+    QSemaphore gate;
+    auto window = openWindow(std::make_unique<StuckActivation>(gate));
+    AppState &store = window->state();
+    store.setStallTimeoutForTesting(200);
+    ProcessingOverlay &overlay = window->overlay();
+
+    for (const bool byKeyboard : {true, false}) {
+        SCOPED_TRACE(byKeyboard ? "Escape" : "a click on Cancel");
+        EXPECT_FALSE(overlay.cancelButton()->isVisible());
+        store.toggleActivation(FontNode::folder(library + u"/Batch"_s));
+        ASSERT_TRUE(QTest::qWaitFor([&] { return store.isProcessingStalled(); }, 10'000));
+        EXPECT_TRUE(overlay.stalledNote()->isVisible());
+        EXPECT_TRUE(overlay.cancelButton()->isVisible());
+        EXPECT_TRUE(overlay.cancelButton()->hasFocus());
+        TestSupport::capturedStdout([&] {
+            if (byKeyboard)
+                QTest::keyClick(window->windowHandle(), Qt::Key_Escape);
+            else
+                QTest::mouseClick(overlay.cancelButton(), Qt::LeftButton);
+            ASSERT_TRUE(QTest::qWaitFor([&] { return !store.isProcessing(); }, 10'000));
+        });
+        EXPECT_TRUE(store.activatedFonts().isEmpty());
+        EXPECT_TRUE(window->noticeLabel().isVisible());
+        gate.release(); // the stuck call ends, unheard
+        ASSERT_TRUE(store.waitForBackgroundWork(10'000));
+        ASSERT_TRUE(QTest::qWaitFor([&] { return !overlay.isVisible(); }));
+    }
+}
+
+TEST(FaultViews, ClosingWithChangesThatCantBeSavedAsksFirst)
+{
+    auto window = openWindow();
+    // A folder where the file should be: the replacing rename fails, as on a full disk.
+    const QString storage = PersistenceService::defaultStorageFolder();
+    TestSupport::makeDir(storage + u"/collections.json/inside"_s);
+    QSignalSpy failure(&window->state(), &AppState::saveFailureChanged);
+    TestSupport::capturedStdout([&] {
+        window->state().createCollection(u"Unsaved"_s);
+        ASSERT_TRUE(failure.wait(10'000));
+    });
+    QStringList asked;
+    bool quitAnyway = false;
+    window->setQuitConfirmationForTesting([&](const QString &reason) {
+        asked.append(reason);
+        return quitAnyway;
+    });
+
+    EXPECT_FALSE(window->close());
+    EXPECT_TRUE(window->isVisible());
+    EXPECT_EQ(asked, QStringList{u"Is a directory"_s});
+
+    // The way is clear again: closing saves and asks nothing.
+    ASSERT_TRUE(QDir(storage + u"/collections.json"_s).removeRecursively());
+    EXPECT_TRUE(window->close());
+    EXPECT_EQ(asked.size(), 1);
+    EXPECT_EQ(PersistenceService().loadCollections().value(0).name, u"Unsaved"_s);
+    EXPECT_EQ(MainWindow::plainReason(QString::fromLocal8Bit(std::strerror(ENOSPC))), u"the disk is full"_s);
+}
