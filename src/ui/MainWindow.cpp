@@ -60,7 +60,7 @@ MainWindow::MainWindow(std::unique_ptr<FontActivating> activation, QWidget *pare
     layout->addWidget(m_saveFailure);
     m_noticeBar = new QWidget(central);
     m_noticeBar->setObjectName(u"noticeBar"_s);
-    m_noticeBar->setStyleSheet(u"QWidget#noticeBar { background: #fff4ce; } QLabel { color: #4a3b00; }"_s);
+    styleNoticeBar();
     auto *noticeRow = new QHBoxLayout(m_noticeBar);
     noticeRow->setContentsMargins(12, 6, 8, 6);
     m_notice = new QLabel(m_noticeBar);
@@ -251,6 +251,28 @@ void MainWindow::updateSaveFailure()
     m_saveFailure->setText(failure.isEmpty() ? QString()
                                              : u"Morvane can't save its library: %1. Changes made now will be lost "
                                                u"when Morvane quits."_s.arg(failure));
+}
+
+// A yellow wash over the window's own colour, with its own text colour: readable on a
+// light and a dark desktop alike.
+void MainWindow::styleNoticeBar()
+{
+    const QColor window = palette().color(QPalette::Window);
+    const bool dark = window.lightness() < 128;
+    const QColor yellow = dark ? QColor(255, 214, 10) : QColor(255, 204, 0);
+    const double share = dark ? 0.18 : 0.28;
+    const QColor wash = QColor::fromRgbF(window.redF() * (1 - share) + yellow.redF() * share,
+                                         window.greenF() * (1 - share) + yellow.greenF() * share,
+                                         window.blueF() * (1 - share) + yellow.blueF() * share);
+    m_noticeBar->setStyleSheet(u"QWidget#noticeBar { background: %1; } QWidget#noticeBar > QLabel { color: %2; }"_s.arg(
+        wash.name(), palette().color(QPalette::WindowText).name()));
+}
+
+void MainWindow::changeEvent(QEvent *event)
+{
+    QMainWindow::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange && m_noticeBar)
+        styleNoticeBar();
 }
 
 void MainWindow::updateNotice()

@@ -74,6 +74,7 @@ public:
 protected:
     void showEvent(QShowEvent *event) override;
     void closeEvent(QCloseEvent *event) override;
+    void changeEvent(QEvent *event) override;
 
 private:
     QWidget *buildDetailColumn(QWidget *parent);
@@ -83,6 +84,7 @@ private:
     void showCollection(const QUuid &id);
     void updateSaveFailure();
     void updateNotice();
+    void styleNoticeBar();
 
     std::unique_ptr<FontActivating> m_activation;
     std::unique_ptr<PersistenceService> m_persistence;
