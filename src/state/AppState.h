@@ -229,6 +229,9 @@ private:
     // Activates the waiting fonts whose file can be reached again; drops those whose
     // source is back but whose file is gone.
     QCoro::Task<> restoreWaiting();
+    // Activates saved fonts again ("Restoring"); those that fail for a reason not their
+    // own go on waiting.
+    QCoro::Task<> reactivate(QList<FontNode> fonts);
     QCoro::Task<std::optional<QStringList>> awaitBatchJob(QFuture<QStringList> job);
     void setIsProcessingStalled(bool stalled);
     void setWaitingActivations(QSet<QString> waiting);

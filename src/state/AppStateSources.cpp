@@ -170,6 +170,16 @@ QCoro::Task<> AppState::restoreActivations(QSet<QString> saved, bool savedSetIsW
     fonts.reserve(sorted.existing.size());
     for (const QString &path : sorted.existing)
         fonts.append(FontNode::fromPath(path));
+    co_await reactivate(fonts);
+    if (!self)
+        co_return;
+    saveActivatedFonts(); // vanished fonts leave the saved set here
+    setIsProcessing(false);
+}
+
+QCoro::Task<> AppState::reactivate(QList<FontNode> fonts)
+{
+    QPointer<AppState> self(this);
     const QString label = u"Restoring"_s;
     co_await batchProcess(fonts, true, label);
     if (!self)
@@ -178,8 +188,6 @@ QCoro::Task<> AppState::restoreActivations(QSet<QString> saved, bool savedSetIsW
     // it waits for the next start, and the saved list keeps it.
     if (!m_batchSystemFailures.isEmpty())
         setWaitingActivations(m_waitingActivations + QSet<QString>(m_batchSystemFailures.cbegin(), m_batchSystemFailures.cend()));
-    saveActivatedFonts(); // vanished fonts leave the saved set here
-    setIsProcessing(false);
 }
 
 QCoro::Task<> AppState::restoreWaiting()
@@ -208,13 +216,9 @@ QCoro::Task<> AppState::restoreWaiting()
     if (fonts.isEmpty() && stillWaiting == m_waitingActivations)
         co_return;
     setWaitingActivations(stillWaiting);
-    const QString label = u"Restoring"_s;
-    co_await batchProcess(fonts, true, label);
-    if (!self)
-        co_return;
-    if (!m_batchSystemFailures.isEmpty())
-        setWaitingActivations(m_waitingActivations + QSet<QString>(m_batchSystemFailures.cbegin(), m_batchSystemFailures.cend()));
-    saveActivatedFonts();
+    co_await reactivate(fonts);
+    if (self)
+        saveActivatedFonts();
 }
 
 void AppState::addSource(const QString &path)
