@@ -5,9 +5,9 @@
 
 #include "BenchStore.h"
 
-#include "ui/ColumnBrowserView.h"
-#include "ui/FontNodeListModel.h"
-#include "ui/SingleColumnView.h"
+#include "ui/browser/ColumnBrowserView.h"
+#include "ui/browser/FontNodeListModel.h"
+#include "ui/browser/SingleColumnView.h"
 
 #include <QApplication>
 #include <QElapsedTimer>

@@ -4,7 +4,7 @@
 #include "FontCorpus.h"
 
 #include "services/FontActivationService.h"
-#include "services/FontMetadata.h"
+#include "fonts/FontMetadata.h"
 #include "services/FontPreviewService.h"
 
 #include <QDir>

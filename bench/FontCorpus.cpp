@@ -2,7 +2,7 @@
 
 #include "BenchFigures.h"
 
-#include "services/FontMetadata.h"
+#include "fonts/FontMetadata.h"
 
 #include <QDir>
 #include <QFile>

@@ -6,9 +6,9 @@
 
 #include "services/PersistenceService.h"
 #include "state/AppState.h"
-#include "ui/ColumnBrowserView.h"
-#include "ui/FontPreviewView.h"
-#include "ui/SampleView.h"
+#include "ui/browser/ColumnBrowserView.h"
+#include "ui/preview/FontPreviewView.h"
+#include "ui/preview/SampleView.h"
 
 #include <QApplication>
 #include <QCheckBox>

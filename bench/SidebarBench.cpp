@@ -6,8 +6,8 @@
 #include "discovery/FileSystemService.h"
 #include "services/PersistenceService.h"
 #include "state/AppState.h"
-#include "ui/CollectionView.h"
-#include "ui/SourceListView.h"
+#include "ui/collection/CollectionView.h"
+#include "ui/sidebar/SidebarView.h"
 
 #include <QApplication>
 #include <QDir>
@@ -82,7 +82,7 @@ void sidebarPaint1000Collections(benchmark::State &state)
     for (auto _ : state) {
         state.PauseTiming();
         auto loaded = std::make_unique<LoadedStore>(folder);
-        auto sidebar = std::make_unique<SourceListView>(loaded->store);
+        auto sidebar = std::make_unique<SidebarView>(loaded->store);
         sidebar->resize(240, 900);
         sidebar->show();
         QApplication::processEvents();
@@ -110,7 +110,7 @@ void collectionViewOpen10k(benchmark::State &state)
     // the detail area beside it takes the collection's view.
     QWidget window;
     auto *layout = new QHBoxLayout(&window);
-    auto *sidebar = new SourceListView(loaded.store);
+    auto *sidebar = new SidebarView(loaded.store);
     layout->addWidget(sidebar);
     auto *detail = new QStackedWidget;
     layout->addWidget(detail, 1);

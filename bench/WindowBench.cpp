@@ -5,7 +5,7 @@
 
 #include "services/PersistenceService.h"
 #include "state/AppState.h"
-#include "ui/SearchResultsView.h"
+#include "ui/search/SearchResultsView.h"
 
 #include <QApplication>
 #include <QDir>

@@ -2,7 +2,7 @@
 
 #include "services/PersistenceService.h"
 #include "state/AppState.h"
-#include "ui/MainWindow.h"
+#include "ui/window/MainWindow.h"
 
 #include <QApplication>
 #include <QMenuBar>

@@ -1,7 +1,7 @@
 #include "StartupReport.h"
 
 #include "state/AppState.h"
-#include "ui/MainWindow.h"
+#include "ui/window/MainWindow.h"
 
 #include <QApplication>
 #include <QFile>

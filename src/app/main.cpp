@@ -5,7 +5,7 @@
 #include "services/FontActivationService.h"
 #include "services/OwnFontconfig.h"
 #include "services/PersistenceService.h"
-#include "ui/MainWindow.h"
+#include "ui/window/MainWindow.h"
 
 #include <QApplication>
 #include <QFontDatabase>

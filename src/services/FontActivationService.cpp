@@ -1,7 +1,7 @@
 #include "FontActivationService.h"
 
 #include "Console.h"
-#include "FreeTypeLibrary.h"
+#include "fonts/FreeTypeLibrary.h"
 #include "OwnFontconfig.h"
 
 #include <QCryptographicHash>

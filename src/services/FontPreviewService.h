@@ -1,7 +1,7 @@
 #pragma once
 
-#include "FontMetadata.h"
-#include "PreviewFontRegistry.h"
+#include "fonts/FontMetadata.h"
+#include "fonts/PreviewFontRegistry.h"
 
 #include "model/CancellationToken.h"
 

@@ -4,8 +4,8 @@
 #include "AppMenus.h"
 #include "services/PersistenceService.h"
 #include "state/AppState.h"
-#include "ui/MainWindow.h"
-#include "ui/SourceListView.h"
+#include "ui/window/MainWindow.h"
+#include "ui/sidebar/SidebarView.h"
 
 #include <QApplication>
 #include <QMenuBar>

@@ -1,6 +1,6 @@
 #include "TestSupport.h"
 
-#include "services/FontMetadata.h"
+#include "fonts/FontMetadata.h"
 
 #include <QDir>
 #include <QFile>

@@ -4,7 +4,7 @@
 #include "InkMeasure.h"
 #include "TestSupport.h"
 
-#include "services/SampleRenderer.h"
+#include "fonts/SampleRenderer.h"
 
 #include <QImage>
 #include <QFile>

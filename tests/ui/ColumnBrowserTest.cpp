@@ -8,13 +8,13 @@
 #include "services/PersistenceService.h"
 #include "state/AppState.h"
 #include "services/FinderTagService.h"
-#include "ui/ColumnBrowserView.h"
-#include "ui/ContextMenus.h"
-#include "ui/FontNodeListModel.h"
-#include "ui/FontNodeRow.h"
-#include "ui/FontPreviewView.h"
-#include "ui/SingleColumnView.h"
-#include "ui/Symbols.h"
+#include "ui/browser/ColumnBrowserView.h"
+#include "ui/common/ContextMenus.h"
+#include "ui/browser/FontNodeListModel.h"
+#include "ui/browser/FontNodeDelegate.h"
+#include "ui/preview/FontPreviewView.h"
+#include "ui/browser/SingleColumnView.h"
+#include "ui/common/Symbols.h"
 
 #include <QAbstractItemModelTester>
 #include <QContextMenuEvent>
@@ -76,7 +76,7 @@ protected:
         const QRect row = rowRect(columnIndex, name);
         const bool folder = !name.endsWith(u".ttf"_s);
         QTest::mouseClick(column(columnIndex)->viewport(), Qt::LeftButton, {},
-                          FontNodeRow::layout(row, folder).button.center().toPoint());
+                          FontNodeDelegate::layout(row, folder).button.center().toPoint());
     }
     bool waitUntilIdle() { return QTest::qWaitFor([this] { return !store.isProcessing(); }, 20'000); }
     // A right click on the row; the menu it opens.
@@ -200,7 +200,7 @@ TEST_F(Browser, ClicksSelectAndTheButtonTogglesWithoutSelecting)
     EXPECT_EQ(a2.data(Qt::AccessibleDescriptionRole).toString(), u"Font, active"_s);
     const QModelIndex folderA = column(0)->nodeModel()->index(0);
     EXPECT_EQ(folderA.data(FontNodeListModel::ActivationRole).toInt(), static_cast<int>(ActivationState::Mixed));
-    EXPECT_EQ(FontNodeRow::buttonToolTip(folderA.data(FontNodeListModel::ActivationRole).toInt()), u"Activate All"_s);
+    EXPECT_EQ(FontNodeDelegate::buttonToolTip(folderA.data(FontNodeListModel::ActivationRole).toInt()), u"Activate All"_s);
 
     // The folder's button makes a mixed folder fully active; Space on the focused
     // column toggles its selected row.
@@ -423,16 +423,16 @@ TEST_F(Browser, ActiveButtonsAreGreenAndLicensedFoldersTakeTheirColour)
                    std::abs(a.blue() - b.blue()) <= 3;
         };
         // Inside the disc, above the check mark.
-        const FontNodeRow::Layout font = FontNodeRow::layout(rowRect(0, u"c.ttf"_s), false);
+        const FontNodeDelegate::Layout font = FontNodeDelegate::layout(rowRect(0, u"c.ttf"_s), false);
         const QRectF disc = font.button.adjusted(2, 2, -2, -2);
         const QPoint inDisc(static_cast<int>(disc.center().x()), static_cast<int>(disc.top() + disc.height() * 0.2));
         EXPECT_TRUE(near(image.pixelColor(inDisc), appearance.green)) << image.pixelColor(inDisc).name().toStdString();
         // The lower middle of the folder's body.
-        const FontNodeRow::Layout folder = FontNodeRow::layout(rowRect(0, u"B"_s), true);
+        const FontNodeDelegate::Layout folder = FontNodeDelegate::layout(rowRect(0, u"B"_s), true);
         const QPoint inFolder(static_cast<int>(folder.icon.center().x()), static_cast<int>(folder.icon.center().y() + 3));
         EXPECT_TRUE(near(image.pixelColor(inFolder), appearance.green)) << image.pixelColor(inFolder).name().toStdString();
         // An unlabelled folder is not green.
-        const FontNodeRow::Layout plain = FontNodeRow::layout(rowRect(0, u"A"_s), true);
+        const FontNodeDelegate::Layout plain = FontNodeDelegate::layout(rowRect(0, u"A"_s), true);
         const QPoint inPlain(static_cast<int>(plain.icon.center().x()), static_cast<int>(plain.icon.center().y() + 3));
         EXPECT_FALSE(near(image.pixelColor(inPlain), appearance.green));
     }

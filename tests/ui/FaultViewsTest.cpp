@@ -3,11 +3,11 @@
 // the latest changes can't be saved.
 #include "WindowFixture.h"
 
-#include "ui/ColumnBrowserView.h"
-#include "ui/ProcessingOverlay.h"
-#include "ui/SidebarModel.h"
-#include "ui/SourceListView.h"
-#include "ui/UnavailableSourceView.h"
+#include "ui/browser/ColumnBrowserView.h"
+#include "ui/window/ProcessingOverlay.h"
+#include "ui/sidebar/SidebarModel.h"
+#include "ui/sidebar/SidebarView.h"
+#include "ui/window/UnavailableSourceView.h"
 
 #include <QDir>
 #include <QLabel>

@@ -9,11 +9,11 @@
 #include "services/FontActivating.h"
 #include "services/PersistenceService.h"
 #include "state/AppState.h"
-#include "ui/ColumnBrowserView.h"
-#include "ui/FontNodeListModel.h"
-#include "ui/FontPreviewView.h"
-#include "ui/SampleView.h"
-#include "ui/SingleColumnView.h"
+#include "ui/browser/ColumnBrowserView.h"
+#include "ui/browser/FontNodeListModel.h"
+#include "ui/preview/FontPreviewView.h"
+#include "ui/preview/SampleView.h"
+#include "ui/browser/SingleColumnView.h"
 
 #include <QApplication>
 #include <QCheckBox>

@@ -3,16 +3,16 @@
 
 #include "services/PersistenceService.h"
 #include "state/AppState.h"
-#include "ui/CollectionView.h"
-#include "ui/ColumnBrowserView.h"
-#include "ui/EmptyStateView.h"
-#include "ui/MainWindow.h"
-#include "ui/ProcessingOverlay.h"
-#include "ui/ReindexingStrip.h"
-#include "ui/SearchResultsView.h"
-#include "ui/SidebarModel.h"
-#include "ui/SourceListView.h"
-#include "ui/ToolbarInputField.h"
+#include "ui/collection/CollectionView.h"
+#include "ui/browser/ColumnBrowserView.h"
+#include "ui/window/EmptyStateView.h"
+#include "ui/window/MainWindow.h"
+#include "ui/window/ProcessingOverlay.h"
+#include "ui/window/ReindexingStrip.h"
+#include "ui/search/SearchResultsView.h"
+#include "ui/sidebar/SidebarModel.h"
+#include "ui/sidebar/SidebarView.h"
+#include "ui/window/ToolbarInputField.h"
 
 #include <QDir>
 #include <QFileInfo>

@@ -3,15 +3,15 @@
 
 #include "services/FinderTagService.h"
 #include "state/AppState.h"
-#include "ui/CollectionView.h"
-#include "ui/ColumnBrowserView.h"
-#include "ui/MainWindow.h"
-#include "ui/SearchResultRow.h"
-#include "ui/SearchResultsModel.h"
-#include "ui/SearchResultsView.h"
-#include "ui/SidebarModel.h"
-#include "ui/SourceListView.h"
-#include "ui/ToolbarInputField.h"
+#include "ui/collection/CollectionView.h"
+#include "ui/browser/ColumnBrowserView.h"
+#include "ui/window/MainWindow.h"
+#include "ui/search/SearchResultDelegate.h"
+#include "ui/search/SearchResultsModel.h"
+#include "ui/search/SearchResultsView.h"
+#include "ui/sidebar/SidebarModel.h"
+#include "ui/sidebar/SidebarView.h"
+#include "ui/window/ToolbarInputField.h"
 
 #include <QAbstractItemModelTester>
 #include <QApplication>
@@ -150,7 +150,7 @@ TEST_F(SearchView, ResultsShowProgressHitsOrNoMatch)
 
     const auto pixels = [&] { return list()->viewport()->grab().toImage(); };
     const auto inFolder = [&](int index) {
-        const QRectF icon = SearchResultRow::layout(row(index), list()->font()).icon;
+        const QRectF icon = SearchResultDelegate::layout(row(index), list()->font()).icon;
         return QPoint(static_cast<int>(icon.center().x()), static_cast<int>(icon.center().y() + 3));
     };
     QImage image = pixels();
@@ -158,7 +158,7 @@ TEST_F(SearchView, ResultsShowProgressHitsOrNoMatch)
     EXPECT_TRUE(near(image.pixelColor(inFolder(1)), QColor(142, 142, 147))) << "no status: gray";
 
     // The row's button activates the folder, and the row repaints.
-    const QRectF button = SearchResultRow::layout(row(0), list()->font()).button;
+    const QRectF button = SearchResultDelegate::layout(row(0), list()->font()).button;
     QTest::mouseClick(list()->viewport(), Qt::LeftButton, {}, button.center().toPoint());
     ASSERT_TRUE(QTest::qWaitFor([&] { return store().activatedFonts().size() == 2 && !store().isProcessing(); }));
     EXPECT_EQ(model->index(0, 0).data(SearchResultsModel::ActivationRole).toInt(), int(ActivationState::Active));
@@ -190,7 +190,7 @@ TEST_F(SearchView, ClickOpensTheFolderAndDragOffersItsPath)
     type(u"Noto"_s);
     ASSERT_TRUE(searched());
     ASSERT_EQ(list()->model()->rowCount(), 1);
-    const QPoint onName = SearchResultRow::layout(row(0), list()->font()).name.center().toPoint();
+    const QPoint onName = SearchResultDelegate::layout(row(0), list()->font()).name.center().toPoint();
 
     QTest::mousePress(list()->viewport(), Qt::LeftButton, {}, onName);
     // A move with the button held; QTest's own move carries no buttons.
@@ -242,7 +242,7 @@ TEST_F(SearchView, AHitInAnotherSourceOpensInThatSource)
     ASSERT_TRUE(searched());
     ASSERT_EQ(list()->model()->rowCount(), 1);
     QTest::mouseClick(list()->viewport(), Qt::LeftButton, {},
-                      SearchResultRow::layout(row(0), list()->font()).name.center().toPoint());
+                      SearchResultDelegate::layout(row(0), list()->font()).name.center().toPoint());
     ASSERT_TRUE(store().selectedSource());
     EXPECT_EQ(store().selectedSource()->path, more);
     ASSERT_FALSE(store().navigationPath().isEmpty());

@@ -4,14 +4,16 @@
 #include "TestSupport.h"
 #include "ViewTestSupport.h"
 
-#include "ui/CollectionMemberModel.h"
-#include "ui/CollectionView.h"
-#include "ui/ColumnBrowserView.h"
-#include "ui/FontPreviewView.h"
-#include "ui/SidebarModel.h"
-#include "ui/SidebarRow.h"
-#include "ui/SingleColumnView.h"
-#include "ui/SourceListView.h"
+#include "ui/collection/CollectionMemberModel.h"
+#include "ui/collection/CollectionView.h"
+#include "ui/browser/ColumnBrowserView.h"
+#include "ui/preview/FontPreviewView.h"
+#include "ui/sidebar/SidebarModel.h"
+#include "ui/sidebar/SidebarDelegate.h"
+#include "ui/browser/SingleColumnView.h"
+#include "ui/sidebar/FolderChoosers.h"
+#include "ui/sidebar/SidebarList.h"
+#include "ui/sidebar/SidebarView.h"
 
 #include <QAbstractItemModelTester>
 #include <QApplication>
@@ -147,7 +149,7 @@ protected:
     PersistenceService persistence;
     AppState store{activation, persistence};
     QWidget window;
-    SourceListView *sidebar = new SourceListView(store);
+    SidebarView *sidebar = new SidebarView(store);
     ColumnBrowserView *browser = new ColumnBrowserView(store);
 };
 
@@ -344,7 +346,7 @@ TEST_F(Sidebar, AddButtonsButtonsAndMenusManageSourcesAndCollections)
     // rescan the new sources started is done: toggles wait for none).
     ASSERT_TRUE(QTest::qWaitFor([&] { return !store.isIndexing(); }));
     QTest::mouseClick(viewportOf(u"Library"_s), Qt::LeftButton, {},
-                      SidebarRow::layout(rect(u"Library"_s), int(SidebarModel::Kind::Source)).button.center().toPoint());
+                      SidebarDelegate::layout(rect(u"Library"_s), int(SidebarModel::Kind::Source)).button.center().toPoint());
     ASSERT_TRUE(QTest::qWaitFor([&] { return store.activatedFonts().size() == 5; }));
     store.addToCollection(collection(u"New Collection"_s), FontNode::fontFile(library + u"/c.ttf"_s));
     EXPECT_EQ(model()->index(rowOf(u"New Collection"_s)).data(SidebarModel::ActivationRole).toInt(),
@@ -372,14 +374,14 @@ TEST_F(Sidebar, AddButtonsButtonsAndMenusManageSourcesAndCollections)
 
 TEST_F(Sidebar, TheChoosersAskForFoldersAndImages)
 {
-    std::unique_ptr<QFileDialog> folders(SourceListView::makeFolderChooser(nullptr));
+    std::unique_ptr<QFileDialog> folders(FolderChoosers::makeFolderChooser(nullptr));
     EXPECT_EQ(folders->windowTitle(), u"Choose a Font Folder"_s);
     EXPECT_EQ(folders->fileMode(), QFileDialog::Directory);
     EXPECT_TRUE(folders->testOption(QFileDialog::ShowDirsOnly));
     EXPECT_TRUE(folders->testOption(QFileDialog::ReadOnly));
     EXPECT_EQ(folders->findChild<QLabel *>(u"message"_s)->text(), u"Select a folder containing fonts"_s);
     EXPECT_EQ(folders->findChild<QAbstractItemView *>(u"listView"_s)->selectionMode(), QAbstractItemView::ExtendedSelection);
-    std::unique_ptr<QFileDialog> icons(SourceListView::makeIconChooser(nullptr));
+    std::unique_ptr<QFileDialog> icons(FolderChoosers::makeIconChooser(nullptr));
     EXPECT_EQ(icons->windowTitle(), u"Choose an Icon"_s);
     EXPECT_EQ(icons->fileMode(), QFileDialog::ExistingFile);
     EXPECT_EQ(icons->findChild<QLabel *>(u"message"_s)->text(), u"Select a PNG or SVG image"_s);

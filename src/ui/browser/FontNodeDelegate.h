@@ -1,0 +1,36 @@
+#pragma once
+
+#include <QRectF>
+#include <QStyledItemDelegate>
+
+// Paints one browser row: the activation button, the node's icon (a folder in its
+// licence colour, or the font-file symbol), the name on one line, and a chevron for
+// folders, on the background its state asks for. No widget per row.
+class FontNodeDelegate : public QStyledItemDelegate
+{
+    Q_OBJECT
+
+public:
+    struct Layout
+    {
+        QRectF background;
+        QRectF button;
+        QRectF icon;
+        QRectF text;
+        QRectF chevron;
+    };
+    // Where each part of a row goes; painting, clicks and tooltips all use it.
+    static Layout layout(const QRect &row, bool isFolder);
+    static QString buttonToolTip(int activationState);
+
+    using QStyledItemDelegate::QStyledItemDelegate;
+    void setActiveColumn(bool active) { m_activeColumn = active; }
+
+    QSize sizeHint(const QStyleOptionViewItem &option, const QModelIndex &index) const override;
+    void paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const override;
+    bool helpEvent(QHelpEvent *event, QAbstractItemView *view, const QStyleOptionViewItem &option,
+                   const QModelIndex &index) override;
+
+private:
+    bool m_activeColumn = false;
+};

@@ -1,0 +1,241 @@
+#include "ui/browser/SingleColumnView.h"
+
+#include "ui/browser/FontNodeListModel.h"
+#include "ui/common/ContextMenus.h"
+#include "ui/browser/FontNodeDelegate.h"
+
+#include "state/AppState.h"
+
+#include <QApplication>
+#include <QContextMenuEvent>
+#include <QDrag>
+#include <QKeyEvent>
+#include <QMenu>
+#include <QMimeData>
+#include <QMouseEvent>
+#include <QScrollBar>
+#include <QTimer>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr qint64 kTypeAheadPauseMs = 1000; // a longer pause starts a new search
+
+} // namespace
+
+SingleColumnView::SingleColumnView(AppState &state, int columnIndex, QWidget *parent)
+    : QListView(parent)
+    , m_state(state)
+    , m_columnIndex(columnIndex)
+    , m_model(new FontNodeListModel(state, this))
+    , m_row(new FontNodeDelegate(this))
+{
+    setModel(m_model);
+    setItemDelegate(m_row);
+    setFixedWidth(kWidth);
+    setUniformItemSizes(true);
+    setSelectionMode(QAbstractItemView::SingleSelection);
+    setEditTriggers(QAbstractItemView::NoEditTriggers);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
+    setFrameShape(QFrame::NoFrame);
+    setMouseTracking(true);
+    viewport()->setAttribute(Qt::WA_Hover);
+    setViewportMargins(0, 3, 0, 3);
+    setFocusPolicy(Qt::StrongFocus);
+    setAccessibleName(u"Column %1"_s.arg(columnIndex + 1));
+}
+
+void SingleColumnView::setColumn(int columnIndex, const QList<FontNode> &nodes)
+{
+    m_columnIndex = columnIndex;
+    setAccessibleName(u"Column %1"_s.arg(columnIndex + 1));
+    m_model->setNodes(nodes);
+}
+
+void SingleColumnView::syncWithStore()
+{
+    const bool active = m_state.activeColumnIndex() == m_columnIndex;
+    m_row->setActiveColumn(active);
+    const std::optional<FontNode> selected = m_state.selectedNode(m_columnIndex);
+    const int row = selected ? m_model->rowOf(selected->path()) : -1;
+    if (row < 0) {
+        selectionModel()->clearSelection();
+        m_shownSelection.clear();
+    } else {
+        const QModelIndex index = m_model->index(row);
+        selectionModel()->setCurrentIndex(index, QItemSelectionModel::ClearAndSelect);
+        if (m_shownSelection != selected->path() && isVisible()) {
+            m_shownSelection = selected->path();
+            // Once laid out: a column just made has no height yet to centre in.
+            QTimer::singleShot(0, this, [this] {
+                const std::optional<FontNode> now = m_state.selectedNode(m_columnIndex);
+                const int current = now ? m_model->rowOf(now->path()) : -1;
+                if (current >= 0) {
+                    executeDelayedItemsLayout();
+                    scrollTo(m_model->index(current), QAbstractItemView::PositionAtCenter);
+                }
+            });
+        }
+    }
+    viewport()->update();
+}
+
+void SingleColumnView::showEvent(QShowEvent *event)
+{
+    QListView::showEvent(event);
+    m_shownSelection.clear(); // first shown: the selected row goes to the centre
+    syncWithStore();
+}
+
+void SingleColumnView::mousePressEvent(QMouseEvent *event)
+{
+    setFocus(Qt::MouseFocusReason);
+    const QModelIndex index = indexAt(event->position().toPoint());
+    if (!index.isValid() || event->button() != Qt::LeftButton) {
+        event->accept();
+        return;
+    }
+    m_typed.clear();
+    m_pressedAt = event->position().toPoint();
+    m_pressedRow = index;
+    const FontNode node = m_model->node(index.row());
+    // The button toggles without selecting the row.
+    if (FontNodeDelegate::layout(visualRect(index), node.isDirectory()).button.contains(event->position())) {
+        m_state.toggleActivation(node);
+    } else {
+        m_state.selectNode(node, m_columnIndex);
+    }
+    event->accept();
+}
+
+void SingleColumnView::mouseReleaseEvent(QMouseEvent *event)
+{
+    m_pressedRow = QPersistentModelIndex();
+    event->accept(); // the press did everything
+}
+
+void SingleColumnView::mouseMoveEvent(QMouseEvent *event)
+{
+    const bool dragging = (event->buttons() & Qt::LeftButton) && m_pressedRow.isValid() &&
+                          (event->position().toPoint() - m_pressedAt).manhattanLength() >= QApplication::startDragDistance();
+    if (!dragging) {
+        QListView::mouseMoveEvent(event); // hover
+        return;
+    }
+    QMimeData *files = m_model->mimeData({m_pressedRow});
+    m_pressedRow = QPersistentModelIndex();
+    if (!files)
+        return;
+    auto *drag = new QDrag(this);
+    drag->setMimeData(files);
+    drag->exec(m_model->supportedDragActions(), Qt::CopyAction);
+}
+
+void SingleColumnView::contextMenuEvent(QContextMenuEvent *event)
+{
+    // A right click shows the menu of the row under the pointer and selects nothing;
+    // the menu key shows the selected row's, beside it.
+    QModelIndex index = indexAt(event->pos());
+    QPoint at = event->globalPos();
+    if (event->reason() == QContextMenuEvent::Keyboard) {
+        const std::optional<FontNode> selected = m_state.selectedNode(m_columnIndex);
+        index = selected ? m_model->index(m_model->rowOf(selected->path())) : QModelIndex();
+        at = viewport()->mapToGlobal(visualRect(index).center());
+    }
+    if (!index.isValid())
+        return;
+    QMenu *menu = ContextMenus::buildNodeMenu(m_state, m_model->node(index.row()), this);
+    // Deleted once closed: a chosen action has run by then.
+    connect(menu, &QMenu::aboutToHide, menu, &QObject::deleteLater);
+    menu->popup(at);
+    event->accept();
+}
+
+void SingleColumnView::selectRow(int row)
+{
+    if (row >= 0 && row < m_model->rowCount())
+        m_state.selectNode(m_model->node(row), m_columnIndex);
+}
+
+bool SingleColumnView::typing() const
+{
+    return m_sinceTyped.isValid() && m_sinceTyped.elapsed() <= kTypeAheadPauseMs && !m_typed.isEmpty();
+}
+
+bool SingleColumnView::typeAhead(const QString &text)
+{
+    if (!typing())
+        m_typed.clear();
+    m_sinceTyped.restart();
+    m_typed += text;
+    const int count = m_model->rowCount();
+    if (count == 0)
+        return false;
+    const std::optional<FontNode> selected = m_state.selectedNode(m_columnIndex);
+    const int current = selected ? m_model->rowOf(selected->path()) : -1;
+    // A new search looks past the current row; a longer prefix may still match it.
+    const int start = m_typed.size() == 1 ? current + 1 : std::max(current, 0);
+    for (int step = 0; step < count; ++step) {
+        const int row = (start + step) % count;
+        if (m_model->node(row).name().startsWith(m_typed, Qt::CaseInsensitive)) {
+            selectRow(row);
+            return true;
+        }
+    }
+    return false;
+}
+
+void SingleColumnView::keyPressEvent(QKeyEvent *event)
+{
+    const bool plain = !(event->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier));
+    const bool typed = plain && !event->text().isEmpty() && event->text().at(0).isPrint() &&
+                       (event->key() != Qt::Key_Space || typing());
+    if (!typed)
+        m_typed.clear(); // any other key ends a typed search
+    switch (event->key()) {
+    case Qt::Key_Up:
+        m_state.handleArrowUp();
+        break;
+    case Qt::Key_Down:
+        m_state.handleArrowDown();
+        break;
+    case Qt::Key_Right:
+        m_state.handleArrowRight();
+        break;
+    case Qt::Key_Left:
+        // The first column hands the keyboard to the sidebar.
+        if (m_state.activeColumnIndex() < 1)
+            m_state.setShouldFocusSidebar(true);
+        else
+            m_state.handleArrowLeft();
+        break;
+    case Qt::Key_Home:
+        selectRow(0);
+        break;
+    case Qt::Key_End:
+        selectRow(m_model->rowCount() - 1);
+        break;
+    case Qt::Key_PageUp:
+    case Qt::Key_PageDown:
+        verticalScrollBar()->triggerAction(event->key() == Qt::Key_PageUp ? QAbstractSlider::SliderPageStepSub
+                                                                          : QAbstractSlider::SliderPageStepAdd);
+        break;
+    case Qt::Key_Space:
+        if (plain && !typing()) {
+            if (const std::optional<FontNode> node = m_state.selectedNode(m_columnIndex))
+                m_state.toggleActivation(*node);
+            break;
+        }
+        [[fallthrough]];
+    default:
+        if (plain && !event->text().isEmpty() && event->text().at(0).isPrint()) {
+            typeAhead(event->text());
+            break;
+        }
+        QListView::keyPressEvent(event);
+        return;
+    }
+    event->accept();
+}

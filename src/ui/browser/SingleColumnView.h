@@ -1,0 +1,55 @@
+#pragma once
+
+#include "model/FontNode.h"
+
+#include <QElapsedTimer>
+#include <QListView>
+
+class AppState;
+class FontNodeListModel;
+class FontNodeDelegate;
+
+// One column of the browser: 240 wide, rows painted by FontNodeDelegate over a model of
+// the store's list. Clicks and keys go to the store; the view only mirrors the
+// store's selection, so the store stays the one place that knows it.
+class SingleColumnView : public QListView
+{
+    Q_OBJECT
+
+public:
+    static constexpr int kWidth = 240;
+
+    SingleColumnView(AppState &state, int columnIndex, QWidget *parent = nullptr);
+
+    int columnIndex() const { return m_columnIndex; }
+    FontNodeListModel *nodeModel() const { return m_model; }
+    // The column's place and list; the first item decides the column's identity.
+    void setColumn(int columnIndex, const QList<FontNode> &nodes);
+    // Mirrors the store: the selected row, whether this is the active column; the
+    // selected row scrolls to the centre when it changes.
+    void syncWithStore();
+
+protected:
+    void mousePressEvent(QMouseEvent *event) override;
+    void mouseMoveEvent(QMouseEvent *event) override;
+    void contextMenuEvent(QContextMenuEvent *event) override;
+    void mouseReleaseEvent(QMouseEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+    void showEvent(QShowEvent *event) override;
+
+private:
+    // Letters typed within a second of each other select the next row they begin.
+    bool typeAhead(const QString &text);
+    bool typing() const; // a space then belongs to the typed name
+    void selectRow(int row);
+
+    AppState &m_state;
+    int m_columnIndex;
+    FontNodeListModel *m_model;
+    FontNodeDelegate *m_row;
+    QString m_shownSelection; // path of the row last scrolled to
+    QPoint m_pressedAt;           // where a left press began, for a drag
+    QPersistentModelIndex m_pressedRow;
+    QString m_typed;
+    QElapsedTimer m_sinceTyped;
+};

@@ -1,0 +1,135 @@
+#include "ui/common/ContextMenus.h"
+
+#include "services/LicenseStatus.h"
+#include "state/AppState.h"
+
+#include <QDBusMessage>
+#include <QDBusPendingCallWatcher>
+#include <QDesktopServices>
+#include <QFileInfo>
+#include <QMenu>
+#include <QPixmap>
+#include <QUrl>
+
+using namespace Qt::StringLiterals;
+
+namespace ContextMenus {
+
+namespace {
+
+void openContainingFolder(const QString &path)
+{
+    QDesktopServices::openUrl(QUrl::fromLocalFile(QFileInfo(path).absolutePath()));
+}
+
+} // namespace
+
+void revealInFileManager(const QString &path, const QDBusConnection &bus)
+{
+    // With no session bus the call ends at once and a watcher would never fire.
+    if (!bus.isConnected()) {
+        openContainingFolder(path);
+        return;
+    }
+    QDBusMessage call = QDBusMessage::createMethodCall(u"org.freedesktop.FileManager1"_s, u"/org/freedesktop/FileManager1"_s,
+                                                       u"org.freedesktop.FileManager1"_s, u"ShowItems"_s);
+    call << QStringList{QUrl::fromLocalFile(path).toString()} << QString();
+    auto *watcher = new QDBusPendingCallWatcher(bus.asyncCall(call));
+    QObject::connect(watcher, &QDBusPendingCallWatcher::finished, watcher, [path](QDBusPendingCallWatcher *finished) {
+        if (finished->isError())
+            openContainingFolder(path);
+        finished->deleteLater();
+    });
+}
+
+void addLicenseMenu(QMenu *menu, AppState &state, const QString &path)
+{
+    QMenu *statuses = menu->addMenu(u"License Status"_s);
+    const LicenseStatus current = License::from(state.finderTagService().tags(path));
+    const qreal ratio = menu->devicePixelRatioF();
+    for (const LicenseStatus status : License::allCases()) {
+        QAction *item = statuses->addAction(License::rawValue(status));
+        if (status != LicenseStatus::None)
+            item->setIcon(QIcon(QPixmap::fromImage(License::menuDotImage(status, ratio))));
+        item->setCheckable(true);
+        item->setChecked(status == current);
+        QObject::connect(item, &QAction::triggered, menu, [&state, status, path] { state.setLicenseStatus(status, path); });
+    }
+}
+
+QMenu *buildNodeMenu(AppState &state, const FontNode &node, QWidget *parent)
+{
+    auto *menu = new QMenu(parent);
+    menu->setAccessibleName(node.name().toString());
+    const QString path = node.path();
+    QObject::connect(menu->addAction(u"Show in File Manager"_s), &QAction::triggered, menu,
+                     [path] { revealInFileManager(path); });
+    menu->addSeparator();
+    const bool active = state.activationState(node) == ActivationState::Active;
+    const QString toggle = node.isDirectory()
+        ? (active ? u"Deactivate All Fonts in Folder"_s : u"Activate All Fonts in Folder"_s)
+        : (active ? u"Deactivate Font"_s : u"Activate Font"_s);
+    QObject::connect(menu->addAction(toggle), &QAction::triggered, menu, [&state, node] { state.toggleActivation(node); });
+    if (!state.collections().isEmpty()) {
+        menu->addSeparator();
+        QMenu *collections = menu->addMenu(u"Add to Collection"_s);
+        for (const FontCollection &collection : state.collections()) {
+            QAction *item = collections->addAction(collection.name);
+            item->setEnabled(!collection.contains(path));
+            const QUuid id = collection.id;
+            QObject::connect(item, &QAction::triggered, menu, [&state, id, node] { state.addToCollection(id, node); });
+        }
+    }
+    menu->addSeparator();
+    addLicenseMenu(menu, state, path);
+    return menu;
+}
+
+QMenu *buildSourceMenu(AppState &state, const FolderSource &source, QWidget *parent)
+{
+    auto *menu = new QMenu(parent);
+    menu->setAccessibleName(source.name);
+    const QString path = source.path;
+    QObject::connect(menu->addAction(u"Show in File Manager"_s), &QAction::triggered, menu,
+                     [path] { revealInFileManager(path); });
+    menu->addSeparator();
+    addLicenseMenu(menu, state, path);
+    menu->addSeparator();
+    QObject::connect(menu->addAction(u"Remove Source"_s), &QAction::triggered, menu,
+                     [&state, source] { state.removeSource(source); });
+    return menu;
+}
+
+QMenu *buildCollectionMenu(AppState &state, const FontCollection &collection, QWidget *parent,
+                           const std::function<void()> &rename, const std::function<void()> &pickIcon)
+{
+    auto *menu = new QMenu(parent);
+    menu->setAccessibleName(collection.name);
+    QObject::connect(menu->addAction(u"Rename"_s), &QAction::triggered, menu, rename);
+    QObject::connect(menu->addAction(u"Set Custom Icon…"_s), &QAction::triggered, menu, pickIcon);
+    QAction *removeIcon = menu->addAction(u"Remove Custom Icon"_s);
+    removeIcon->setEnabled(collection.iconPath.has_value());
+    const QUuid id = collection.id;
+    QObject::connect(removeIcon, &QAction::triggered, menu, [&state, id] { state.setCollectionIcon(id, std::nullopt); });
+    menu->addSeparator();
+    QObject::connect(menu->addAction(u"Delete Collection"_s), &QAction::triggered, menu,
+                     [&state, collection] { state.deleteCollection(collection); });
+    return menu;
+}
+
+QMenu *buildMemberMenu(AppState &state, const CollectionMember &member, const QUuid &collectionId, QWidget *parent)
+{
+    auto *menu = new QMenu(parent);
+    menu->setAccessibleName(QFileInfo(member.path).fileName());
+    const QString path = member.path;
+    QObject::connect(menu->addAction(u"Show in File Manager"_s), &QAction::triggered, menu,
+                     [path] { revealInFileManager(path); });
+    menu->addSeparator();
+    addLicenseMenu(menu, state, path);
+    menu->addSeparator();
+    QObject::connect(menu->addAction(u"Remove from Collection"_s), &QAction::triggered, menu,
+                     [&state, member, collectionId] { state.removeFromCollection(collectionId, member); });
+    return menu;
+}
+
+} // namespace ContextMenus

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QRectF>
+#include <QStyledItemDelegate>
+
+// Paints one folder-search hit: the activation button, the folder in its licence
+// colour, the folder's name over its font count, on a subtle rounded highlight while
+// the pointer is over it.
+class SearchResultDelegate : public QStyledItemDelegate
+{
+    Q_OBJECT
+
+public:
+    struct Layout
+    {
+        QRectF background;
+        QRectF button;
+        QRectF icon;
+        QRectF name;
+        QRectF count;
+    };
+    static Layout layout(const QRect &row, const QFont &font);
+    static QFont nameFont(const QFont &base);
+    static QFont countFont(const QFont &base);
+
+    using QStyledItemDelegate::QStyledItemDelegate;
+    QSize sizeHint(const QStyleOptionViewItem &option, const QModelIndex &index) const override;
+    void paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const override;
+    bool helpEvent(QHelpEvent *event, QAbstractItemView *view, const QStyleOptionViewItem &option,
+                   const QModelIndex &index) override;
+};

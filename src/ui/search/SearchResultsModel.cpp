@@ -1,0 +1,86 @@
+#include "ui/search/SearchResultsModel.h"
+
+#include "ui/sidebar/SidebarModel.h"
+
+#include "services/LicenseStatus.h"
+#include "state/AppState.h"
+
+#include <QMimeData>
+
+using namespace Qt::StringLiterals;
+
+SearchResultsModel::SearchResultsModel(AppState &state, QObject *parent)
+    : QAbstractListModel(parent)
+    , m_state(state)
+{
+    connect(&state, &AppState::searchResultsChanged, this, [this] {
+        beginResetModel();
+        endResetModel();
+    });
+    const auto repaint = [this](Role role) {
+        if (rowCount() > 0)
+            Q_EMIT dataChanged(index(0), index(rowCount() - 1), {role, Qt::AccessibleDescriptionRole});
+    };
+    connect(&state, &AppState::activatedFontsChanged, this, [repaint] { repaint(ActivationRole); });
+    connect(&state, &AppState::licenseTagsChanged, this, [repaint] { repaint(LicenseRole); });
+}
+
+int SearchResultsModel::rowCount(const QModelIndex &parent) const
+{
+    return parent.isValid() ? 0 : static_cast<int>(m_state.searchResults().size());
+}
+
+QVariant SearchResultsModel::data(const QModelIndex &index, int role) const
+{
+    if (!index.isValid() || index.row() >= rowCount())
+        return {};
+    const FolderSearchResult &result = m_state.searchResults().at(index.row());
+    // Only what the scan already holds: a row never starts a scan of its own.
+    const auto fontCount = [&] { return static_cast<qsizetype>(m_state.fileSystemService().allFonts(result.folder.path()).size()); };
+    switch (role) {
+    case Qt::DisplayRole:
+    case Qt::AccessibleTextRole:
+        return result.folder.name().toString();
+    case Qt::ToolTipRole:
+    case PathRole:
+        return result.folder.path();
+    case ActivationRole:
+        return static_cast<int>(m_state.activationState(result.folder));
+    case LicenseRole:
+        return static_cast<int>(License::from(m_state.finderTagService().tags(result.folder.path())));
+    case FontCountRole:
+        return fontCount();
+    case CountTextRole:
+        return SidebarModel::count(fontCount(), u"font"_s);
+    case Qt::AccessibleDescriptionRole: {
+        const auto license = static_cast<LicenseStatus>(data(index, LicenseRole).toInt());
+        QStringList parts{SidebarModel::stateWord(m_state.activationState(result.folder)),
+                          SidebarModel::count(fontCount(), u"font"_s)};
+        if (license != LicenseStatus::None)
+            parts << License::rawValue(license);
+        return parts.join(u", "_s);
+    }
+    default:
+        return {};
+    }
+}
+
+Qt::ItemFlags SearchResultsModel::flags(const QModelIndex &index) const
+{
+    return QAbstractListModel::flags(index) | Qt::ItemIsDragEnabled;
+}
+
+QStringList SearchResultsModel::mimeTypes() const
+{
+    return {u"text/plain"_s};
+}
+
+// A dragged hit is its folder's path as plain text.
+QMimeData *SearchResultsModel::mimeData(const QModelIndexList &indexes) const
+{
+    if (indexes.isEmpty() || !indexes.first().isValid())
+        return nullptr;
+    auto *data = new QMimeData;
+    data->setText(indexes.first().data(PathRole).toString());
+    return data;
+}

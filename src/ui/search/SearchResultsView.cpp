@@ -1,0 +1,191 @@
+#include "ui/search/SearchResultsView.h"
+
+#include "ui/common/BusyIndicator.h"
+#include "ui/search/SearchResultDelegate.h"
+#include "ui/search/SearchResultsModel.h"
+#include "ui/common/Symbols.h"
+#include "ui/common/TextStyles.h"
+
+#include "state/AppState.h"
+
+#include <QApplication>
+#include <QDrag>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QMimeData>
+#include <QPainter>
+#include <QVBoxLayout>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+// The empty state's magnifier, tertiary.
+class MagnifierPicture : public QWidget
+{
+public:
+    explicit MagnifierPicture(QWidget *parent)
+        : QWidget(parent)
+    {
+        const int side = static_cast<int>(font().pointSizeF() * 36 / 13 * 1.4);
+        setFixedSize(side, side);
+    }
+
+protected:
+    void paintEvent(QPaintEvent *) override
+    {
+        QPainter painter(this);
+        Symbols::drawMagnifier(painter, QRectF(rect()).adjusted(2, 2, -2, -2), Symbols::tertiary(palette()));
+    }
+};
+
+QLabel *styledLabel(const QString &text, QWidget *parent, qreal size, bool tertiary)
+{
+    auto *label = new QLabel(text, parent);
+    label->setAlignment(Qt::AlignCenter);
+    label->setWordWrap(true);
+    QFont font = label->font();
+    font.setPointSizeF(font.pointSizeF() * size / 13);
+    label->setFont(font);
+    if (tertiary)
+        TextStyles::applyTertiary(label);
+    else
+        TextStyles::applySecondary(label);
+    return label;
+}
+
+QWidget *centredPage(QWidget *parent, const QList<QWidget *> &items, int spacing)
+{
+    auto *page = new QWidget(parent);
+    auto *column = new QVBoxLayout(page);
+    column->setSpacing(spacing);
+    column->addStretch(1);
+    for (QWidget *item : items) {
+        item->setParent(page);
+        if (qobject_cast<QLabel *>(item))
+            column->addWidget(item); // the full width: texts wrap only when they must
+        else
+            column->addWidget(item, 0, Qt::AlignHCenter);
+    }
+    column->addStretch(1);
+    return page;
+}
+
+} // namespace
+
+SearchResultsList::SearchResultsList(AppState &state, SearchResultsModel *model, QWidget *parent)
+    : QListView(parent)
+    , m_state(state)
+    , m_model(model)
+{
+    setModel(model);
+    setItemDelegate(new SearchResultDelegate(this));
+    setUniformItemSizes(true);
+    setMouseTracking(true); // the hover highlight
+    setFrameShape(QFrame::NoFrame);
+    setSelectionMode(QAbstractItemView::SingleSelection);
+    setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
+    setViewportMargins(0, 4, 0, 4);
+    setBackgroundRole(QPalette::Base); // under the margins too
+    setAutoFillBackground(true);
+    setAccessibleName(u"Search Results"_s);
+    viewport()->setAttribute(Qt::WA_Hover);
+}
+
+void SearchResultsList::mousePressEvent(QMouseEvent *event)
+{
+    setFocus(Qt::MouseFocusReason);
+    const QModelIndex index = indexAt(event->position().toPoint());
+    m_pressedRow = QPersistentModelIndex();
+    if (!index.isValid() || event->button() != Qt::LeftButton) {
+        event->accept();
+        return;
+    }
+    setCurrentIndex(index);
+    if (SearchResultDelegate::layout(visualRect(index), font()).button.contains(event->position())) {
+        m_state.toggleActivation(m_state.searchResults().at(index.row()).folder);
+    } else {
+        m_pressedRow = index;
+        m_pressedAt = event->position().toPoint();
+    }
+    event->accept();
+}
+
+void SearchResultsList::mouseMoveEvent(QMouseEvent *event)
+{
+    const bool dragging = (event->buttons() & Qt::LeftButton) && m_pressedRow.isValid() &&
+                          (event->position().toPoint() - m_pressedAt).manhattanLength() >= QApplication::startDragDistance();
+    if (!dragging) {
+        QListView::mouseMoveEvent(event); // hover
+        return;
+    }
+    QMimeData *path = m_model->mimeData({m_pressedRow});
+    m_pressedRow = QPersistentModelIndex(); // a drag does not navigate
+    auto *drag = new QDrag(this);
+    drag->setMimeData(path);
+    drag->exec(Qt::CopyAction, Qt::CopyAction);
+}
+
+void SearchResultsList::mouseReleaseEvent(QMouseEvent *event)
+{
+    const QModelIndex index = indexAt(event->position().toPoint());
+    const int row = m_pressedRow.isValid() && index == m_pressedRow ? index.row() : -1;
+    m_pressedRow = QPersistentModelIndex();
+    event->accept();
+    if (row >= 0 && event->button() == Qt::LeftButton)
+        open(row);
+}
+
+// Return opens the current hit, Space toggles it, as in the browser.
+void SearchResultsList::keyPressEvent(QKeyEvent *event)
+{
+    const QModelIndex current = currentIndex();
+    if (current.isValid() && (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)) {
+        open(current.row());
+        return;
+    }
+    if (current.isValid() && event->key() == Qt::Key_Space) {
+        m_state.toggleActivation(m_state.searchResults().at(current.row()).folder);
+        return;
+    }
+    QListView::keyPressEvent(event);
+}
+
+void SearchResultsList::open(int row)
+{
+    if (row < m_state.searchResults().size())
+        m_state.navigateToSearchResult(m_state.searchResults().at(row)); // taken by copy: it empties the list
+}
+
+SearchResultsView::SearchResultsView(AppState &state, QWidget *parent)
+    : QStackedWidget(parent)
+    , m_state(state)
+    , m_model(new SearchResultsModel(state, this))
+{
+    auto *spinner = new BusyIndicator(22);
+    auto *searching = new QLabel(u"Searching folders…"_s);
+    TextStyles::applySecondary(searching);
+    m_progress = centredPage(this, {spinner, searching}, 8);
+    m_list = new SearchResultsList(state, m_model, this);
+    m_empty = centredPage(this,
+                          {new MagnifierPicture(this), styledLabel(u"No matching folders"_s, this, 15, false),
+                           styledLabel(u"Try a different search term."_s, this, 13, true)},
+                          8);
+    addWidget(m_progress);
+    addWidget(m_list);
+    addWidget(m_empty);
+    connect(&state, &AppState::isSearchingFoldersChanged, this, &SearchResultsView::refresh);
+    connect(&state, &AppState::isIndexingChanged, this, &SearchResultsView::refresh);
+    connect(&state, &AppState::searchResultsChanged, this, &SearchResultsView::refresh);
+    refresh();
+}
+
+void SearchResultsView::refresh()
+{
+    if (m_state.isSearchingFolders() || m_state.isIndexing())
+        setCurrentWidget(m_progress);
+    else if (!m_state.searchResults().isEmpty())
+        setCurrentWidget(m_list);
+    else
+        setCurrentWidget(m_empty);
+}

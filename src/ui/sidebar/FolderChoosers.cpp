@@ -1,0 +1,47 @@
+#include "ui/sidebar/FolderChoosers.h"
+
+#include <QAbstractItemView>
+#include <QFileDialog>
+#include <QGridLayout>
+#include <QLabel>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+// Options of a dialog that make it the non-native one, whose views can take several
+// folders and whose layout can take a message.
+QFileDialog *dialog(QWidget *parent, const QString &title, const QString &message)
+{
+    auto *chooser = new QFileDialog(parent, title);
+    chooser->setOption(QFileDialog::DontUseNativeDialog);
+    chooser->setOption(QFileDialog::ReadOnly); // no folder creation
+    auto *label = new QLabel(message, chooser);
+    label->setObjectName(u"message"_s);
+    if (auto *grid = qobject_cast<QGridLayout *>(chooser->layout()))
+        grid->addWidget(label, grid->rowCount(), 0, 1, grid->columnCount());
+    return chooser;
+}
+
+} // namespace
+
+QFileDialog *FolderChoosers::makeFolderChooser(QWidget *parent)
+{
+    QFileDialog *chooser = dialog(parent, u"Choose a Font Folder"_s, u"Select a folder containing fonts"_s);
+    chooser->setFileMode(QFileDialog::Directory);
+    chooser->setOption(QFileDialog::ShowDirsOnly);
+    for (const char *name : {"listView", "treeView"}) {
+        if (auto *view = chooser->findChild<QAbstractItemView *>(QLatin1StringView(name)))
+            view->setSelectionMode(QAbstractItemView::ExtendedSelection);
+    }
+    return chooser;
+}
+
+QFileDialog *FolderChoosers::makeIconChooser(QWidget *parent)
+{
+    QFileDialog *chooser = dialog(parent, u"Choose an Icon"_s, u"Select a PNG or SVG image"_s);
+    chooser->setFileMode(QFileDialog::ExistingFile);
+    chooser->setMimeTypeFilters({u"image/png"_s, u"image/svg+xml"_s});
+    chooser->setNameFilter(u"Images (*.png *.svg *.PNG *.SVG)"_s);
+    return chooser;
+}

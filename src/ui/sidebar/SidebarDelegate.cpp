@@ -1,0 +1,203 @@
+#include "ui/sidebar/SidebarDelegate.h"
+
+#include "ui/browser/FontNodeDelegate.h"
+#include "ui/sidebar/SidebarModel.h"
+#include "ui/common/Symbols.h"
+#include "ui/common/TextStyles.h"
+
+#include <QAbstractItemView>
+#include <QHelpEvent>
+#include <QLineEdit>
+#include <QPainter>
+#include <QPainterPath>
+#include <QToolTip>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+using Kind = SidebarModel::Kind;
+
+constexpr qreal kPadding = 4;
+constexpr qreal kButtonSide = 18;
+constexpr qreal kSpacing = 6;
+constexpr int kRowHeight = 40;
+constexpr int kPlaceholderHeight = 72;
+
+Kind kindOf(const QModelIndex &index)
+{
+    return static_cast<Kind>(index.data(SidebarModel::KindRole).toInt());
+}
+
+// An SVG icon drawn dark on a dark sidebar would vanish: a mostly dark one is drawn inverted there.
+QImage forAppearance(const QImage &image, const QPalette &palette)
+{
+    if (!Symbols::isDark(palette))
+        return image;
+    qint64 lightness = 0;
+    qint64 opaque = 0;
+    const QImage argb = image.convertToFormat(QImage::Format_ARGB32);
+    for (int y = 0; y < argb.height(); y += 2) {
+        for (int x = 0; x < argb.width(); x += 2) {
+            const QRgb pixel = argb.pixel(x, y);
+            if (qAlpha(pixel) > 128) {
+                lightness += qGray(pixel);
+                ++opaque;
+            }
+        }
+    }
+    if (opaque == 0 || lightness / opaque >= 90)
+        return image;
+    QImage inverted = argb;
+    inverted.invertPixels(QImage::InvertRgb);
+    return inverted;
+}
+
+} // namespace
+
+SidebarDelegate::Layout SidebarDelegate::layout(const QRect &row, int kind)
+{
+    const QRectF r(row);
+    Layout parts;
+    parts.background = r.adjusted(kPadding, 1, -kPadding, -1);
+    const qreal middle = r.center().y();
+    qreal x = r.left() + kPadding + 4;
+    parts.button = QRectF(x, middle - kButtonSide / 2, kButtonSide, kButtonSide);
+    x += kButtonSide + kSpacing;
+    const qreal iconSide = static_cast<Kind>(kind) == Kind::Collection ? 22 : 18;
+    parts.icon = QRectF(x, middle - iconSide / 2, iconSide, iconSide);
+    x += iconSide + 10;
+    const qreal width = std::max<qreal>(0, r.right() - kPadding - 4 - x);
+    parts.name = QRectF(x, r.top() + 3, width, r.height() / 2 - 1);
+    parts.caption = QRectF(x, middle + 1, width, r.height() / 2 - 4);
+    return parts;
+}
+
+QSize SidebarDelegate::sizeHint(const QStyleOptionViewItem &, const QModelIndex &index) const
+{
+    return {200, kindOf(index) == Kind::Placeholder ? kPlaceholderHeight : kRowHeight};
+}
+
+void SidebarDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const
+{
+    const Kind kind = kindOf(index);
+    if (kind == Kind::Placeholder)
+        return paintPlaceholder(painter, option);
+
+    const QPalette &palette = option.palette;
+    const bool selected = option.state & QStyle::State_Selected;
+    const bool emphasised = selected && m_emphasised;
+    const Layout parts = layout(option.rect, static_cast<int>(kind));
+    painter->save();
+    painter->setRenderHint(QPainter::Antialiasing);
+    QPainterPath shape;
+    shape.addRoundedRect(parts.background, 5, 5);
+    if (selected)
+        painter->fillPath(shape, emphasised ? palette.color(QPalette::Active, QPalette::Highlight)
+                                            : Symbols::unemphasisedSelection(palette));
+    else if (option.state & QStyle::State_MouseOver)
+        painter->fillPath(shape, QColor(palette.color(QPalette::Highlight).red(), palette.color(QPalette::Highlight).green(),
+                                        palette.color(QPalette::Highlight).blue(), 20));
+    if (index.row() == m_dropRow) {
+        painter->setPen(QPen(palette.color(QPalette::Active, QPalette::Highlight), 2));
+        painter->drawPath(shape);
+    }
+
+    const QColor onAccent = palette.color(QPalette::Active, QPalette::HighlightedText);
+    QPalette buttonPalette = palette;
+    if (emphasised)
+        buttonPalette.setColor(QPalette::WindowText, onAccent);
+    const auto state = static_cast<ActivationState>(index.data(SidebarModel::ActivationRole).toInt());
+    Symbols::drawActivation(*painter, parts.button.adjusted(2, 2, -2, -2), state, buttonPalette);
+    paintIcon(painter, parts.icon, index, emphasised ? buttonPalette : palette);
+
+    painter->setFont(option.font);
+    painter->setPen(emphasised ? onAccent : palette.color(QPalette::WindowText));
+    const QString name = option.fontMetrics.elidedText(index.data().toString(), Qt::ElideRight,
+                                                       static_cast<int>(parts.name.width()));
+    painter->drawText(parts.name, Qt::AlignLeft | Qt::AlignBottom | Qt::TextSingleLine, name);
+    QFont caption = option.font;
+    caption.setPointSizeF(TextStyles::captionSize(option.font));
+    painter->setFont(caption);
+    QColor captionColour = emphasised ? onAccent : Symbols::secondary(palette);
+    painter->setPen(captionColour);
+    painter->drawText(parts.caption, Qt::AlignLeft | Qt::AlignTop | Qt::TextSingleLine,
+                      index.data(SidebarModel::CaptionRole).toString());
+    painter->restore();
+}
+
+void SidebarDelegate::paintIcon(QPainter *painter, const QRectF &box, const QModelIndex &index, const QPalette &palette) const
+{
+    const bool emphasised = palette.color(QPalette::WindowText) == palette.color(QPalette::Active, QPalette::HighlightedText);
+    if (kindOf(index) == Kind::Source) {
+        Symbols::drawArchiveBox(*painter, box, emphasised ? palette.color(QPalette::WindowText) : Symbols::secondary(palette));
+        return;
+    }
+    drawCollectionIcon(*painter, box, index.data(SidebarModel::IconRole).value<QImage>(),
+                       index.data(SidebarModel::FavoritesRole).toBool(), palette);
+}
+
+void SidebarDelegate::drawCollectionIcon(QPainter &painter, const QRectF &box, const QImage &custom, bool favorites,
+                                    const QPalette &palette)
+{
+    if (!custom.isNull()) {
+        painter.save();
+        painter.setRenderHint(QPainter::SmoothPixmapTransform);
+        painter.drawImage(box, forAppearance(custom, palette)); // stretched to the box
+        painter.restore();
+    } else if (favorites) {
+        Symbols::drawStar(painter, box.adjusted(1, 1, -1, -1), Symbols::amber());
+    } else {
+        Symbols::drawStack(painter, box.adjusted(1, 1, -1, -1), Symbols::purple(palette));
+    }
+}
+
+void SidebarDelegate::paintPlaceholder(QPainter *painter, const QStyleOptionViewItem &option) const
+{
+    const QPalette &palette = option.palette;
+    painter->save();
+    const QRectF area = QRectF(option.rect).adjusted(12, 6, -12, -6);
+    Symbols::drawArchiveBox(*painter, QRectF(area.left(), area.top() + 2, 18, 18), Symbols::tertiary(palette));
+    QFont title = option.font;
+    title.setWeight(QFont::DemiBold);
+    painter->setFont(title);
+    painter->setPen(Symbols::secondary(palette));
+    painter->drawText(QRectF(area.left() + 26, area.top(), area.width() - 26, 22), Qt::AlignLeft | Qt::AlignVCenter,
+                      u"No Sources"_s);
+    QFont caption = option.font;
+    caption.setPointSizeF(TextStyles::captionSize(option.font));
+    painter->setFont(caption);
+    painter->drawText(QRectF(area.left(), area.top() + 26, area.width(), area.height() - 26),
+                      Qt::AlignLeft | Qt::AlignTop | Qt::TextWordWrap, u"Click the + button to add a font folder."_s);
+    painter->restore();
+}
+
+QWidget *SidebarDelegate::createEditor(QWidget *parent, const QStyleOptionViewItem &, const QModelIndex &) const
+{
+    auto *field = new QLineEdit(parent);
+    field->setPlaceholderText(u"Name"_s);
+    field->setAccessibleName(u"Name"_s);
+    return field;
+}
+
+void SidebarDelegate::updateEditorGeometry(QWidget *editor, const QStyleOptionViewItem &option, const QModelIndex &index) const
+{
+    const Layout parts = layout(option.rect, index.data(SidebarModel::KindRole).toInt());
+    const int height = editor->sizeHint().height();
+    editor->setGeometry(QRectF(parts.name.left() - 2, option.rect.center().y() - height / 2.0, parts.name.width() + 2,
+                               height).toRect());
+}
+
+bool SidebarDelegate::helpEvent(QHelpEvent *event, QAbstractItemView *view, const QStyleOptionViewItem &option,
+                           const QModelIndex &index)
+{
+    const Kind kind = kindOf(index);
+    if (event->type() != QEvent::ToolTip || kind == Kind::Placeholder)
+        return QStyledItemDelegate::helpEvent(event, view, option, index);
+    const Layout parts = layout(option.rect, static_cast<int>(kind));
+    const QString tip = parts.button.contains(event->pos())
+        ? FontNodeDelegate::buttonToolTip(index.data(SidebarModel::ActivationRole).toInt())
+        : index.data().toString();
+    QToolTip::showText(event->globalPos(), tip, view);
+    return true;
+}

@@ -1,0 +1,236 @@
+#include "ui/sidebar/SidebarList.h"
+
+#include "ui/common/ContextMenus.h"
+#include "ui/common/Drops.h"
+#include "ui/sidebar/SidebarDelegate.h"
+#include "ui/sidebar/SidebarModel.h"
+#include "ui/sidebar/SidebarSectionProxy.h"
+#include "ui/sidebar/SidebarView.h"
+
+#include "state/AppState.h"
+
+#include <QContextMenuEvent>
+#include <QDragEnterEvent>
+#include <QMenu>
+#include <QMimeData>
+#include <QSignalBlocker>
+
+using namespace Qt::StringLiterals;
+
+SidebarList::SidebarList(SidebarView &sidebar, AppState &state, SidebarModel *model, bool collections)
+    : QListView(&sidebar)
+    , m_sidebar(sidebar)
+    , m_state(state)
+    , m_model(model)
+    , m_section(new SidebarSectionProxy(collections, this))
+    , m_delegate(new SidebarDelegate(this))
+    , m_collections(collections)
+{
+    setAccessibleName(collections ? u"Collections"_s : u"Sources"_s);
+    // Only this section's rows: screen readers see no others.
+    m_section->setSourceModel(model);
+    setModel(m_section);
+    setItemDelegate(m_delegate);
+    setSelectionMode(QAbstractItemView::SingleSelection);
+    setEditTriggers(collections ? QAbstractItemView::EditKeyPressed : QAbstractItemView::NoEditTriggers); // F2
+    setMouseTracking(true);
+    setAcceptDrops(collections);
+    setDropIndicatorShown(false);
+    setFrameShape(QFrame::NoFrame);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    viewport()->setAutoFillBackground(false);
+}
+
+QModelIndex SidebarList::indexForRow(int row) const
+{
+    return m_section->mapFromSource(m_model->index(row));
+}
+
+int SidebarList::rowOf(const QModelIndex &index) const
+{
+    return index.isValid() ? m_section->mapToSource(index).row() : -1;
+}
+
+bool SidebarList::showsRow(int row) const
+{
+    const SidebarModel::Kind kind = m_model->kind(row);
+    return m_collections ? kind == SidebarModel::Kind::Collection
+                         : kind == SidebarModel::Kind::Source || kind == SidebarModel::Kind::Placeholder;
+}
+
+int SidebarList::contentHeight() const
+{
+    int height = 0;
+    for (int row = 0; row < m_section->rowCount(); ++row)
+        height += sizeHintForRow(row);
+    return height;
+}
+
+int SidebarList::edgeRow(bool last) const
+{
+    int found = -1;
+    for (int row = 0; row < m_section->rowCount(); ++row) {
+        if (m_section->flags(m_section->index(row, 0)) & Qt::ItemIsSelectable) {
+            found = rowOf(m_section->index(row, 0));
+            if (!last)
+                break;
+        }
+    }
+    return found;
+}
+
+void SidebarList::syncSelection()
+{
+    const std::optional<SidebarItem> &selection = m_state.sidebarSelection();
+    const int row = selection ? m_model->rowOf(*selection) : -1;
+    const QModelIndex index = row >= 0 && showsRow(row) ? indexForRow(row) : QModelIndex();
+    if (index == currentIndex() && (!index.isValid() || selectionModel()->isSelected(index)))
+        return;
+    m_syncing = true;
+    if (index.isValid()) {
+        selectionModel()->setCurrentIndex(index, QItemSelectionModel::ClearAndSelect);
+        scrollTo(index);
+    } else {
+        selectionModel()->clear();
+    }
+    m_syncing = false;
+}
+
+void SidebarList::currentChanged(const QModelIndex &current, const QModelIndex &previous)
+{
+    QListView::currentChanged(current, previous);
+    if (m_syncing || !current.isValid())
+        return;
+    if (const std::optional<SidebarItem> item = m_model->item(rowOf(current)))
+        m_state.setSidebarSelection(item);
+}
+
+void SidebarList::keyPressEvent(QKeyEvent *event)
+{
+    const bool plain = event->modifiers() == Qt::NoModifier || event->modifiers() == Qt::KeypadModifier;
+    if (state() != QAbstractItemView::EditingState && plain) {
+        const int current = rowOf(currentIndex());
+        if (event->key() == Qt::Key_Right) {
+            m_sidebar.handOver();
+            event->accept();
+            return;
+        }
+        if ((event->key() == Qt::Key_Down && current == edgeRow(true) && !m_collections)
+            || (event->key() == Qt::Key_Up && current == edgeRow(false) && m_collections)) {
+            m_sidebar.moveAcross(event->key() == Qt::Key_Down);
+            event->accept();
+            return;
+        }
+    }
+    QListView::keyPressEvent(event);
+}
+
+void SidebarList::mousePressEvent(QMouseEvent *event)
+{
+    const QModelIndex index = indexAt(event->position().toPoint());
+    const auto kind = index.isValid() ? m_model->kind(rowOf(index)) : SidebarModel::Kind::Placeholder;
+    const bool row = kind != SidebarModel::Kind::Placeholder;
+    if (row && event->button() == Qt::LeftButton
+        && SidebarDelegate::layout(visualRect(index), static_cast<int>(kind)).button.contains(event->position())) {
+        setFocus(Qt::MouseFocusReason);
+        const std::optional<SidebarItem> item = m_model->item(rowOf(index));
+        if (const FolderSource *source = item ? item->source() : nullptr)
+            m_state.toggleActivation(FontNode::folder(source->path));
+        else if (const FontCollection *collection = item ? item->collection() : nullptr)
+            m_state.toggleCollectionActivation(*collection);
+        event->accept(); // the button doesn't select
+        return;
+    }
+    QListView::mousePressEvent(event);
+}
+
+void SidebarList::contextMenuEvent(QContextMenuEvent *event)
+{
+    const QModelIndex index = event->reason() == QContextMenuEvent::Mouse ? indexAt(event->pos()) : currentIndex();
+    const std::optional<SidebarItem> item = index.isValid() ? m_model->item(rowOf(index)) : std::nullopt;
+    if (!item)
+        return;
+    QMenu *menu = nullptr;
+    if (const FolderSource *source = item->source()) {
+        menu = ContextMenus::buildSourceMenu(m_state, *source, this);
+    } else if (const FontCollection *collection = item->collection()) {
+        const int row = rowOf(index);
+        menu = ContextMenus::buildCollectionMenu(
+            m_state, *collection, this, [this, row] { m_sidebar.renameCollection(row); },
+            [this, id = collection->id] { m_sidebar.pickIcon(id); });
+    }
+    if (!menu)
+        return;
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    menu->popup(event->reason() == QContextMenuEvent::Mouse ? event->globalPos()
+                                                             : viewport()->mapToGlobal(visualRect(index).center()));
+}
+
+int SidebarList::collectionRowAt(const QPoint &point) const
+{
+    const int row = rowOf(indexAt(point));
+    return row >= 0 && m_model->kind(row) == SidebarModel::Kind::Collection ? row : -1;
+}
+
+void SidebarList::setDropRow(int row)
+{
+    m_delegate->setDropRow(row);
+    viewport()->update();
+}
+
+void SidebarList::dragEnterEvent(QDragEnterEvent *event)
+{
+    if (Drops::carriesFiles(event->mimeData()) && Drops::safeAction(event->possibleActions()))
+        event->accept();
+    else
+        event->ignore();
+}
+
+void SidebarList::dragMoveEvent(QDragMoveEvent *event)
+{
+    const int row = collectionRowAt(event->position().toPoint());
+    const std::optional<Qt::DropAction> action = Drops::safeAction(event->possibleActions());
+    setDropRow(row >= 0 && action ? row : -1);
+    if (row < 0 || !action) {
+        event->ignore();
+        return;
+    }
+    event->setDropAction(*action);
+    event->accept(visualRect(indexForRow(row)));
+}
+
+void SidebarList::dragLeaveEvent(QDragLeaveEvent *event)
+{
+    setDropRow(-1);
+    event->accept();
+}
+
+void SidebarList::dropEvent(QDropEvent *event)
+{
+    setDropRow(-1);
+    const int row = collectionRowAt(event->position().toPoint());
+    const std::optional<Qt::DropAction> action = Drops::safeAction(event->possibleActions());
+    const std::optional<SidebarItem> item = row >= 0 ? m_model->item(row) : std::nullopt;
+    const FontCollection *collection = item ? item->collection() : nullptr;
+    if (!collection || !action) {
+        event->ignore();
+        return;
+    }
+    Drops::addToCollection(m_state, collection->id, event->mimeData());
+    event->setDropAction(*action);
+    event->accept();
+}
+
+void SidebarList::focusInEvent(QFocusEvent *event)
+{
+    QListView::focusInEvent(event);
+    m_delegate->setEmphasised(true);
+    viewport()->update();
+}
+
+void SidebarList::focusOutEvent(QFocusEvent *event)
+{
+    QListView::focusOutEvent(event);
+    m_delegate->setEmphasised(false);
+    viewport()->update();
+}

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <QListView>
+
+class AppState;
+class SidebarDelegate;
+class SidebarModel;
+class SidebarSectionProxy;
+class SidebarView;
+
+// One section's list in the sidebar: the sources, or the collections. Both show the
+// same model, each hiding the other's rows.
+class SidebarList : public QListView
+{
+    Q_OBJECT
+
+public:
+    SidebarList(SidebarView &sidebar, AppState &state, SidebarModel *model, bool collections);
+
+    void syncSelection();
+    int contentHeight() const;
+    bool showsRow(int row) const;
+    // Between the sidebar model's rows and this list's own indexes.
+    QModelIndex indexForRow(int row) const;
+    int rowOf(const QModelIndex &index) const;
+    // The sidebar model's row of this list's first or last selectable row; -1 for none.
+    int edgeRow(bool last) const;
+
+protected:
+    void keyPressEvent(QKeyEvent *event) override;
+    void mousePressEvent(QMouseEvent *event) override;
+    void contextMenuEvent(QContextMenuEvent *event) override;
+    void dragEnterEvent(QDragEnterEvent *event) override;
+    void dragMoveEvent(QDragMoveEvent *event) override;
+    void dragLeaveEvent(QDragLeaveEvent *event) override;
+    void dropEvent(QDropEvent *event) override;
+    void focusInEvent(QFocusEvent *event) override;
+    void focusOutEvent(QFocusEvent *event) override;
+    void currentChanged(const QModelIndex &current, const QModelIndex &previous) override;
+
+private:
+    int collectionRowAt(const QPoint &point) const;
+    void setDropRow(int row);
+
+    SidebarView &m_sidebar;
+    AppState &m_state;
+    SidebarModel *m_model;
+    SidebarSectionProxy *m_section;
+    SidebarDelegate *m_delegate;
+    bool m_collections;
+    bool m_syncing = false;
+};

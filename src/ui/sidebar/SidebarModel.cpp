@@ -1,0 +1,199 @@
+#include "ui/sidebar/SidebarModel.h"
+
+#include "state/AppState.h"
+
+#include <QImage>
+#include <QLocale>
+
+using namespace Qt::StringLiterals;
+
+SidebarModel::SidebarModel(AppState &state, QObject *parent)
+    : QAbstractListModel(parent)
+    , m_state(state)
+{
+    const auto reset = [this] {
+        beginResetModel();
+        endResetModel();
+    };
+    connect(&state, &AppState::sourcesChanged, this, reset);
+    connect(&state, &AppState::collectionsChanged, this, reset);
+    connect(&state, &AppState::activatedFontsChanged, this, [this] { refreshAll({ActivationRole}); });
+    // A new scan knows other counts, and may find members that were missing.
+    connect(&state, &AppState::cachedColumnsChanged, this, [this] { refreshAll({CaptionRole, ActivationRole}); });
+    connect(&state, &AppState::isIndexingChanged, this, [this] { refreshAll({CaptionRole}); });
+    connect(&state, &AppState::unavailableSourcesChanged, this, [this] { refreshAll({CaptionRole}); });
+}
+
+QString SidebarModel::count(qsizetype number, const QString &noun)
+{
+    return u"%1 %2%3"_s.arg(number).arg(noun, number == 1 ? QString() : u"s"_s);
+}
+
+bool SidebarModel::isFavorites(const QString &name)
+{
+    const QLocale locale;
+    return locale.toLower(name) == locale.toLower(u"Favorites"_s);
+}
+
+QString SidebarModel::stateWord(ActivationState state)
+{
+    static const QString kStates[] = {u"inactive"_s, u"active"_s, u"mixed"_s};
+    return kStates[static_cast<int>(state)];
+}
+
+int SidebarModel::rowCount(const QModelIndex &parent) const
+{
+    if (parent.isValid())
+        return 0;
+    return firstCollectionRow() + static_cast<int>(m_state.collections().size());
+}
+
+int SidebarModel::firstCollectionRow() const
+{
+    return static_cast<int>(std::max<qsizetype>(1, m_state.sources().size())); // the placeholder holds one row
+}
+
+SidebarModel::Kind SidebarModel::kind(int row) const
+{
+    if (row >= firstCollectionRow())
+        return Kind::Collection;
+    return m_state.sources().isEmpty() ? Kind::Placeholder : Kind::Source;
+}
+
+std::optional<SidebarItem> SidebarModel::item(int row) const
+{
+    switch (kind(row)) {
+    case Kind::Source:
+        return SidebarItem(m_state.sources().value(row));
+    case Kind::Collection:
+        return SidebarItem(m_state.collections().value(row - firstCollectionRow()));
+    default:
+        return std::nullopt;
+    }
+}
+
+int SidebarModel::rowOf(const SidebarItem &item) const
+{
+    if (const FolderSource *source = item.source()) {
+        const auto &sources = m_state.sources();
+        for (qsizetype i = 0; i < sources.size(); ++i) {
+            if (sources.at(i).id == source->id)
+                return static_cast<int>(i);
+        }
+    } else if (const FontCollection *collection = item.collection()) {
+        const auto &collections = m_state.collections();
+        for (qsizetype i = 0; i < collections.size(); ++i) {
+            if (collections.at(i).id == collection->id)
+                return firstCollectionRow() + static_cast<int>(i);
+        }
+    }
+    return -1;
+}
+
+std::optional<qsizetype> SidebarModel::sourceFontCount(int sourceIndex) const
+{
+    const QString path = m_state.sources().value(sourceIndex).path;
+    const FileSystemService &files = m_state.fileSystemService();
+    if (!files.hasChildrenEntry(path))
+        return std::nullopt; // not scanned yet
+    return static_cast<qsizetype>(files.allFonts(path).size());
+}
+
+ActivationState SidebarModel::activation(int row) const
+{
+    switch (kind(row)) {
+    case Kind::Source:
+        return m_state.activationState(FontNode::folder(m_state.sources().value(row).path));
+    case Kind::Collection:
+        return m_state.collectionActivationState(m_state.collections().value(row - firstCollectionRow()));
+    default:
+        return ActivationState::Inactive;
+    }
+}
+
+QString SidebarModel::caption(int row) const
+{
+    if (kind(row) == Kind::Source) {
+        if (!m_state.isSourceAvailable(m_state.sources().value(row)))
+            return tr("Not available");
+        const std::optional<qsizetype> fonts = sourceFontCount(row);
+        return fonts ? count(*fonts, u"font"_s) : QString();
+    }
+    if (kind(row) == Kind::Collection) {
+        const FontCollection collection = m_state.collections().value(row - firstCollectionRow());
+        return count(m_state.allFontsInCollection(collection).size(), u"font"_s) + u" · "_s
+               + count(collection.members.size(), u"item"_s);
+    }
+    return {};
+}
+
+QVariant SidebarModel::data(const QModelIndex &index, int role) const
+{
+    if (!index.isValid() || index.row() >= rowCount())
+        return {};
+    const int row = index.row();
+    const Kind rowKind = kind(row);
+    switch (role) {
+    case Qt::DisplayRole:
+    case Qt::EditRole:
+    case Qt::AccessibleTextRole:
+        switch (rowKind) {
+        case Kind::Placeholder: return u"No Sources"_s;
+        case Kind::Source: return m_state.sources().value(row).name;
+        case Kind::Collection: return m_state.collections().value(row - firstCollectionRow()).name;
+        }
+        return {};
+    case Qt::AccessibleDescriptionRole: {
+        if (rowKind == Kind::Placeholder)
+            return u"Click the + button to add a font folder."_s;
+        QStringList parts{rowKind == Kind::Source ? u"Source"_s : u"Collection"_s};
+        if (const QString text = caption(row); !text.isEmpty())
+            parts.append(text);
+        parts.append(stateWord(activation(row)));
+        return parts.join(u", "_s);
+    }
+    case KindRole: return static_cast<int>(rowKind);
+    case CaptionRole: return caption(row);
+    case ActivationRole: return static_cast<int>(activation(row));
+    case IconRole: {
+        if (rowKind != Kind::Collection)
+            return {};
+        const std::optional<QString> &icon = m_state.collections().value(row - firstCollectionRow()).iconPath;
+        const std::optional<QImage> image = icon ? m_state.collectionIcon(*icon) : std::nullopt;
+        return image ? QVariant(*image) : QVariant();
+    }
+    case FavoritesRole: {
+        if (rowKind != Kind::Collection)
+            return false;
+        return isFavorites(m_state.collections().value(row - firstCollectionRow()).name);
+    }
+    default: return {};
+    }
+}
+
+bool SidebarModel::setData(const QModelIndex &index, const QVariant &value, int role)
+{
+    if (role != Qt::EditRole || kind(index.row()) != Kind::Collection)
+        return false;
+    // After the editor has closed: the rename resets the rows, editor and all.
+    const QUuid id = m_state.collections().value(index.row() - firstCollectionRow()).id;
+    QMetaObject::invokeMethod(
+        this, [this, id, name = value.toString()] { m_state.renameCollection(id, name); }, Qt::QueuedConnection);
+    return true;
+}
+
+Qt::ItemFlags SidebarModel::flags(const QModelIndex &index) const
+{
+    switch (kind(index.row())) {
+    case Kind::Source: return Qt::ItemIsEnabled | Qt::ItemIsSelectable;
+    case Kind::Collection: return Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsEditable | Qt::ItemIsDropEnabled;
+    case Kind::Placeholder: break;
+    }
+    return Qt::NoItemFlags; // the placeholder: passed over by the keys
+}
+
+void SidebarModel::refreshAll(const QList<int> &roles)
+{
+    if (rowCount() > 0)
+        Q_EMIT dataChanged(index(0), index(rowCount() - 1), roles);
+}

@@ -1,0 +1,338 @@
+#include "ui/window/MainWindow.h"
+
+#include "ui/collection/CollectionView.h"
+#include "ui/browser/ColumnBrowserView.h"
+#include "ui/window/EmptyStateView.h"
+#include "ui/window/ProcessingOverlay.h"
+#include "ui/window/ReindexingStrip.h"
+#include "ui/search/SearchResultsView.h"
+#include "ui/sidebar/SidebarView.h"
+#include "ui/window/ToolbarInputField.h"
+#include "ui/window/UnavailableSourceView.h"
+
+#include "services/FontActivationService.h"
+#include "services/PersistenceService.h"
+#include "state/AppState.h"
+
+#include <QAction>
+#include <QCloseEvent>
+#include <QHBoxLayout>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QLabel>
+#include <QLineEdit>
+#include <QSplitter>
+#include <QStackedWidget>
+#include <QToolBar>
+#include <QToolButton>
+#include <QVBoxLayout>
+
+#include <cerrno>
+#include <cstring>
+
+using namespace Qt::StringLiterals;
+
+MainWindow::MainWindow(QWidget *parent)
+    : MainWindow(std::make_unique<FontActivationService>(), parent)
+{
+}
+
+MainWindow::MainWindow(std::unique_ptr<FontActivating> activation, QWidget *parent)
+    : QMainWindow(parent)
+    , m_activation(std::move(activation))
+    , m_persistence(std::make_unique<PersistenceService>())
+    , m_state(std::make_unique<AppState>(*m_activation, *m_persistence))
+{
+    setWindowTitle(QString()); // the desktop shows the application's name
+    setWindowIcon(QIcon::fromTheme(u"org.morvane.Morvane"_s, QIcon(u":/morvane/org.morvane.Morvane.svg"_s)));
+    setMinimumSize(900, 500);
+    resize(1100, 650);
+    auto *central = new QWidget(this);
+    auto *layout = new QVBoxLayout(central);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    m_saveFailure = new QLabel(central);
+    m_saveFailure->setAccessibleName(u"Save problem"_s);
+    m_saveFailure->setWordWrap(true);
+    m_saveFailure->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    m_saveFailure->setStyleSheet(u"QLabel { background: #fde2e1; color: #5c1a16; padding: 8px 12px; }"_s);
+    m_saveFailure->hide();
+    layout->addWidget(m_saveFailure);
+    m_noticeBar = new QWidget(central);
+    m_noticeBar->setObjectName(u"noticeBar"_s);
+    styleNoticeBar();
+    auto *noticeRow = new QHBoxLayout(m_noticeBar);
+    noticeRow->setContentsMargins(12, 6, 8, 6);
+    m_notice = new QLabel(m_noticeBar);
+    m_notice->setAccessibleName(tr("Message"));
+    m_notice->setWordWrap(true);
+    m_notice->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    noticeRow->addWidget(m_notice, 1);
+    m_dismissNotice = new QPushButton(tr("Dismiss"), m_noticeBar);
+    m_dismissNotice->setAccessibleName(m_dismissNotice->text());
+    noticeRow->addWidget(m_dismissNotice, 0, Qt::AlignTop);
+    m_noticeBar->hide();
+    layout->addWidget(m_noticeBar);
+    // The sidebar is always there: no toggle, and no drag can fold it away.
+    m_split = new QSplitter(Qt::Horizontal, central);
+    m_split->setChildrenCollapsible(false);
+    m_sidebar = new SidebarView(*m_state, m_split);
+    m_sidebar->setMinimumWidth(kSidebarMinimum);
+    m_sidebar->setMaximumWidth(kSidebarMaximum);
+    m_split->addWidget(m_sidebar);
+    m_split->addWidget(buildDetailColumn(m_split));
+    m_split->setCollapsible(0, false);
+    m_split->setCollapsible(1, false);
+    m_split->setStretchFactor(0, 0);
+    m_split->setStretchFactor(1, 1);
+    m_split->setSizes({200, 900});
+    layout->addWidget(m_split, 1);
+    setCentralWidget(central);
+    buildToolbar();
+    m_overlay = new ProcessingOverlay(*m_state, this);
+
+    connect(m_sidebar, &SidebarView::collectionFocusRequested, this, [this] {
+        if (!m_collection)
+            return;
+        CollectionMemberList *list = m_collection->memberList();
+        if (!list->currentIndex().isValid() && list->model()->rowCount() > 0)
+            list->setCurrentIndex(list->model()->index(0, 0));
+        list->setFocus(Qt::OtherFocusReason);
+    });
+    connect(m_empty, &EmptyStateView::addFolderRequested, this, &MainWindow::addFolders);
+    connect(m_state.get(), &AppState::saveFailureChanged, this, &MainWindow::updateSaveFailure);
+    connect(m_state.get(), &AppState::noticeChanged, this, &MainWindow::updateNotice);
+    connect(m_dismissNotice, &QPushButton::clicked, m_state.get(), &AppState::dismissNotice);
+    connect(m_state.get(), &AppState::unavailableSourcesChanged, this, &MainWindow::showDetail);
+    connect(m_unavailable, &UnavailableSourceView::retryRequested, m_state.get(), &AppState::refreshFileSystem);
+    connect(m_state.get(), &AppState::sidebarSelectionChanged, this, &MainWindow::showDetail);
+    connect(m_state.get(), &AppState::searchQueryChanged, this, &MainWindow::showDetail);
+    connect(m_state.get(), &AppState::collectionsChanged, this, &MainWindow::showDetail);
+    connect(m_state.get(), &AppState::sourcesChanged, this, &MainWindow::showDetail);
+    watchSearch();
+    showDetail();
+}
+
+// The store goes first: it waits for a running batch job, which uses the services.
+MainWindow::~MainWindow()
+{
+    m_state.reset();
+}
+
+QWidget *MainWindow::buildDetailColumn(QWidget *parent)
+{
+    auto *column = new QWidget(parent);
+    auto *layout = new QVBoxLayout(column);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    m_strip = new ReindexingStrip(*m_state, column);
+    layout->addWidget(m_strip);
+    m_detail = new QStackedWidget(column);
+    m_results = new SearchResultsView(*m_state, m_detail);
+    m_browser = new ColumnBrowserView(*m_state, m_detail);
+    m_empty = new EmptyStateView(m_detail);
+    m_unavailable = new UnavailableSourceView(m_detail);
+    m_detail->addWidget(m_unavailable);
+    m_detail->addWidget(m_results);
+    m_detail->addWidget(m_browser);
+    m_detail->addWidget(m_empty);
+    layout->addWidget(m_detail, 1);
+    return column;
+}
+
+void MainWindow::buildToolbar()
+{
+    m_toolbar = new QToolBar(u"Search"_s, this);
+    m_toolbar->setObjectName(u"searchToolbar"_s);
+    m_toolbar->setMovable(false);
+    m_toolbar->setFloatable(false);
+    m_toolbar->toggleViewAction()->setVisible(false);
+    m_search = new ToolbarInputField(u"Search…"_s, m_toolbar);
+    m_search->lineEdit()->setAccessibleName(u"Search"_s);
+    // Centred: a stretch on either side of the field.
+    for (int side = 0; side < 2; ++side) {
+        auto *stretch = new QWidget(m_toolbar);
+        stretch->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
+        m_toolbar->addWidget(stretch);
+        if (side == 0)
+            m_toolbar->addWidget(m_search);
+    }
+    addToolBar(Qt::TopToolBarArea, m_toolbar);
+    // Shown only when the window is too narrow for the field; screen readers still list it.
+    if (auto *more = m_toolbar->findChild<QToolButton *>(u"qt_toolbar_ext_button"_s))
+        more->setAccessibleName(u"More Toolbar Items"_s);
+    auto *find = new QAction(u"Find"_s, this);
+    find->setShortcut(QKeySequence::Find);
+    find->setShortcutContext(Qt::WindowShortcut);
+    connect(find, &QAction::triggered, m_search, &ToolbarInputField::focusField);
+    addAction(find);
+}
+
+// The field, the store's query and the sidebar's selection keep in step: typing ends
+// the selection, clearing the search goes back to the first source, and choosing
+// anything in the sidebar ends the search.
+void MainWindow::watchSearch()
+{
+    connect(m_search, &ToolbarInputField::draftChanged, this,
+            [this](const QString &draft) { m_state->setSearchQuery(AppState::trimmedQuery(draft)); });
+    connect(m_search, &ToolbarInputField::cleared, this, [this] { m_state->setSearchQuery(QString()); });
+    connect(m_state.get(), &AppState::searchQueryChanged, this, [this] {
+        if (!m_state->searchQuery().isEmpty()) {
+            m_state->setSidebarSelection(std::nullopt);
+            return;
+        }
+        m_search->setDraft(QString());
+        if (!m_state->sidebarSelection() && !m_state->sources().isEmpty())
+            m_state->setSidebarSelection(SidebarItem(m_state->sources().first()));
+    });
+    connect(m_state.get(), &AppState::sidebarSelectionChanged, this, [this] {
+        if (!m_state->sidebarSelection())
+            return;
+        if (!m_search->draft().isEmpty() || m_state->isSearching()) {
+            m_search->setDraft(QString());
+            m_state->setSearchQuery(QString());
+        }
+    });
+}
+
+QWidget *MainWindow::detail() const
+{
+    return m_detail->currentWidget();
+}
+
+void MainWindow::showDetail()
+{
+    std::optional<FontCollection> collection;
+    std::optional<FolderSource> source;
+    if (m_state->isSearching()) {
+        m_detail->setCurrentWidget(m_results);
+    } else if ((source = m_state->selectedSource()) && !m_state->isSourceAvailable(*source)) {
+        m_unavailable->setFolder(source->path);
+        m_detail->setCurrentWidget(m_unavailable);
+    } else if (source) {
+        m_detail->setCurrentWidget(m_browser);
+    } else if ((collection = m_state->selectedCollection())) {
+        showCollection(collection->id);
+        return;
+    } else {
+        m_detail->setCurrentWidget(m_empty);
+    }
+    delete m_collection; // a collection's view lives while it is shown
+    m_collection = nullptr;
+}
+
+void MainWindow::showCollection(const QUuid &id)
+{
+    if (!m_collection || m_collection->collectionId() != id) {
+        delete m_collection;
+        m_collection = new CollectionView(*m_state, id, m_detail);
+        m_detail->addWidget(m_collection);
+    }
+    m_detail->setCurrentWidget(m_collection);
+}
+
+void MainWindow::addFolders()
+{
+    m_sidebar->addSources();
+}
+
+void MainWindow::showEvent(QShowEvent *event)
+{
+    QMainWindow::showEvent(event);
+    m_state->loadPersistedState(); // once per store, whatever the number of shows
+}
+
+// Shown until a save succeeds again: until then, what the user changes lives only in
+// this run.
+void MainWindow::updateSaveFailure()
+{
+    const QString failure = m_state->saveFailure();
+    m_saveFailure->setVisible(!failure.isEmpty());
+    m_saveFailure->setText(failure.isEmpty() ? QString()
+                                             : u"Morvane can't save its library: %1. Changes made now will be lost "
+                                               u"when Morvane quits."_s.arg(failure));
+}
+
+// A yellow wash over the window's own colour, with its own text colour: readable on a
+// light and a dark desktop alike.
+void MainWindow::styleNoticeBar()
+{
+    const QColor window = palette().color(QPalette::Window);
+    const bool dark = window.lightness() < 128;
+    const QColor yellow = dark ? QColor(255, 214, 10) : QColor(255, 204, 0);
+    const double share = dark ? 0.18 : 0.28;
+    const QColor wash = QColor::fromRgbF(window.redF() * (1 - share) + yellow.redF() * share,
+                                         window.greenF() * (1 - share) + yellow.greenF() * share,
+                                         window.blueF() * (1 - share) + yellow.blueF() * share);
+    m_noticeBar->setStyleSheet(u"QWidget#noticeBar { background: %1; } QWidget#noticeBar > QLabel { color: %2; }"_s.arg(
+        wash.name(), palette().color(QPalette::WindowText).name()));
+}
+
+void MainWindow::changeEvent(QEvent *event)
+{
+    QMainWindow::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange && m_noticeBar)
+        styleNoticeBar();
+}
+
+void MainWindow::updateNotice()
+{
+    m_notice->setText(m_state->notice());
+    m_noticeBar->setVisible(!m_state->notice().isEmpty());
+}
+
+QString MainWindow::plainReason(const QString &systemError)
+{
+    const QHash<QString, QString> plain{
+        {QString::fromLocal8Bit(std::strerror(ENOSPC)), tr("the disk is full")},
+        {QString::fromLocal8Bit(std::strerror(EDQUOT)), tr("your disk quota is used up")},
+        {QString::fromLocal8Bit(std::strerror(EFBIG)), tr("the file is larger than this system allows")},
+        {QString::fromLocal8Bit(std::strerror(EROFS)), tr("the disk is read-only")},
+        {QString::fromLocal8Bit(std::strerror(EACCES)), tr("Morvane may not write to its folder")},
+    };
+    return plain.value(systemError, systemError);
+}
+
+void MainWindow::closeEvent(QCloseEvent *event)
+{
+    // What could not be saved gets one more try (the space may be back), and the user
+    // the last word before it is lost.
+    m_persistence->retryFailedSaves();
+    m_persistence->waitForWrites();
+    const QString failure = m_persistence->unsavedFailure();
+    if (!failure.isEmpty()) {
+        const QString reason = plainReason(failure);
+        const bool quit = m_confirmQuit ? m_confirmQuit(reason) : [&] {
+            QMessageBox box(QMessageBox::Warning, tr("Morvane"),
+                            tr("Your last changes couldn't be saved: %1. Quit anyway?").arg(reason), QMessageBox::NoButton,
+                            this);
+            box.setInformativeText(tr("If you quit now, the changes made since the problem began are lost. "
+                                      "Free some space, then close Morvane again."));
+            QPushButton *quitButton = box.addButton(tr("Quit Anyway"), QMessageBox::DestructiveRole);
+            box.addButton(QMessageBox::Cancel);
+            box.setDefaultButton(QMessageBox::Cancel);
+            box.exec();
+            return box.clickedButton() == quitButton;
+        }();
+        if (!quit) {
+            event->ignore();
+            return;
+        }
+    }
+    QMainWindow::closeEvent(event);
+}
+
+bool MainWindow::finishBackgroundWork(int msecs)
+{
+    const bool finished = m_state->waitForBackgroundWork(msecs);
+    m_persistence->waitForWrites();
+    return finished;
+}
+
+void MainWindow::bringToFront()
+{
+    setWindowState((windowState() & ~Qt::WindowMinimized) | Qt::WindowActive);
+    show();
+    raise();
+    activateWindow();
+}

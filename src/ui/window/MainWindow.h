@@ -1,0 +1,109 @@
+#pragma once
+
+#include <QMainWindow>
+
+#include <functional>
+#include <memory>
+
+class AppState;
+class CollectionView;
+class ColumnBrowserView;
+class EmptyStateView;
+class FontActivating;
+class PersistenceService;
+class ProcessingOverlay;
+class QLabel;
+class QSplitter;
+class QStackedWidget;
+class QToolBar;
+class ReindexingStrip;
+class SearchResultsView;
+class SidebarView;
+class ToolbarInputField;
+class UnavailableSourceView;
+class QPushButton;
+
+// Morvane's one window: the sidebar beside the detail area, the search field in the
+// toolbar, the re-indexing strip and the batch-job overlay. It owns the store and the
+// services it is built on, and restores the saved library the first time it is shown.
+class MainWindow : public QMainWindow
+{
+    Q_OBJECT
+
+public:
+    explicit MainWindow(QWidget *parent = nullptr);
+    // With another way of activating fonts than the system's (tests).
+    explicit MainWindow(std::unique_ptr<FontActivating> activation, QWidget *parent = nullptr);
+    ~MainWindow() override;
+
+    AppState &state() { return *m_state; }
+    ColumnBrowserView &browser() { return *m_browser; }
+    SidebarView &sidebar() { return *m_sidebar; }
+    ToolbarInputField &searchField() { return *m_search; }
+    SearchResultsView &searchResults() { return *m_results; }
+    EmptyStateView &emptyState() { return *m_empty; }
+    ReindexingStrip &reindexingStrip() { return *m_strip; }
+    ProcessingOverlay &overlay() { return *m_overlay; }
+    QSplitter &splitter() { return *m_split; }
+    QToolBar &toolbar() { return *m_toolbar; }
+    // The selected collection's view; none unless a collection is shown.
+    CollectionView *collectionView() const { return m_collection; }
+    // What the detail area shows now.
+    QWidget *detail() const;
+    // The folder chooser, as the menu and the empty state's button run it.
+    void addFolders();
+    QMenu *createPopupMenu() override { return nullptr; } // nothing to hide or move
+    // A second start of Morvane asked for this window.
+    void bringToFront();
+    // After the event loop: waits up to `msecs` for the running background job and the
+    // saves. False when a job is stuck in the kernel (a drive that stopped answering):
+    // the saves are on disk then, and the process may end without waiting for it.
+    bool finishBackgroundWork(int msecs);
+    // What closing asks when the latest changes can't be saved; true quits anyway.
+    using QuitConfirmation = std::function<bool(const QString &reason)>;
+    void setQuitConfirmationForTesting(QuitConfirmation confirm) { m_confirmQuit = std::move(confirm); }
+    UnavailableSourceView &unavailableView() { return *m_unavailable; }
+    QLabel &noticeLabel() { return *m_notice; }
+    QPushButton &noticeDismissButton() { return *m_dismissNotice; }
+    // "the disk is full" for ENOSPC and the like; the system's words otherwise.
+    static QString plainReason(const QString &systemError);
+
+    static constexpr int kSidebarMinimum = 180;
+    static constexpr int kSidebarMaximum = 260;
+
+protected:
+    void showEvent(QShowEvent *event) override;
+    void closeEvent(QCloseEvent *event) override;
+    void changeEvent(QEvent *event) override;
+
+private:
+    QWidget *buildDetailColumn(QWidget *parent);
+    void buildToolbar();
+    void watchSearch();
+    void showDetail();
+    void showCollection(const QUuid &id);
+    void updateSaveFailure();
+    void updateNotice();
+    void styleNoticeBar();
+
+    std::unique_ptr<FontActivating> m_activation;
+    std::unique_ptr<PersistenceService> m_persistence;
+    std::unique_ptr<AppState> m_state;
+    QLabel *m_saveFailure = nullptr;
+    QWidget *m_noticeBar = nullptr;
+    QLabel *m_notice = nullptr;
+    QPushButton *m_dismissNotice = nullptr;
+    UnavailableSourceView *m_unavailable = nullptr;
+    QuitConfirmation m_confirmQuit;
+    QToolBar *m_toolbar = nullptr;
+    ToolbarInputField *m_search = nullptr;
+    QSplitter *m_split = nullptr;
+    SidebarView *m_sidebar = nullptr;
+    ReindexingStrip *m_strip = nullptr;
+    QStackedWidget *m_detail = nullptr;
+    SearchResultsView *m_results = nullptr;
+    ColumnBrowserView *m_browser = nullptr;
+    EmptyStateView *m_empty = nullptr;
+    CollectionView *m_collection = nullptr;
+    ProcessingOverlay *m_overlay = nullptr;
+};

@@ -1,0 +1,43 @@
+#include "ui/window/ReindexingStrip.h"
+
+#include "ui/common/BusyIndicator.h"
+
+#include "state/AppState.h"
+
+#include <QFrame>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QVBoxLayout>
+
+using namespace Qt::StringLiterals;
+
+ReindexingStrip::ReindexingStrip(AppState &state, QWidget *parent)
+    : QWidget(parent)
+    , m_state(state)
+    , m_indicator(new QWidget(this))
+{
+    auto *column = new QVBoxLayout(this);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(0);
+    auto *row = new QHBoxLayout(m_indicator);
+    row->setContentsMargins(8, 8, 8, 8);
+    row->setSpacing(6);
+    row->addStretch(1);
+    row->addWidget(new BusyIndicator(14, m_indicator));
+    auto *label = new QLabel(u"Updating font library…"_s, m_indicator);
+    QFont small = label->font();
+    small.setPointSizeF(small.pointSizeF() * 11 / 13);
+    label->setFont(small);
+    row->addWidget(label);
+    row->addStretch(1);
+    column->addWidget(m_indicator);
+    auto *divider = new QFrame(this);
+    divider->setFrameShape(QFrame::HLine);
+    divider->setFrameShadow(QFrame::Plain);
+    divider->setFixedHeight(1);
+    divider->setForegroundRole(QPalette::Mid);
+    column->addWidget(divider);
+    m_indicator->setVisible(state.isIndexing());
+    connect(&state, &AppState::isIndexingChanged, this,
+            [this] { m_indicator->setVisible(m_state.isIndexing()); });
+}
