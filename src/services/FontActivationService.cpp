@@ -118,7 +118,9 @@ bool FontActivationService::ensureReady()
         m_config = OwnFontconfig::loadUserConfig();
     // The 256 top folders exist from the start: making one later would change their
     // parent and make every application rescan it.
+    // Kept only once all exist: a set-up tried again must not list a folder twice.
     bool created = false;
+    QStringList tops;
     for (int i = 0; i < kTopCount; ++i) {
         const QString top = m_linkFolder + u'/' + u"%1"_s.arg(i, 2, 16, QChar(u'0'));
         if (!QFileInfo::exists(top)) {
@@ -128,9 +130,10 @@ bool FontActivationService::ensureReady()
             }
             created = true;
         }
-        m_tops.append(top);
-        m_topSet.insert(top);
+        tops.append(top);
     }
+    m_tops = tops;
+    m_topSet = QSet<QString>(tops.cbegin(), tops.cend());
     if (created) {
         QSet<QString> all(m_tops.begin(), m_tops.end());
         all << m_linkFolder << m_linkFolder.section(u'/', 0, -2);

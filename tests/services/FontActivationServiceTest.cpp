@@ -310,3 +310,25 @@ TEST_F(Activation, OurOwnProcessLeavesOurLinksOutAndActivationDoesNot)
     EXPECT_FALSE(listed.contains(linkFolder)) << listed.toStdString();
     EXPECT_TRUE(listed.contains(u"/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf"_s)) << "the system's fonts stay";
 }
+
+// A set-up that fails half way (one of the 256 top folders can't be made) and is tried
+// again once the cause is gone must read each link folder once: read twice, every link
+// looked like a duplicate of itself and was removed.
+TEST_F(Activation, ASetUpThatFailedOnceLosesNoLinkWhenItSucceeds)
+{
+    const QString linkFolder = FontActivationService::defaultLinkFolder();
+    {
+        FontActivationService first;
+        ASSERT_TRUE(first.activateFont(sans));
+    }
+    const QString last = linkFolder + u"/ff"_s;
+    ASSERT_TRUE(QDir(last).removeRecursively());
+    makeSymlink(testRoot() + u"/nowhere"_s, last); // mkdir fails there: a dangling link
+
+    FontActivationService second;
+    capturedStdout([&] { EXPECT_FALSE(second.activateFont(serif)); });
+    ASSERT_TRUE(QFile::remove(last));
+    EXPECT_TRUE(second.activateFont(serif));
+    EXPECT_EQ(second.recordedActivations(), (QSet<QString>{sans, serif}));
+    EXPECT_EQ(fontsListedByFontconfig(linkFolder), (QSet<QString>{sans, serif}));
+}
