@@ -145,6 +145,10 @@ public:
     // The filter itself: folders whose own name contains the query, case-insensitively.
     static QList<FolderSearchResult> filterIndex(const QList<FolderSearchResult> &index, const QString &query,
                                                  const CancellationToken &cancellation);
+    // Tests may put another filter in its place (to count the runs).
+    using SearchFilter = std::function<QList<FolderSearchResult>(const QList<FolderSearchResult> &, const QString &,
+                                                                 const CancellationToken &)>;
+    void setSearchFilterForTesting(SearchFilter filter) { m_searchFilter = std::move(filter); }
 
     // ---- Sources and library loading (AppStateSources.cpp) -----------------------------
     bool isIndexing() const { return m_isIndexing; } // a library refresh runs
@@ -169,6 +173,9 @@ public:
     using LibraryScanner = std::function<LibraryScan(const QList<FolderSource> &, const QList<CollectionMember> &,
                                                      const CancellationToken &)>;
     void setLibraryScannerForTesting(LibraryScanner scanner) { m_libraryScanner = std::move(scanner); }
+    // The real scan job: every source, then every folder member, frozen, with its index.
+    static LibraryScan scanLibrary(const QList<FolderSource> &sources, const QList<CollectionMember> &members,
+                                   const CancellationToken &cancellation);
     // The last step of a refresh: puts a frozen scan and its search index in place,
     // empties every memo and rebuilds the columns.
     void installLibrary(std::shared_ptr<const FileSystemService> service, QList<FolderSearchResult> searchIndex);
@@ -221,8 +228,6 @@ Q_SIGNALS:
     void licenseTagsChanged(); // a status was set: rows read their tags again
 
 private:
-    static LibraryScan scanLibrary(const QList<FolderSource> &sources, const QList<CollectionMember> &members,
-                                   const CancellationToken &cancellation);
     QCoro::Task<> runRefresh(quint64 generation, QList<FolderSource> sources, QList<CollectionMember> members);
     QCoro::Task<> runSearch(quint64 generation, QList<FolderSearchResult> index, QString query);
     QCoro::Task<> restoreActivations(QSet<QString> saved, bool savedSetIsWhole);
@@ -288,6 +293,7 @@ private:
     QList<FolderSearchResult> m_searchIndex;
     quint64 m_searchGeneration = 0;        // a sleeping search runs only if still the latest
     CancellationToken m_searchCancellation; // the running filter
+    SearchFilter m_searchFilter = &AppState::filterIndex;
     // Loading
     bool m_isIndexing = false;
     quint64 m_libraryGeneration = 0;        // only the latest refresh is applied

@@ -57,7 +57,8 @@ QCoro::Task<> AppState::runSearch(quint64 generation, QList<FolderSearchResult> 
         co_return; // typed on: the newer query runs instead
     const CancellationToken cancellation = CancellationToken::create();
     m_searchCancellation = cancellation;
-    const QList<FolderSearchResult> results = co_await QtConcurrent::task(&AppState::filterIndex)
+    SearchFilter filter = m_searchFilter; // the job keeps its own copy
+    const QList<FolderSearchResult> results = co_await QtConcurrent::task(std::move(filter))
                                                   .withArguments(index, query, cancellation)
                                                   .withPriority(1)
                                                   .spawn();

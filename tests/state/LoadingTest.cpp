@@ -11,6 +11,8 @@
 #include <QStandardPaths>
 #include <QTest>
 
+#include <atomic>
+
 using namespace Qt::StringLiterals;
 using namespace TestSupport;
 
@@ -92,6 +94,16 @@ TEST(Loading, ABurstOfRefreshesCostsOneScan)
     StoreFixture f;
     writeFile(f.path(u"Sans/a.ttf"_s));
     f.store->addSource(f.library);
+    ASSERT_TRUE(waitUntilIdle(*f.store));
+    // Scans counted where they run: a refresh that is installed and one cancelled
+    // mid-scan both cost one.
+    std::atomic_int scans = 0;
+    f.store->setLibraryScannerForTesting(
+        [&scans](const QList<FolderSource> &sources, const QList<CollectionMember> &members,
+                 const CancellationToken &cancellation) {
+            ++scans;
+            return AppState::scanLibrary(sources, members, cancellation);
+        });
     QSignalSpy installed(f.store.get(), &AppState::cachedColumnsChanged);
     f.store->refreshFileSystem();
     QTest::qWait(10); // a second request 10 ms later, while the first still pauses
@@ -99,8 +111,10 @@ TEST(Loading, ABurstOfRefreshesCostsOneScan)
     f.store->refreshFileSystem();
     EXPECT_TRUE(f.store->isIndexing());
     ASSERT_TRUE(waitUntilIdle(*f.store));
+    EXPECT_EQ(scans, 1);
     EXPECT_EQ(installed.count(), 1);
     EXPECT_FALSE(installed.wait(300)); // and no late result follows
+    EXPECT_EQ(scans, 1);
     EXPECT_EQ(columnNames(*f.store), QStringList{u"Sans"_s});
 }
 
