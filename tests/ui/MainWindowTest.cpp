@@ -27,6 +27,7 @@
 #include <QSplitter>
 #include <QTest>
 #include <QToolBar>
+#include <QToolButton>
 
 using namespace Qt::StringLiterals;
 using WindowFixture::openWindow;
@@ -321,4 +322,44 @@ TEST(MainWindow, ShowsTheSelectedCollectionBesideTheSidebar)
     window.state().setSidebarSelection(SidebarItem(window.state().sources().first()));
     EXPECT_EQ(window.collectionView(), nullptr);
     EXPECT_TRUE(window.browser().isVisible());
+}
+
+// Widgets replaced because the store changed go once the event that changed it is over:
+// Enter on a collection member jumps to its source and so replaces the collection's
+// view while its list still handles the key; a crumb of the path bar rebuilds the bar
+// from inside its own click.
+TEST(MainWindow, AViewReplacedByItsOwnEventOutlivesThatEvent)
+{
+    const QString library = WindowFixture::saveSansLibrary();
+    auto window = openWindow();
+    AppState &store = window->state();
+    store.createCollection(u"Picks"_s);
+    const FontCollection picks = store.collections().first();
+    store.addToCollection(picks.id, FontNode::fontFile(library + u"/Sans/a.ttf"_s));
+    store.setSidebarSelection(SidebarItem(store.collections().first()));
+    QPointer<CollectionView> view = window->collectionView();
+    ASSERT_TRUE(view);
+    CollectionMemberList *members = view->memberList();
+    members->setCurrentIndex(members->model()->index(0, 0));
+    members->setFocus(Qt::OtherFocusReason);
+    QSignalSpy viewGone(view.data(), &QObject::destroyed);
+    QTest::keyClick(members, Qt::Key_Return);
+    EXPECT_TRUE(store.selectedSource()) << "Enter jumps to the member's source";
+    EXPECT_EQ(viewGone.count(), 0) << "deleted inside its own key press";
+    EXPECT_EQ(window->detail(), &window->browser());
+    ASSERT_TRUE(QTest::qWaitFor([&] { return view.isNull(); }));
+
+    // The browser now shows Fonts › Sans › a.ttf: the first crumb goes back to the root.
+    QToolButton *root = nullptr;
+    for (QToolButton *crumb : window->browser().findChildren<QToolButton *>()) {
+        if (crumb->accessibleName() == u"Fonts"_s && crumb->isVisible())
+            root = crumb;
+    }
+    ASSERT_TRUE(root);
+    QPointer<QToolButton> clicked = root;
+    QSignalSpy crumbGone(root, &QObject::destroyed);
+    QTest::mouseClick(root, Qt::LeftButton);
+    EXPECT_TRUE(store.navigationPath().isEmpty());
+    EXPECT_EQ(crumbGone.count(), 0) << "deleted inside its own click";
+    ASSERT_TRUE(QTest::qWaitFor([&] { return clicked.isNull(); }));
 }

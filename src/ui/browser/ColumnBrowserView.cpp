@@ -53,6 +53,8 @@ ColumnBrowserView::ColumnBrowserView(AppState &state, QWidget *parent)
     m_breadcrumb->setAutoFillBackground(true);
     m_breadcrumb->setBackgroundRole(QPalette::AlternateBase);
     m_crumbs = new QHBoxLayout(m_breadcrumb);
+    m_retiredCrumbs = new QWidget(this);
+    m_retiredCrumbs->hide();
     m_crumbs->setContentsMargins(10, 5, 10, 5);
     m_crumbs->setSpacing(2);
     layout->addWidget(m_breadcrumb);
@@ -196,8 +198,14 @@ void ColumnBrowserView::scrollToEnd()
 
 void ColumnBrowserView::rebuildBreadcrumb()
 {
+    // Deleted later: the crumb that was clicked is still inside its own clicked(). Until
+    // then it waits, hidden, outside the bar.
     while (QLayoutItem *item = m_crumbs->takeAt(0)) {
-        delete item->widget();
+        if (QWidget *crumb = item->widget()) {
+            crumb->hide();
+            crumb->setParent(m_retiredCrumbs);
+            crumb->deleteLater();
+        }
         delete item;
     }
     const std::optional<FolderSource> source = m_state.selectedSource();

@@ -45,6 +45,7 @@ private:
     void focusActiveColumn();
 
     AppState &m_state;
+    QWidget *m_retiredCrumbs = nullptr; // replaced crumbs, until they are deleted
     QWidget *m_breadcrumb = nullptr;
     QHBoxLayout *m_crumbs = nullptr;
     QScrollArea *m_scroll = nullptr;

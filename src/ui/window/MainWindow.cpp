@@ -217,14 +217,25 @@ void MainWindow::showDetail()
     } else {
         m_detail->setCurrentWidget(m_empty);
     }
-    delete m_collection; // a collection's view lives while it is shown
+    retireCollectionView(); // a collection's view lives while it is shown
+}
+
+// The view may be handling the very key or click that led here (Enter on a member
+// jumps to its source): it goes once that is over.
+void MainWindow::retireCollectionView()
+{
+    if (!m_collection)
+        return;
+    m_detail->removeWidget(m_collection);
+    m_collection->hide();
+    m_collection->deleteLater();
     m_collection = nullptr;
 }
 
 void MainWindow::showCollection(const QUuid &id)
 {
     if (!m_collection || m_collection->collectionId() != id) {
-        delete m_collection;
+        retireCollectionView();
         m_collection = new CollectionView(*m_state, id, m_detail);
         m_detail->addWidget(m_collection);
     }

@@ -82,6 +82,7 @@ private:
     void watchSearch();
     void showDetail();
     void showCollection(const QUuid &id);
+    void retireCollectionView();
     void updateSaveFailure();
     void updateNotice();
     void styleNoticeBar();
