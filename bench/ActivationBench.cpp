@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Activation through the store with the real fontconfig service, as a user's clicks
 // and a start-up take it: a folder of 10,000 fonts with 10,000 already active, one
 // toggle with 20,000 and 100,000 active, and a start-up that restores 20,000.

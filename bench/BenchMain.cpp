@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Runs every benchmark, then prints one `name: value unit` line per figure.
 #include "BenchFigures.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The column browser on real widgets (offscreen), over the 100k-font library: a click
 // on a folder of 10,000 fonts until its column is laid out and painted, and the
 // repaint of a full column of rows.

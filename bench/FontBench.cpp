@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Reading metadata of 1,000 real font files against fontconfig's own scanner, and
 // activating fonts until fontconfig lists them against doing it by hand.
 #include "BenchFigures.h"
@@ -136,7 +137,7 @@ double residentAnonymousMegabytes()
 void previewRegistry128Large(benchmark::State &state)
 {
     const QString folder = BenchFigures::dataDirectory() + u"/large-fonts"_s;
-    if (QProcess::execute(u"/usr/bin/python3"_s, {QStringLiteral(MORVANE_SOURCE_DIR) + u"/tools/fonts/make_large_fonts.py"_s,
+    if (QProcess::execute(QStringLiteral(MORVANE_PYTHON), {QStringLiteral(MORVANE_SOURCE_DIR) + u"/tools/fonts/make_large_fonts.py"_s,
                                                  folder, u"128"_s, u"10000000"_s}) != 0) {
         state.SkipWithError("the large fonts could not be made");
         return;

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The store's own costs: a full refresh of the 100k-font library from request to
 // install, the folder-search filter over its index, and a batch of 2,000 fonts
 // against a service that does nothing.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Saving and loading 100,000 activated fonts, and reading the tags of 10,000
 // files with a fresh (cold) tag cache.
 #include "BenchFigures.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The preview pane on real widgets (offscreen) and real fonts: selecting a font until
 // its metadata and first sample are painted, a redraw after the weight axis moves, and
 // the seven-line waterfall.

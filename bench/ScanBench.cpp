@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Scanning the 100k-font synthetic library, against a bare readdir walk of the
 // same tree, and the memory the scanned service holds.
 #include "BenchFigures.h"

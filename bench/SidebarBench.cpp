@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The sidebar and the collection view on real widgets (offscreen), over the 100k-font
 // library: the first paint of 1,000 collections of 100 members after the store loads
 // them, and opening a collection of 10,000 members.

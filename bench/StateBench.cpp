@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The store over the 100k-font library: opening a folder of 10,000 fonts, and
 // expanding a collection of 1,000 folder members into its fonts.
 #include "BenchFigures.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The whole window: Morvane itself started on a saved 100k-font library, from its
 // application object to the first paint and its resident memory once the library is
 // scanned and shown; and the search results view painting 10,000 hits.

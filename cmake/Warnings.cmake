@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 # One place for the warning flags every target of ours compiles with.
 add_library(morvane_warnings INTERFACE)
 target_compile_options(morvane_warnings INTERFACE

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: GPL-3.0-or-later
 # Installs the Debian 12 packages Morvane needs to build, test and benchmark.
 # Installs only what is missing; does nothing (and needs no network) when all is present.
 set -euo pipefail

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: GPL-3.0-or-later
 # Makes the README's screenshots: Morvane on a generated sample library, under a virtual
 # X display, in a throwaway home folder. Writes docs/screenshots/*.png.
 #   tools/screenshots.sh [build/src/app/morvane]

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "FreeTypeLibrary.h"
 
 #include FT_SFNT_NAMES_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "PreviewFontRegistry.h"
 
 bool PreviewFontRegistry::registerFont(const QString &path)

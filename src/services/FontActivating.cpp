@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "FontActivating.h"
 
 QList<bool> FontActivating::activateFonts(const QStringList &paths)

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Activation: which fonts are active, the state of every font, folder and collection
 // row, and batches that activate or deactivate fonts with progress.
 #include "AppState.h"

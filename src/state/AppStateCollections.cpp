@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Collections: create, rename, delete and order them, add and remove members, expand
 // them into fonts, order members for display, and custom icons. Every change saves.
 #include "AppState.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Selection and column navigation of the store.
 #include "AppState.h"
 

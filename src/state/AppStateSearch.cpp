@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Folder search: the query filters the index of every folder by name, after a pause,
 // off the interface thread; every newer query supersedes the running one.
 #include "AppState.h"

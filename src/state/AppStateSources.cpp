@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Sources and library loading: the start-up restore, adding and removing source
 // folders, and the background refresh that swaps in new scan caches.
 #include "AppState.h"

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: GPL-3.0-or-later
 """Drives the real Morvane window through the accessibility tree (AT-SPI), as a screen
 reader does: every control it shows has a name; the search field, its clear button, the
 search hits and a menu command all work without a mouse.

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: GPL-3.0-or-later
 # A virtual display, a private session bus and the accessibility bus, then the script.
 set -euo pipefail
 here=$(cd "$(dirname "$0")" && pwd)

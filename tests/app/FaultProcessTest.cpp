@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Morvane as a real process with special files where it reads its own data or its
 // fonts: it always comes up, says what is wrong, and quits when told to.
 #include "TestSupport.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Morvane as real processes: two copies on one account, and a copy killed in the
 // middle of a batch, then started again.
 #include "TestSupport.h"

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: GPL-3.0-or-later
 # Installs Morvane into a throwaway prefix and checks what the desktop reads from it:
 # the launcher entry, the icon and the AppStream metainfo.
 set -euo pipefail

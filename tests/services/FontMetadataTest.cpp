@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "TestSupport.h"
 
 #include "fonts/FontMetadata.h"
@@ -207,7 +208,7 @@ TEST(FontMetadata, AgreesWithFontToolsOnEveryField)
     ASSERT_GE(fonts.size(), 17);
 
     QProcess python;
-    python.start(u"/usr/bin/python3"_s, QStringList{QStringLiteral(MORVANE_SOURCE_DIR) + u"/tools/fonts/describe_fonts.py"_s} + fonts);
+    python.start(QStringLiteral(MORVANE_PYTHON), QStringList{QStringLiteral(MORVANE_SOURCE_DIR) + u"/tools/fonts/describe_fonts.py"_s} + fonts);
     ASSERT_TRUE(python.waitForFinished(120'000));
     ASSERT_EQ(python.exitCode(), 0) << python.readAllStandardError().toStdString();
     const QJsonObject expected = QJsonDocument::fromJson(python.readAllStandardOutput()).object();

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The sample renderer on real fonts: the packaged DejaVu and Inter, and generated fonts
 // with a known drawing. Pixels are checked by their properties (where the ink is, how
 // much of it), never against stored images.

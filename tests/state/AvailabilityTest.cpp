@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Activations survive a world that is only wrong for a while: a source folder that is
 // not there at start (a drive not mounted, a folder made unreadable), a font folder
 // that can't be written, a full disk, a pipe in place of an active font, a job that

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 // Faults a user meets, made real for tests: a test run again as an unprivileged user

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The storage folder under faults a user meets: a folder made read-only, a saved file
 // nobody may read, a full disk. Whatever happens, no activation is lost. File modes
 // mean nothing to root, so run as root these tests run themselves again as nobody.

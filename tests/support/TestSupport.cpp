@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Isolation of every test: HOME and the XDG folders point at a fresh temporary
 // folder before anything runs, and at a new one before each test, so no test can
 // reach the real user's fonts, tags or settings.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The column browser driven as a user drives it: keys on the focused column, clicks at
 // rows' rectangles, the activation button, the breadcrumb; the store and the view are
 // checked after each step.

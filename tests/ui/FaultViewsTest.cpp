@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The window when something is wrong, driven as a user would: a source whose folder
 // can't be reached, a message to dismiss, a job that stops answering, and closing while
 // the latest changes can't be saved.

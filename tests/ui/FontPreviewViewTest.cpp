@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The preview pane in the column browser, driven as a user drives it: a click on a
 // font's row, typing in the text field, keys on the sliders, clicks on buttons and
 // check boxes. The sample's pixels are checked by their properties: where the ink is

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The sidebar and the collection view driven as a user drives them: clicks on rows and
 // their buttons, keys on the focused list, menus, real drops of file URLs; the store and
 // the views are checked after each step.

@@ -1,4 +1,5 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: GPL-3.0-or-later
 """Prints what fontTools reads from font files, as JSON, for Morvane's tests to
 compare with its own reader.
 

@@ -1,4 +1,5 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: GPL-3.0-or-later
 """Writes COUNT distinct copies of a real font grown past SIZE bytes by a private
 table, for Morvane's memory benchmark of large fonts (CJK families run to 10-30 MB).
 

@@ -1,4 +1,5 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: GPL-3.0-or-later
 """Writes small fonts with chosen names, axes and defects for Morvane's tests.
 
 Usage: make_test_fonts.py OUTPUT_FOLDER

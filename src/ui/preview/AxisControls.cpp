@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/preview/AxisControls.h"
 
 #include "ui/common/TextStyles.h"

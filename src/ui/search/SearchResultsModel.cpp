@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/search/SearchResultsModel.h"
 
 #include "ui/sidebar/SidebarModel.h"
