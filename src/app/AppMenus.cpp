@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "AppMenus.h"
 
+#include "services/FontActivationService.h"
+
 #include "services/PersistenceService.h"
 #include "state/AppState.h"
 #include "ui/window/MainWindow.h"
@@ -28,7 +30,7 @@ void fillFile(QMenu *file, MainWindow &window)
     QObject::connect(add, &QAction::triggered, &window, &MainWindow::addFolders);
     QAction *collection = addCommand(file, u"New Collection"_s, {QKeySequence(u"Ctrl+Shift+N"_s)});
     QObject::connect(collection, &QAction::triggered, &window,
-                     [&window] { window.state().createCollection(u"New Collection"_s); });
+                     [&window] { window.state().createCollection(); });
     file->addSeparator();
     QAction *refresh = addCommand(file, u"Refresh Sources"_s, {QKeySequence(u"Ctrl+R"_s), QKeySequence(Qt::Key_F5)});
     QObject::connect(refresh, &QAction::triggered, &window, [&window] { window.state().refreshFileSystem(); });
@@ -50,7 +52,7 @@ QString aboutText()
            u"<p>Free software under the GNU General Public License, version 3 or later.</p>"
            u"<p>Morvane keeps its library in <tt>%2</tt> and the fonts it activates in <tt>%3</tt>.</p>"_s
         .arg(QCoreApplication::applicationVersion(), PersistenceService::defaultStorageFolder().toHtmlEscaped(),
-             QString(QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + u"/fonts/Morvane"_s).toHtmlEscaped());
+             FontActivationService::defaultLinkFolder().toHtmlEscaped());
 }
 
 void install(MainWindow &window)

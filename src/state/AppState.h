@@ -182,7 +182,9 @@ public:
     void installLibrary(std::shared_ptr<const FileSystemService> service, QList<FolderSearchResult> searchIndex);
 
     // ---- Collections (AppStateCollections.cpp) -------------------------------------
-    void createCollection(const QString &name);
+    // "New Collection" unless named otherwise.
+    void createCollection(const QString &name = defaultCollectionName());
+    static QString defaultCollectionName();
     void deleteCollection(const FontCollection &collection);
     void renameCollection(const QUuid &id, const QString &name);
     void sortCollections();

@@ -4,11 +4,11 @@
 #include "AppState.h"
 
 #include "services/Console.h"
+#include "services/FontActivationService.h"
 
 #include <QCoroFuture>
 #include <QDir>
 #include <QPointer>
-#include <QStandardPaths>
 #include <QtConcurrent/qtconcurrenttask.h>
 
 using namespace Qt::StringLiterals;
@@ -96,7 +96,7 @@ void AppState::reportSystemFailures(const QStringList &failed, const QString &re
 {
     if (failed.isEmpty())
         return;
-    QString fonts = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + u"/fonts"_s;
+    QString fonts = FontActivationService::defaultLinkFolder().section(u'/', 0, -2); // the user's font folder
     const QString home = QDir::homePath();
     if (fonts.startsWith(home + u'/'))
         fonts = u"~"_s + fonts.mid(home.size());

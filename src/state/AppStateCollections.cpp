@@ -41,6 +41,11 @@ void AppState::sortCollections()
     setCollections(std::move(sorted));
 }
 
+QString AppState::defaultCollectionName()
+{
+    return tr("New Collection");
+}
+
 void AppState::createCollection(const QString &name)
 {
     QString candidate = name;

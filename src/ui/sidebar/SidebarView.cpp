@@ -25,8 +25,8 @@ SidebarView::SidebarView(AppState &state, QWidget *parent)
     , m_collections(new SidebarList(*this, state, m_model, true))
 {
     setAccessibleName(u"Sidebar"_s);
-    setMinimumWidth(180);
-    setMaximumWidth(260);
+    setMinimumWidth(kMinimumWidth);
+    setMaximumWidth(kMaximumWidth);
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 6, 0, 0);
     layout->setSpacing(0);
@@ -115,7 +115,7 @@ void SidebarView::addSources()
 
 void SidebarView::newCollection()
 {
-    m_state.createCollection(u"New Collection"_s);
+    m_state.createCollection();
 }
 
 void SidebarView::pickIcon(const QUuid &collectionId)

@@ -21,6 +21,10 @@ class SidebarView : public QWidget
 public:
     explicit SidebarView(AppState &state, QWidget *parent = nullptr);
 
+    // However the window's divider is dragged.
+    static constexpr int kMinimumWidth = 180;
+    static constexpr int kMaximumWidth = 260;
+
     SidebarModel *sidebarModel() const { return m_model; }
     SidebarList *sourcesList() const { return m_sources; }
     SidebarList *collectionsList() const { return m_collections; }

@@ -78,8 +78,6 @@ MainWindow::MainWindow(std::unique_ptr<FontActivating> activation, QWidget *pare
     m_split = new QSplitter(Qt::Horizontal, central);
     m_split->setChildrenCollapsible(false);
     m_sidebar = new SidebarView(*m_state, m_split);
-    m_sidebar->setMinimumWidth(kSidebarMinimum);
-    m_sidebar->setMaximumWidth(kSidebarMaximum);
     m_split->addWidget(m_sidebar);
     m_split->addWidget(buildDetailColumn(m_split));
     m_split->setCollapsible(0, false);

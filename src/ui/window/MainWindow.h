@@ -69,8 +69,6 @@ public:
     // "the disk is full" for ENOSPC and the like; the system's words otherwise.
     static QString plainReason(const QString &systemError);
 
-    static constexpr int kSidebarMinimum = 180;
-    static constexpr int kSidebarMaximum = 260;
 
 protected:
     void showEvent(QShowEvent *event) override;
