@@ -3,7 +3,10 @@
 
 #include "AtomicFile.h"
 #include "Console.h"
+#include "CollectionIconStore.h"
+#include "Preferences.h"
 #include "RegularFile.h"
+#include "SaveQueue.h"
 
 #include "model/Json.h"
 
@@ -16,10 +19,6 @@
 #include <QSettings>
 #include <QStandardPaths>
 
-#include <condition_variable>
-#include <map>
-#include <mutex>
-#include <thread>
 
 using namespace Qt::StringLiterals;
 
@@ -91,158 +90,17 @@ QByteArray encodeList(const QList<Record> &records)
     return json;
 }
 
-QString lastExtension(const QString &path)
-{
-    const QString name = path.section(u'/', -1);
-    const qsizetype dot = name.lastIndexOf(u'.');
-    return dot < 0 ? QString() : name.mid(dot + 1);
-}
-
-QString withoutLastExtension(const QString &name)
-{
-    const qsizetype dot = name.lastIndexOf(u'.');
-    return dot > 0 ? name.left(dot) : name;
-}
-
 } // namespace
 
 QString PersistenceService::defaultPreviewText()
 {
-    return u"The quick brown fox jumps over the lazy dog"_s;
+    return Preferences::defaultPreviewText();
 }
-
-// One thread that writes the queued files in turn. A file's newer save replaces its
-// queued one: only the latest state of each file matters.
-class PersistenceService::Writer
-{
-public:
-    struct Job
-    {
-        QString path;
-        std::function<QByteArray()> encode;
-        QString failureMessage;
-        QString lastError; // why its last write failed; a retry failing alike prints nothing
-    };
-
-    Writer()
-        : m_thread([this] { run(); })
-    {
-    }
-
-    ~Writer()
-    {
-        {
-            const std::lock_guard lock(m_mutex);
-            m_stopping = true;
-            requeueFailed(); // one last try at quitting: the space may be back
-        }
-        m_wake.notify_all();
-        m_thread.join(); // writes whatever is still queued first
-    }
-
-    void queue(const QString &fileName, Job job)
-    {
-        {
-            const std::lock_guard lock(m_mutex);
-            m_failed.erase(fileName); // this newer state replaces the one that failed
-            m_pending.insert_or_assign(fileName, std::move(job));
-            // Anything changed: the space may be back, so what failed before goes again.
-            requeueFailed();
-        }
-        m_wake.notify_all();
-    }
-
-    void retryFailed()
-    {
-        {
-            const std::lock_guard lock(m_mutex);
-            requeueFailed();
-        }
-        m_wake.notify_all();
-    }
-
-    QString unsavedFailure()
-    {
-        const std::lock_guard lock(m_mutex);
-        return m_failed.empty() ? QString() : m_failed.begin()->second.lastError;
-    }
-
-    void waitUntilWritten()
-    {
-        std::unique_lock lock(m_mutex);
-        m_idle.wait(lock, [this] { return m_pending.empty() && !m_busy; });
-    }
-
-    void setObserver(SaveObserver observer)
-    {
-        const std::lock_guard lock(m_observerMutex); // no call is under way once this returns
-        m_observer = std::move(observer);
-    }
-
-private:
-    void run()
-    {
-        std::unique_lock lock(m_mutex);
-        for (;;) {
-            m_wake.wait(lock, [this] { return m_stopping || !m_pending.empty(); });
-            if (m_pending.empty())
-                return; // stopping, and everything is written
-            auto next = m_pending.begin();
-            const QString fileName = next->first;
-            Job job = std::move(next->second);
-            m_pending.erase(next);
-            m_busy = true;
-            lock.unlock();
-            const bool written = write(fileName, job);
-            if (written)
-                job = {}; // the saved state is released here, not under the lock
-            lock.lock();
-            // A failed state is kept until it is written or replaced: quitting or a
-            // later change must not lose it.
-            if (!written && m_pending.find(fileName) == m_pending.end())
-                m_failed.insert_or_assign(fileName, std::move(job));
-            m_busy = false;
-            if (m_pending.empty())
-                m_idle.notify_all();
-        }
-    }
-
-    bool write(const QString &fileName, Job &job)
-    {
-        const std::optional<QString> error = AtomicFile::write(job.path, job.encode());
-        if (error && *error != job.lastError)
-            Console::printLine(job.failureMessage + *error);
-        job.lastError = error.value_or(QString());
-        const std::lock_guard lock(m_observerMutex);
-        if (m_observer)
-            m_observer(fileName, error.value_or(QString()));
-        return !error;
-    }
-
-    void requeueFailed()
-    {
-        for (auto &[name, job] : m_failed) {
-            if (m_pending.find(name) == m_pending.end())
-                m_pending.insert_or_assign(name, std::move(job));
-        }
-        m_failed.clear();
-    }
-
-    std::mutex m_mutex;
-    std::condition_variable m_wake;
-    std::condition_variable m_idle;
-    std::map<QString, Job> m_pending;
-    std::map<QString, Job> m_failed; // file name -> the latest state, not written yet
-    bool m_busy = false;
-    bool m_stopping = false;
-    std::mutex m_observerMutex;
-    SaveObserver m_observer;
-    std::thread m_thread; // last: started once everything above exists
-};
 
 PersistenceService::PersistenceService(std::optional<QString> directory)
     : m_directory(std::move(directory))
-    , m_writer(std::make_unique<Writer>())
+    , m_queue(std::make_unique<SaveQueue>())
+    , m_preferences(std::make_unique<Preferences>(*m_queue))
 {
 }
 
@@ -250,22 +108,22 @@ PersistenceService::~PersistenceService() = default;
 
 void PersistenceService::waitForWrites()
 {
-    m_writer->waitUntilWritten();
+    m_queue->waitUntilWritten();
 }
 
 void PersistenceService::retryFailedSaves()
 {
-    m_writer->retryFailed();
+    m_queue->retryFailed();
 }
 
 QString PersistenceService::unsavedFailure()
 {
-    return m_writer->unsavedFailure();
+    return m_queue->unsavedFailure();
 }
 
 void PersistenceService::setSaveObserver(SaveObserver observer)
 {
-    m_writer->setObserver(std::move(observer));
+    m_queue->setObserver(std::move(observer));
 }
 
 QString PersistenceService::defaultStorageFolder()
@@ -287,15 +145,12 @@ QString PersistenceService::collectionIconsURL() const
     return folder;
 }
 
-QString PersistenceService::settingsPath() const
-{
-    return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) + u"/Morvane/Morvane.conf"_s;
-}
-
 void PersistenceService::save(const char *fileName, std::function<QByteArray()> encode, const QString &failureMessage)
 {
     const QString name = QLatin1StringView(fileName);
-    m_writer->queue(name, {storageURL() + u'/' + name, std::move(encode), failureMessage, {}});
+    m_queue->queue(
+        name, [path = QString(storageURL() + u'/' + name), encode = std::move(encode)] { return AtomicFile::write(path, encode()); },
+        failureMessage);
 }
 
 void PersistenceService::saveSources(const QList<FolderSource> &sources)
@@ -420,67 +275,30 @@ QSet<QString> PersistenceService::loadActivatedFonts(LoadStatus *status)
 std::optional<QString> PersistenceService::storeCollectionIcon(const QUuid &collectionId,
                                                                const std::optional<QString> &sourcePath, QString *error)
 {
-    const QString idText = Json::uuidText(collectionId);
-    const QString iconsFolder = collectionIconsURL();
-    const QDir folder(iconsFolder);
-    const QStringList entries = folder.entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
-    QStringList earlier;
-    for (const QString &entry : entries) {
-        if (withoutLastExtension(entry) == idText)
-            earlier.append(folder.filePath(entry));
-    }
-    // The stored icon chosen again (from the icon folder itself, or through a link):
-    // removing the earlier icons first would delete the very file to be copied.
-    if (sourcePath && !sourcePath->isEmpty()) {
-        for (const QString &stored : std::as_const(earlier)) {
-            if (RegularFile::sameFile(stored, *sourcePath))
-                return stored;
-        }
-    }
-    for (const QString &stored : std::as_const(earlier))
-        QFile::remove(stored);
-    if (!sourcePath || sourcePath->isEmpty())
-        return std::nullopt;
-    // Read without trusting the path: a pipe chosen in the file dialog would block the
-    // copy for ever, a device would never end.
-    const RegularFile::Contents image = RegularFile::read(*sourcePath, kMaxIconBytes);
-    // The point is always written: a source without extension ends in a bare point.
-    const QString target = iconsFolder + u'/' + idText + u'.' + lastExtension(*sourcePath);
-    const std::optional<QString> failure = image.ok() ? AtomicFile::write(target, image.bytes) : image.error;
-    if (failure) {
-        Console::printLine(u"Failed to copy collection icon: "_s + *failure);
-        if (error)
-            *error = *failure;
-        return std::nullopt;
-    }
-    return target;
+    return CollectionIconStore::store(collectionIconsURL(), collectionId, sourcePath, error);
 }
 
 QString PersistenceService::previewText() const
 {
-    const QSettings settings(settingsPath(), QSettings::IniFormat);
-    const QVariant value = settings.value(QLatin1StringView(previewTextKey));
-    return value.isValid() ? value.toString() : defaultPreviewText();
+    return m_preferences->previewText();
 }
 
 void PersistenceService::setPreviewText(const QString &text)
 {
-    QSettings settings(settingsPath(), QSettings::IniFormat);
-    settings.setValue(QLatin1StringView(previewTextKey), text);
-    settings.sync();
+    m_preferences->setPreviewText(text);
 }
 
 double PersistenceService::previewSize() const
 {
-    const QSettings settings(settingsPath(), QSettings::IniFormat);
-    bool ok = false;
-    const double size = settings.value(QLatin1StringView(previewSizeKey)).toDouble(&ok);
-    return ok && size > 0 ? size : defaultPreviewSize;
+    return m_preferences->previewSize();
 }
 
 void PersistenceService::setPreviewSize(double size)
 {
-    QSettings settings(settingsPath(), QSettings::IniFormat);
-    settings.setValue(QLatin1StringView(previewSizeKey), size);
-    settings.sync();
+    m_preferences->setPreviewSize(size);
+}
+
+QString PersistenceService::settingsPath() const
+{
+    return m_preferences->settingsPath();
 }

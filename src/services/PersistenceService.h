@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "CollectionIconStore.h"
+#include "Preferences.h"
+
 #include "model/CollectionRecords.h"
 #include "model/FolderSource.h"
 
@@ -13,17 +16,21 @@
 #include <memory>
 #include <optional>
 
-// Everything that outlives a run: the sources, the collections and the activated
-// fonts as compact JSON files in $XDG_DATA_HOME/Morvane (written whole and
-// atomically), the collections' icons beside them, and the preview text and size
-// in a settings file under $XDG_CONFIG_HOME/Morvane. Never reports failure to the
-// caller: it prints one line and the caller goes on with an empty or unchanged value.
-// A file that can't be decoded is copied aside before anything can overwrite it.
+class SaveQueue;
+
+// Everything that outlives a run, in one place for the store: the sources, the
+// collections and the activated fonts as compact JSON files in $XDG_DATA_HOME/Morvane
+// (written whole and atomically; this file), the collections' icons beside them
+// (CollectionIconStore), and the preview text and size (Preferences). Never reports
+// failure to the caller: it prints one line and the caller goes on with an empty or
+// unchanged value. A file that can't be decoded is copied aside before anything can
+// overwrite it.
 //
-// Saves are handed to one background writer: the caller pays only for a shallow
-// copy, a newer save of the same file replaces one that has not started yet, and
-// every write is still atomic. waitForWrites() (and the destructor) block until all
+// Saves are handed to one background writer (SaveQueue): the caller pays only for a
+// shallow copy, a newer save of the same file replaces one that has not started yet,
+// and every write is still atomic. waitForWrites() (and the destructor) block until all
 // of it is on disk.
+
 class PersistenceService
 {
 public:
@@ -37,14 +44,14 @@ public:
     // description, or an empty text when the write succeeded.
     using SaveObserver = std::function<void(const QString &fileName, const QString &failure)>;
 
-    static constexpr const char *previewTextKey = "morvane_preview_text";
-    static constexpr const char *previewSizeKey = "morvane_preview_size";
-    static constexpr double defaultPreviewSize = 36.0;
+    static constexpr const char *previewTextKey = Preferences::previewTextKey;
+    static constexpr const char *previewSizeKey = Preferences::previewSizeKey;
+    static constexpr double defaultPreviewSize = Preferences::defaultPreviewSize;
     static QString defaultPreviewText();
     // Far above any real library (100,000 activated fonts take about 10 MB) or icon,
     // far below what would exhaust memory: a larger file is not ours to read.
     static constexpr qint64 kMaxSavedFileBytes = 256ll * 1024 * 1024;
-    static constexpr qint64 kMaxIconBytes = 32ll * 1024 * 1024;
+    static constexpr qint64 kMaxIconBytes = CollectionIconStore::kMaxBytes;
 
     // `directory` overrides the storage folder (tests); the application passes none.
     explicit PersistenceService(std::optional<QString> directory = std::nullopt);
@@ -90,7 +97,6 @@ public:
     QString settingsPath() const;
 
 private:
-    class Writer;
     void save(const char *fileName, std::function<QByteArray()> encode, const QString &failureMessage);
     template <typename Record>
     QList<Record> loadList(const char *fileName, const QString &failureMessage, LoadStatus *status);
@@ -98,5 +104,6 @@ private:
     QString moveUnreadableAside(const QString &filePath) const;
 
     std::optional<QString> m_directory;
-    std::unique_ptr<Writer> m_writer;
+    std::unique_ptr<SaveQueue> m_queue;
+    std::unique_ptr<Preferences> m_preferences;
 };

@@ -214,27 +214,58 @@ TEST(Persistence, CollectionIconsReplaceEachOtherWhateverTheExtension)
     EXPECT_FALSE(QFile::exists(storage() + u"/CollectionIcons/"_s + id + u".png"_s)); // the old one is gone
 }
 
-TEST(Persistence, PreviewSettingsDefaultAndPersistAtOnce)
+TEST(Persistence, PreviewSettingsDefaultAndPersistAfterAPause)
+{
+    QStringList writes;
+    {
+        PersistenceService persistence;
+        persistence.setSaveObserver([&writes](const QString &file, const QString &failure) { writes.append(file + failure); });
+        EXPECT_EQ(persistence.previewText(), u"The quick brown fox jumps over the lazy dog"_s);
+        EXPECT_EQ(persistence.previewSize(), 36.0);
+        // A slider dragged and a word typed: the service reads the latest at once, and
+        // the burst is written once.
+        for (int size = 12; size <= 72; ++size)
+            persistence.setPreviewSize(size + 0.5);
+        persistence.setPreviewText(u"Hamburgefonstiv ÄÖÜ"_s);
+        EXPECT_EQ(persistence.previewSize(), 72.5);
+        EXPECT_EQ(persistence.previewText(), u"Hamburgefonstiv ÄÖÜ"_s);
+        persistence.waitForWrites();
+        EXPECT_EQ(writes, QStringList{u"Morvane.conf"_s});
+        // Another reader of the file sees the values, with the keys and types kept.
+        const QSettings file(persistence.settingsPath(), QSettings::IniFormat);
+        EXPECT_TRUE(persistence.settingsPath().startsWith(
+            QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) + u"/Morvane/"_s));
+        EXPECT_EQ(file.value(u"morvane_preview_text"_s).toString(), u"Hamburgefonstiv ÄÖÜ"_s);
+        EXPECT_EQ(file.value(u"morvane_preview_size"_s).toDouble(), 72.5);
+        for (double size : {0.0, -4.0}) {
+            persistence.setPreviewSize(size);
+            EXPECT_EQ(persistence.previewSize(), 36.0);
+        }
+        persistence.setPreviewText(QString());
+        persistence.setSaveObserver(nullptr);
+    } // quitting writes what is still waiting for its pause
+    EXPECT_EQ(PersistenceService().previewSize(), 36.0);
+    EXPECT_EQ(PersistenceService().previewText(), QString()); // an empty text is a choice, not a missing one
+}
+
+// A settings file that can't be written is reported like any failed save, and the
+// values stay in this run.
+TEST(Persistence, PreviewSettingsThatCantBeWrittenAreReported)
 {
     PersistenceService persistence;
-    EXPECT_EQ(persistence.previewText(), u"The quick brown fox jumps over the lazy dog"_s);
-    EXPECT_EQ(persistence.previewSize(), 36.0);
-    persistence.setPreviewText(u"Hamburgefonstiv ÄÖÜ"_s);
-    persistence.setPreviewSize(72.5);
-    // Another reader of the file sees the values at once, with the keys and types kept.
-    const QSettings file(persistence.settingsPath(), QSettings::IniFormat);
-    EXPECT_TRUE(persistence.settingsPath().startsWith(
-        QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) + u"/Morvane/"_s));
-    EXPECT_EQ(file.value(u"morvane_preview_text"_s).toString(), u"Hamburgefonstiv ÄÖÜ"_s);
-    EXPECT_EQ(file.value(u"morvane_preview_size"_s).toDouble(), 72.5);
-    EXPECT_EQ(PersistenceService().previewSize(), 72.5);
-    EXPECT_EQ(PersistenceService().previewText(), u"Hamburgefonstiv ÄÖÜ"_s);
-    for (double size : {0.0, -4.0}) {
-        persistence.setPreviewSize(size);
-        EXPECT_EQ(PersistenceService().previewSize(), 36.0);
-    }
-    persistence.setPreviewText(QString());
-    EXPECT_EQ(PersistenceService().previewText(), QString()); // an empty text is a choice, not a missing one
+    makeDir(persistence.settingsPath() + u"/inside"_s); // a folder where the file should be
+    QStringList failures;
+    persistence.setSaveObserver([&failures](const QString &file, const QString &failure) { failures.append(file + u": "_s + failure); });
+    const QString output = capturedStdout([&] {
+        persistence.setPreviewSize(60);
+        persistence.waitForWrites();
+    });
+    const QString expected = u"can't write "_s + persistence.settingsPath();
+    EXPECT_EQ(failures, QStringList{u"Morvane.conf: "_s + expected});
+    EXPECT_EQ(output, u"Failed to save preferences: "_s + expected + u'\n');
+    EXPECT_EQ(persistence.previewSize(), 60.0);
+    EXPECT_EQ(persistence.unsavedFailure(), expected);
+    persistence.setSaveObserver(nullptr);
 }
 
 TEST(Persistence, AWriteThatRunsOutOfSpaceLeavesThePreviousFile)

@@ -207,7 +207,7 @@ TEST(Loading, ANewCollectionFolderOutsideTheSourcesIsScanned)
     EXPECT_TRUE(f.store->fileSystemService().exists(outside));
 }
 
-TEST(Loading, PreviewSettingsAreWrittenAtOnce)
+TEST(Loading, PreviewSettingsAreSavedForTheNextStart)
 {
     StoreFixture f;
     QSignalSpy changed(f.store.get(), &AppState::previewSizeChanged);
@@ -215,6 +215,7 @@ TEST(Loading, PreviewSettingsAreWrittenAtOnce)
     f.store->setPreviewSize(48);
     EXPECT_EQ(changed.count(), 1);
     f.store->setPreviewText(u"Hamburg"_s);
+    f.persistence.waitForWrites();
     EXPECT_EQ(PersistenceService().previewSize(), 48.0);
     EXPECT_EQ(PersistenceService().previewText(), u"Hamburg"_s);
 }

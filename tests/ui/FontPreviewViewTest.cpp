@@ -352,6 +352,7 @@ TEST_F(Preview, SizeStaysBetween12And96AndTextAndSizeAreSaved)
     EXPECT_FALSE(clear->isEnabled());
     typeText(u"Sphinx"_s);
     // On disk at once, where the next start reads them.
+    persistence.waitForWrites(); // written after a pause, off the interface thread
     const QString settings = QString::fromUtf8(readFile(persistence.settingsPath()));
     EXPECT_TRUE(settings.contains(u"morvane_preview_text=Sphinx"_s)) << settings.toStdString();
     EXPECT_TRUE(settings.contains(u"morvane_preview_size=12"_s)) << settings.toStdString();

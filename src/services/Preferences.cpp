@@ -1,0 +1,104 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Preferences.h"
+
+#include "SaveQueue.h"
+
+#include <QSettings>
+#include <QStandardPaths>
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+QString Preferences::defaultPreviewText()
+{
+    return u"The quick brown fox jumps over the lazy dog"_s;
+}
+
+Preferences::Preferences(SaveQueue &queue)
+    : m_queue(queue)
+{
+}
+
+QString Preferences::settingsPath() const
+{
+    return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) + u"/Morvane/"_s +
+           QLatin1StringView(fileName);
+}
+
+QString Preferences::previewText() const
+{
+    {
+        const std::lock_guard lock(m_unsaved->mutex);
+        if (m_unsaved->text)
+            return *m_unsaved->text;
+    }
+    const QSettings settings(settingsPath(), QSettings::IniFormat);
+    const QVariant value = settings.value(QLatin1StringView(previewTextKey));
+    return value.isValid() ? value.toString() : defaultPreviewText();
+}
+
+double Preferences::previewSize() const
+{
+    std::optional<double> unsaved;
+    {
+        const std::lock_guard lock(m_unsaved->mutex);
+        unsaved = m_unsaved->size;
+    }
+    bool ok = unsaved.has_value();
+    double size = unsaved.value_or(0);
+    if (!unsaved) {
+        const QSettings settings(settingsPath(), QSettings::IniFormat);
+        size = settings.value(QLatin1StringView(previewSizeKey)).toDouble(&ok);
+    }
+    return ok && size > 0 ? size : defaultPreviewSize;
+}
+
+void Preferences::setPreviewText(const QString &text)
+{
+    {
+        const std::lock_guard lock(m_unsaved->mutex);
+        m_unsaved->text = text;
+    }
+    scheduleWrite();
+}
+
+void Preferences::setPreviewSize(double size)
+{
+    {
+        const std::lock_guard lock(m_unsaved->mutex);
+        m_unsaved->size = size;
+    }
+    scheduleWrite();
+}
+
+void Preferences::scheduleWrite()
+{
+    // The write takes whatever is unsaved when it runs; values stay readable until then.
+    m_queue.queue(
+        QLatin1StringView(fileName),
+        [unsaved = m_unsaved, path = settingsPath()]() -> std::optional<QString> {
+            QSettings settings(path, QSettings::IniFormat);
+            std::optional<QString> text;
+            std::optional<double> size;
+            {
+                const std::lock_guard lock(unsaved->mutex);
+                text = unsaved->text;
+                size = unsaved->size;
+            }
+            if (text)
+                settings.setValue(QLatin1StringView(previewTextKey), *text);
+            if (size)
+                settings.setValue(QLatin1StringView(previewSizeKey), *size);
+            settings.sync();
+            if (settings.status() != QSettings::NoError)
+                return u"can't write %1"_s.arg(path);
+            // Written: reads go to the file again, unless a newer value came meanwhile.
+            const std::lock_guard lock(unsaved->mutex);
+            if (unsaved->text == text)
+                unsaved->text.reset();
+            if (unsaved->size == size)
+                unsaved->size.reset();
+            return std::nullopt;
+        },
+        u"Failed to save preferences: "_s, 500ms);
+}

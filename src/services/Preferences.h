@@ -1,0 +1,45 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QString>
+
+#include <memory>
+#include <mutex>
+#include <optional>
+
+class SaveQueue;
+
+// The preview text and size, in a settings file under $XDG_CONFIG_HOME/Morvane. A change
+// is written by the save queue after a pause of half a second (and at quit), so typing
+// or dragging the size slider costs one write, never one on the interface thread; a
+// failure reaches the save-failure banner like any other save. Reads see the latest
+// value at once.
+class Preferences
+{
+public:
+    static constexpr const char *previewTextKey = "morvane_preview_text";
+    static constexpr const char *previewSizeKey = "morvane_preview_size";
+    static constexpr double defaultPreviewSize = 36.0;
+    static constexpr const char *fileName = "Morvane.conf";
+    static QString defaultPreviewText();
+
+    explicit Preferences(SaveQueue &queue);
+
+    QString previewText() const;
+    void setPreviewText(const QString &text);
+    double previewSize() const;
+    void setPreviewSize(double size);
+    QString settingsPath() const;
+
+private:
+    struct Unsaved
+    {
+        std::mutex mutex;
+        std::optional<QString> text;
+        std::optional<double> size;
+    };
+    void scheduleWrite();
+
+    SaveQueue &m_queue;
+    std::shared_ptr<Unsaved> m_unsaved = std::make_shared<Unsaved>(); // shared with the queued write
+};
