@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <QColor>
-#include <QImage>
 #include <QList>
 #include <QSet>
 #include <QString>
@@ -29,10 +27,6 @@ const QSet<QString> &allLicenseTags();
 
 QString rawValue(LicenseStatus status); // the display name, "No Status" for none
 QStringList tags(LicenseStatus status);  // "Licensed" before "Non-Commercial"; none for None
-QColor color(LicenseStatus status);
-QColor selectedColor(LicenseStatus status);
-// A filled circle in the status colour, 12 × 12 points, for menus.
-QImage menuDotImage(LicenseStatus status, qreal devicePixelRatio = 1.0);
 
 // The status a file's tags express; the earliest rule that holds wins, so
 // conflicting tags set by hand show the first status in this order.

@@ -194,6 +194,10 @@ public:
     QList<FontNode> allFontsInCollection(const FontCollection &collection);
     QList<CollectionMember> sortedMembers(const FontCollection &collection);
     std::optional<QImage> collectionIcon(const QString &iconPath);
+    // Turns an icon file's bytes into an image. The core reads the formats Qt's image
+    // readers know; the interface puts one in place that also draws SVG.
+    using IconDecoder = std::function<QImage(const QByteArray &bytes, const QString &path)>;
+    void setIconDecoder(IconDecoder decoder);
 
     // ---- Services -------------------------------------------------------------------
     const FileSystemService &fileSystemService() const { return *m_fileSystemService; }
@@ -321,6 +325,7 @@ private:
     QHash<QUuid, QList<CollectionMember>> m_sortedMembersCache;
     QHash<QString, QImage> m_iconCache;
     QSet<QString> m_missingIcons;
+    IconDecoder m_iconDecoder;
     // Services
     std::shared_ptr<const FileSystemService> m_fileSystemService; // frozen; replaced by each refresh
     FontActivating &m_fontActivationService;

@@ -8,8 +8,6 @@
 #include "discovery/NameCollator.h"
 
 #include <QFileInfo>
-#include <QPainter>
-#include <QSvgRenderer>
 
 #include <algorithm>
 
@@ -205,6 +203,13 @@ QList<CollectionMember> AppState::sortedMembers(const FontCollection &collection
     return members;
 }
 
+void AppState::setIconDecoder(IconDecoder decoder)
+{
+    m_iconDecoder = std::move(decoder);
+    m_iconCache.clear();
+    m_missingIcons.clear();
+}
+
 std::optional<QImage> AppState::collectionIcon(const QString &iconPath)
 {
     const auto cached = m_iconCache.constFind(iconPath);
@@ -216,19 +221,8 @@ std::optional<QImage> AppState::collectionIcon(const QString &iconPath)
     // Only a regular file of an image's size: a pipe put in the icon's place would
     // block every start, a device would never end.
     const RegularFile::Contents bytes = RegularFile::read(iconPath, PersistenceService::kMaxIconBytes);
-    if (!bytes.ok()) {
-        // not an image
-    } else if (iconPath.endsWith(u".svg"_s, Qt::CaseInsensitive)) {
-        QSvgRenderer renderer(bytes.bytes);
-        if (renderer.isValid()) {
-            image = QImage(128, 128, QImage::Format_ARGB32_Premultiplied);
-            image.fill(Qt::transparent);
-            QPainter painter(&image);
-            renderer.render(&painter);
-        }
-    } else {
-        image.loadFromData(bytes.bytes);
-    }
+    if (bytes.ok())
+        image = m_iconDecoder ? m_iconDecoder(bytes.bytes, iconPath) : QImage::fromData(bytes.bytes);
     if (image.isNull()) {
         m_missingIcons.insert(iconPath);
         return std::nullopt;

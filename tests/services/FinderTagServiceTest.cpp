@@ -150,11 +150,4 @@ TEST(LicenseStatus, TagsPrecedenceNamesAndColours)
     for (LicenseStatus status : License::allCases())
         EXPECT_EQ(License::from(License::tags(status)), status) << License::rawValue(status).toStdString();
 
-    EXPECT_EQ(License::color(OpenSource), QColor::fromRgbF(0.2f, 0.5f, 1.0f));
-    EXPECT_EQ(License::selectedColor(None), QColor(Qt::white));
-    const QImage dot = License::menuDotImage(Unlicensed);
-    EXPECT_EQ(dot.size(), QSize(12, 12));
-    EXPECT_EQ(dot.pixelColor(6, 6), License::color(Unlicensed));
-    EXPECT_EQ(dot.pixelColor(0, 0).alpha(), 0); // round, not square
-    EXPECT_EQ(License::menuDotImage(Trial, 2.0).size(), QSize(24, 24));
 }

@@ -211,7 +211,8 @@ TEST_F(Collections, IconsLoadReplaceAndFailedOnesAreNotRetried)
     ASSERT_TRUE(store->collectionIcon(storedPng).has_value());
     EXPECT_EQ(store->collectionIcon(storedPng)->pixelColor(2, 2), QColor(Qt::red));
 
-    // Replaced by an SVG: another extension, one file, and it draws.
+    // Replaced by an SVG: another extension, one file, drawn by the decoder the
+    // interface puts in place (the sidebar's tests look at the pixels).
     const QString svg = writeFile(testRoot() + u"/icon.svg"_s,
                                   R"(<svg xmlns="http://www.w3.org/2000/svg" width="10" height="10">)"
                                   R"(<rect width="10" height="10" fill="#0000ff"/></svg>)");
@@ -219,8 +220,17 @@ TEST_F(Collections, IconsLoadReplaceAndFailedOnesAreNotRetried)
     const QString storedSvg = *collection(u"Icons"_s).iconPath;
     EXPECT_TRUE(storedSvg.endsWith(u".svg"_s));
     EXPECT_FALSE(QFile::exists(storedPng));
+    QStringList decoded;
+    store->setIconDecoder([&decoded](const QByteArray &bytes, const QString &path) {
+        decoded.append(path);
+        QImage image(4, 4, QImage::Format_ARGB32);
+        image.fill(bytes.contains("#0000ff") ? Qt::blue : Qt::black);
+        return image;
+    });
     ASSERT_TRUE(store->collectionIcon(storedSvg).has_value());
-    EXPECT_EQ(store->collectionIcon(storedSvg)->pixelColor(64, 64), QColor(Qt::blue));
+    EXPECT_EQ(store->collectionIcon(storedSvg)->pixelColor(2, 2), QColor(Qt::blue));
+    EXPECT_EQ(decoded, QStringList{storedSvg}) << "decoded once, then from the memo";
+    store->setIconDecoder(nullptr);
     EXPECT_EQ(written().loadCollections().first().iconPath, storedSvg);
 
     // A broken file fails once and is not read again until an icon is set anew.

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/browser/FontNodeDelegate.h"
+#include "ui/common/LicenseColours.h"
 
 #include "ui/browser/FontNodeListModel.h"
 #include "ui/common/Symbols.h"
@@ -102,8 +103,8 @@ void FontNodeDelegate::paint(QPainter *painter, const QStyleOptionViewItem &opti
     if (folder) {
         const auto status = static_cast<LicenseStatus>(index.data(FontNodeListModel::LicenseRole).toInt());
         Symbols::drawFolder(*painter, parts.icon,
-                            emphasised ? License::selectedColor(status)
-                                       : Symbols::forAppearance(License::color(status), palette));
+                            emphasised ? LicenseColours::selectedColor(status)
+                                       : Symbols::forAppearance(LicenseColours::color(status), palette));
         QColor chevron = emphasised ? onAccent : Symbols::secondary(palette);
         if (emphasised)
             chevron.setAlphaF(0.7f);

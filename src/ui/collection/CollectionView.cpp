@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/collection/CollectionView.h"
 
+#include "ui/common/CollectionIcons.h"
+#include "ui/common/LicenseColours.h"
+
 #include "ui/collection/CollectionMemberModel.h"
 #include "ui/common/ContextMenus.h"
 #include "ui/common/Drops.h"
@@ -71,8 +74,8 @@ public:
         if (index.data(CollectionMemberModel::IsFolderRole).toBool()) {
             const auto status = static_cast<LicenseStatus>(index.data(CollectionMemberModel::LicenseRole).toInt());
             Symbols::drawFolder(*painter, parts.icon,
-                                emphasised ? License::selectedColor(status)
-                                           : Symbols::forAppearance(License::color(status), palette));
+                                emphasised ? LicenseColours::selectedColor(status)
+                                           : Symbols::forAppearance(LicenseColours::color(status), palette));
         } else {
             Symbols::drawFontFile(*painter, parts.icon, emphasised ? onAccent : Symbols::secondary(palette));
         }
@@ -187,6 +190,7 @@ CollectionView::CollectionView(AppState &state, QUuid collectionId, QWidget *par
     , m_collectionId(collectionId)
 {
     setAccessibleName(u"Collection"_s);
+    m_state.setIconDecoder(&CollectionIcons::decode);
     setAcceptDrops(true);
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);

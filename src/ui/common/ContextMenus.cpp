@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/common/ContextMenus.h"
+#include "ui/common/LicenseColours.h"
 
 #include "services/LicenseStatus.h"
 #include "state/AppState.h"
@@ -51,7 +52,7 @@ void addLicenseMenu(QMenu *menu, AppState &state, const QString &path)
     for (const LicenseStatus status : License::allCases()) {
         QAction *item = statuses->addAction(License::rawValue(status));
         if (status != LicenseStatus::None)
-            item->setIcon(QIcon(QPixmap::fromImage(License::menuDotImage(status, ratio))));
+            item->setIcon(QIcon(QPixmap::fromImage(LicenseColours::menuDotImage(status, ratio))));
         item->setCheckable(true);
         item->setChecked(status == current);
         QObject::connect(item, &QAction::triggered, menu, [&state, status, path] { state.setLicenseStatus(status, path); });

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/search/SearchResultDelegate.h"
+#include "ui/common/LicenseColours.h"
 
 #include "ui/browser/FontNodeDelegate.h"
 #include "ui/search/SearchResultsModel.h"
@@ -80,7 +81,7 @@ void SearchResultDelegate::paint(QPainter *painter, const QStyleOptionViewItem &
     Symbols::drawActivation(*painter, parts.button,
                             static_cast<ActivationState>(index.data(SearchResultsModel::ActivationRole).toInt()), palette);
     const auto license = static_cast<LicenseStatus>(index.data(SearchResultsModel::LicenseRole).toInt());
-    Symbols::drawFolder(*painter, parts.icon, Symbols::forAppearance(License::color(license), palette));
+    Symbols::drawFolder(*painter, parts.icon, Symbols::forAppearance(LicenseColours::color(license), palette));
     painter->setPen(palette.color(QPalette::Text));
     painter->setFont(nameFont(option.font));
     const QString name = index.data(Qt::DisplayRole).toString();

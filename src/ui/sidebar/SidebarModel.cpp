@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/sidebar/SidebarModel.h"
 
+#include "ui/common/CollectionIcons.h"
+
 #include "state/AppState.h"
 
 #include <QImage>
@@ -16,6 +18,7 @@ SidebarModel::SidebarModel(AppState &state, QObject *parent)
         beginResetModel();
         endResetModel();
     };
+    state.setIconDecoder(&CollectionIcons::decode); // drawing SVG is the interface's job
     connect(&state, &AppState::sourcesChanged, this, reset);
     connect(&state, &AppState::collectionsChanged, this, reset);
     connect(&state, &AppState::activatedFontsChanged, this, [this] { refreshAll({ActivationRole}); });
