@@ -2,8 +2,9 @@
 #include "FontActivationService.h"
 
 #include "Console.h"
+#include "LinkPlacement.h"
+
 #include "fonts/FreeTypeLibrary.h"
-#include "OwnFontconfig.h"
 
 #include <QCryptographicHash>
 #include <QDir>
@@ -14,7 +15,6 @@
 #include <QtConcurrent/QtConcurrentMap>
 #include <QtConcurrent/QtConcurrentRun>
 
-#include <fontconfig/fontconfig.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -74,11 +74,7 @@ QString FontActivationService::defaultLinkFolder()
     return QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + u"/fonts/Morvane"_s;
 }
 
-FontActivationService::~FontActivationService()
-{
-    if (m_config)
-        FcConfigDestroy(m_config);
-}
+FontActivationService::~FontActivationService() = default;
 
 QString FontActivationService::linkNameFor(const QString &fontPath)
 {
@@ -115,8 +111,7 @@ bool FontActivationService::ensureReady()
     QDir().mkpath(QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation) + u"/fontconfig"_s);
     // Loaded on first use, under the lock and usually on a worker, not while the
     // window is built. Configuration only (where caches go), no font list.
-    if (!m_config)
-        m_config = OwnFontconfig::loadUserConfig();
+    m_fontconfig.load();
     // The 256 top folders exist from the start: making one later would change their
     // parent and make every application rescan it.
     // Kept only once all exist: a set-up tried again must not list a folder twice.
@@ -271,73 +266,20 @@ QString FontActivationService::createShard()
 
 QStringList FontActivationService::placeNewLinks(qsizetype count)
 {
-    // A shard's rescan costs all of its fonts. So empty shards are filled first (the
-    // rescan is then the batch's own fonts), after any shard the running batch has begun
-    // to fill; a big batch then opens new shards rather than topping up part-full ones;
-    // a small one goes to the least full shards.
-    // Called for every chunk of a batch, with thousands of shards: one pass, and only
-    // as many shards as the links need are kept.
-    if (count == 0)
-        return {};
-    const qsizetype emptyWanted = (count + kShardCapacity - 1) / kShardCapacity;
-    const bool small = count < kShardCapacity;
-    QStringList opened;
-    QStringList empty;
-    std::vector<std::pair<qsizetype, QString>> partFull;
-    for (auto it = m_shardSize.cbegin(); it != m_shardSize.cend(); ++it) {
-        const qsizetype size = it.value();
-        if (size >= kShardCapacity || (size > 0 && !small) || (size == 0 && empty.size() >= emptyWanted))
-            continue;
-        if (m_topSet.contains(it.key()))
-            continue; // an old top folder holding links: no new ones go there
-        if (size == 0)
-            empty.append(it.key());
-        else if (m_pendingShards.contains(it.key()))
-            opened.append(it.key()); // being filled by this batch: finish it first
-        else
-            partFull.emplace_back(size, it.key());
-    }
-    const auto bySize = [](const auto &a, const auto &b) { return a.first < b.first; };
-    const auto kept = partFull.begin() + std::min<qsizetype>(count, static_cast<qsizetype>(partFull.size()));
-    std::partial_sort(partFull.begin(), kept, partFull.end(), bySize);
-    QStringList placed;
-    placed.reserve(count);
-    const auto fill = [&](const QString &shard, qsizetype size) {
-        for (qsizetype room = kShardCapacity - size; room > 0 && placed.size() < count; --room)
-            placed.append(shard);
-    };
-    for (const QString &shard : std::as_const(opened))
-        fill(shard, m_shardSize.value(shard));
-    for (const QString &shard : std::as_const(empty))
-        fill(shard, 0);
-    for (auto it = partFull.begin(); it != kept; ++it)
-        fill(it->second, it->first);
+    QStringList placed = LinkPlacement::place(count, m_shardSize, m_pendingShards, m_topSet, kShardCapacity);
     while (placed.size() < count) {
         const QString shard = createShard();
         if (shard.isEmpty())
             break; // the caller reports the fonts left without a place
-        fill(shard, 0);
+        for (qsizetype room = kShardCapacity; room > 0 && placed.size() < count; --room)
+            placed.append(shard);
     }
     return placed;
 }
 
 QSet<QString> FontActivationService::rebuildShard(const QString &shard)
 {
-    QSet<QString> files;
-    // Forced: the folder just changed, so its old cache is stale anyway.
-    FcCache *cache = FcDirCacheRead(reinterpret_cast<const FcChar8 *>(encoded(shard).constData()), FcTrue, m_config);
-    if (!cache)
-        return files;
-    if (FcFontSet *set = FcCacheCopySet(cache)) {
-        for (int i = 0; i < set->nfont; ++i) {
-            FcChar8 *file = nullptr;
-            if (FcPatternGetString(set->fonts[i], FC_FILE, 0, &file) == FcResultMatch)
-                files.insert(QFile::decodeName(reinterpret_cast<const char *>(file)));
-        }
-        FcFontSetDestroy(set);
-    }
-    FcDirCacheUnload(cache);
-    return files;
+    return m_fontconfig.rebuild(shard);
 }
 
 QHash<QString, QSet<QString>> FontActivationService::rebuildShards(const QSet<QString> &shards)
@@ -587,28 +529,10 @@ void FontActivationService::removeActivationsExcept(const QSet<QString> &keep)
 
 void FontActivationService::removeStaleCacheLocks()
 {
-    // A process killed while fontconfig wrote a cache leaves its lock and temporary
-    // files, which stop that cache from being written again. Only ours, found by
-    // fontconfig's cache name: the MD5 of the folder's path.
-    QSet<QString> ours;
-    const auto add = [&ours](const QString &folder) {
-        ours.insert(QString::fromLatin1(QCryptographicHash::hash(encoded(folder), QCryptographicHash::Md5).toHex()));
-    };
-    add(m_linkFolder);
-    for (const QString &shard : m_shardSize.keys())
-        add(shard);
-    for (const QString &top : std::as_const(m_tops))
-        add(top);
-    FcStrList *dirs = FcConfigGetCacheDirs(m_config);
-    while (FcChar8 *dir = FcStrListNext(dirs)) {
-        const QString folder = QFile::decodeName(reinterpret_cast<const char *>(dir));
-        for (const QString &name : QDir(folder).entryList(QDir::Files | QDir::Hidden)) {
-            const bool leftover = name.endsWith(u".LCK"_s) || name.endsWith(u".NEW"_s) || name.contains(u".TMP-"_s);
-            if (leftover && ours.contains(name.section(u'-', 0, 0)))
-                QFile::remove(folder + u'/' + name);
-        }
-    }
-    FcStrListDone(dirs);
+    QStringList ours{m_linkFolder};
+    ours.append(m_shardSize.keys());
+    ours.append(m_tops);
+    m_fontconfig.removeStaleLocks(ours);
 }
 
 void FontActivationService::repairActivations()

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "FontActivating.h"
+#include "FontconfigCache.h"
 
 #include <QElapsedTimer>
 #include <QHash>
@@ -14,7 +15,6 @@
 
 #include <ctime>
 
-struct _FcConfig;
 
 // Activates fonts for every application through fontconfig: an active font is a
 // symbolic link to the font file in Morvane's own folder under the user's font
@@ -90,7 +90,7 @@ private:
     void failForSystem(const QString &path, const QString &reason);
 
     QString m_linkFolder;
-    _FcConfig *m_config = nullptr;
+    FontconfigCache m_fontconfig;
     bool m_ready = false;
     QStringList m_tops;                   // 00 … ff
     QSet<QString> m_topSet;
