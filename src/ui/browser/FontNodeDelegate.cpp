@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/browser/FontNodeDelegate.h"
 #include "ui/common/LicenseColours.h"
+#include "ui/common/RowBackground.h"
 
 #include "ui/browser/FontNodeListModel.h"
 #include "ui/common/Symbols.h"
@@ -77,20 +78,7 @@ void FontNodeDelegate::paint(QPainter *painter, const QStyleOptionViewItem &opti
 
     painter->save();
     painter->setRenderHint(QPainter::Antialiasing);
-    QColor background = Qt::transparent;
-    if (emphasised) {
-        background = palette.color(QPalette::Active, QPalette::Highlight);
-    } else if (selected) {
-        background = Symbols::unemphasisedSelection(palette);
-    } else if (hovered) {
-        background = palette.color(QPalette::Active, QPalette::Highlight);
-        background.setAlphaF(0.08f);
-    }
-    if (background.alpha() > 0) {
-        QPainterPath shape;
-        shape.addRoundedRect(parts.background, 4, 4);
-        painter->fillPath(shape, background);
-    }
+    RowBackground::paint(*painter, parts.background, palette, RowBackground::stateOf(selected, emphasised, hovered));
 
     const auto state = static_cast<ActivationState>(index.data(FontNodeListModel::ActivationRole).toInt());
     // On the accent colour the empty ring takes the text colour there, to stay visible.

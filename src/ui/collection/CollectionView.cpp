@@ -2,6 +2,7 @@
 #include "ui/collection/CollectionView.h"
 
 #include "ui/common/CollectionIcons.h"
+#include "ui/common/RowBackground.h"
 #include "ui/common/LicenseColours.h"
 
 #include "ui/collection/CollectionMemberModel.h"
@@ -55,12 +56,8 @@ public:
         const bool missing = index.data(CollectionMemberModel::MissingRole).toBool();
         painter->save();
         painter->setRenderHint(QPainter::Antialiasing);
-        if (selected) {
-            QPainterPath shape;
-            shape.addRoundedRect(parts.background, 4, 4);
-            painter->fillPath(shape, emphasised ? palette.color(QPalette::Active, QPalette::Highlight)
-                                                : Symbols::unemphasisedSelection(palette));
-        }
+        RowBackground::paint(*painter, parts.background, palette,
+                             RowBackground::stateOf(selected, emphasised, option.state & QStyle::State_MouseOver));
         if (missing)
             painter->setOpacity(0.45);
         const QColor onAccent = palette.color(QPalette::Active, QPalette::HighlightedText);

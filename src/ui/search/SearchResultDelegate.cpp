@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/search/SearchResultDelegate.h"
+
+#include "ui/common/RowBackground.h"
 #include "ui/common/LicenseColours.h"
 
 #include "ui/browser/FontNodeDelegate.h"
@@ -21,7 +23,6 @@ constexpr qreal kVertical = 5;
 constexpr qreal kButtonSide = 18;
 constexpr qreal kIconSide = 20;
 constexpr qreal kSpacing = 10;
-constexpr qreal kRadius = 6;
 
 } // namespace
 
@@ -71,13 +72,8 @@ void SearchResultDelegate::paint(QPainter *painter, const QStyleOptionViewItem &
     const Layout parts = layout(option.rect, option.font);
     painter->save();
     painter->setRenderHint(QPainter::Antialiasing);
-    if (option.state & QStyle::State_MouseOver) {
-        QColor hover = palette.color(QPalette::WindowText);
-        hover.setAlphaF(0.07f);
-        painter->setPen(Qt::NoPen);
-        painter->setBrush(hover);
-        painter->drawRoundedRect(parts.background, kRadius, kRadius);
-    }
+    RowBackground::paint(*painter, parts.background, palette,
+                         RowBackground::stateOf(false, false, option.state & QStyle::State_MouseOver));
     Symbols::drawActivation(*painter, parts.button,
                             static_cast<ActivationState>(index.data(SearchResultsModel::ActivationRole).toInt()), palette);
     const auto license = static_cast<LicenseStatus>(index.data(SearchResultsModel::LicenseRole).toInt());

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/sidebar/SidebarDelegate.h"
 
+#include "ui/common/RowBackground.h"
+
 #include "ui/browser/FontNodeDelegate.h"
 #include "ui/sidebar/SidebarModel.h"
 #include "ui/common/Symbols.h"
@@ -91,15 +93,11 @@ void SidebarDelegate::paint(QPainter *painter, const QStyleOptionViewItem &optio
     const Layout parts = layout(option.rect, static_cast<int>(kind));
     painter->save();
     painter->setRenderHint(QPainter::Antialiasing);
-    QPainterPath shape;
-    shape.addRoundedRect(parts.background, 5, 5);
-    if (selected)
-        painter->fillPath(shape, emphasised ? palette.color(QPalette::Active, QPalette::Highlight)
-                                            : Symbols::unemphasisedSelection(palette));
-    else if (option.state & QStyle::State_MouseOver)
-        painter->fillPath(shape, QColor(palette.color(QPalette::Highlight).red(), palette.color(QPalette::Highlight).green(),
-                                        palette.color(QPalette::Highlight).blue(), 20));
+    RowBackground::paint(*painter, parts.background, palette,
+                         RowBackground::stateOf(selected, emphasised, option.state & QStyle::State_MouseOver));
     if (index.row() == m_dropRow) {
+        QPainterPath shape;
+        shape.addRoundedRect(parts.background, RowBackground::kRadius, RowBackground::kRadius);
         painter->setPen(QPen(palette.color(QPalette::Active, QPalette::Highlight), 2));
         painter->drawPath(shape);
     }
