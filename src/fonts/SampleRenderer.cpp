@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "SampleRenderer.h"
 
+#include "LineBreaking.h"
+
 #include "FreeTypeLibrary.h"
 
 #include <QPainter>
@@ -295,12 +297,10 @@ QList<ShapedLine> SampleRenderer::layout(const QString &paragraph, double maxWid
     // Offsets from each glyph's pen position, so that lines can be placed afresh.
     QList<PlacedGlyph> shaped;
     shaped.reserve(count);
-    double total = 0;
     for (unsigned i = 0; i < count; ++i) {
         shaped.append(PlacedGlyph{infos[i].codepoint, static_cast<double>(positions[i].x_offset),
                                   -static_cast<double>(positions[i].y_offset),
                                   static_cast<double>(positions[i].x_advance), infos[i].cluster});
-        total += positions[i].x_advance;
     }
     hb_buffer_destroy(buffer);
 
@@ -318,29 +318,11 @@ QList<ShapedLine> SampleRenderer::layout(const QString &paragraph, double maxWid
         widths[clusterIndex(glyph.cluster)] += glyph.advance;
     const auto clusterEnd = [&](qsizetype index) { return index + 1 < starts.size() ? starts.at(index + 1) : paragraph.size(); };
 
-    // Greedy breaking after spaces; a word wider than a line is cut where it overflows.
-    QList<std::pair<qsizetype, qsizetype>> ranges; // cluster indices [first, last)
-    if (maxWidth <= 0 || total <= maxWidth) {
-        ranges.append({0, starts.size()});
-    } else {
-        qsizetype lineStart = 0;
-        qsizetype lastBreak = -1;
-        double width = 0;
-        for (qsizetype i = 0; i < starts.size(); ++i) {
-            const bool space = isSpaceRange(paragraph, starts.at(i), clusterEnd(i));
-            if (!space && i > lineStart && width + widths.at(i) > maxWidth) {
-                const qsizetype cut = lastBreak > lineStart ? lastBreak : i;
-                ranges.append({lineStart, cut});
-                lineStart = cut;
-                width = std::accumulate(widths.cbegin() + cut, widths.cbegin() + i, 0.0);
-                lastBreak = -1;
-            }
-            width += widths.at(i);
-            if (space)
-                lastBreak = i + 1;
-        }
-        ranges.append({lineStart, starts.size()});
-    }
+    QList<bool> spaces;
+    spaces.reserve(starts.size());
+    for (qsizetype i = 0; i < starts.size(); ++i)
+        spaces.append(isSpaceRange(paragraph, starts.at(i), clusterEnd(i)));
+    const QList<std::pair<qsizetype, qsizetype>> ranges = LineBreaking::breakLines(widths, spaces, maxWidth);
 
     QList<ShapedLine> lines;
     for (const auto &[first, last] : std::as_const(ranges)) {
