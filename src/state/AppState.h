@@ -189,6 +189,8 @@ public:
     void renameCollection(const QUuid &id, const QString &name);
     void sortCollections();
     void addToCollection(const QUuid &id, const FontNode &node);
+    // Several at once (a drop): members already there are skipped.
+    void addToCollection(const QUuid &id, const QList<FontNode> &nodes);
     void removeFromCollection(const QUuid &id, const CollectionMember &member);
     void setCollectionIcon(const QUuid &id, const std::optional<QString> &imagePath);
     QList<FontNode> allFontsInCollection(const FontCollection &collection);

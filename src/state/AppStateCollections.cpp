@@ -93,14 +93,30 @@ void AppState::renameCollection(const QUuid &id, const QString &name)
 
 void AppState::addToCollection(const QUuid &id, const FontNode &node)
 {
+    addToCollection(id, QList<FontNode>{node});
+}
+
+void AppState::addToCollection(const QUuid &id, const QList<FontNode> &nodes)
+{
     FontCollection *collection = findCollection(id);
-    if (!collection || collection->contains(node.path()))
+    if (!collection)
         return;
-    collection->members.append({node.path(), node.isDirectory()});
+    bool added = false;
+    bool unknown = false;
+    for (const FontNode &node : nodes) {
+        if (collection->contains(node.path()))
+            continue;
+        collection->members.append({node.path(), node.isDirectory()});
+        added = true;
+        unknown |= !m_fileSystemService->exists(node.path());
+    }
+    if (!added)
+        return;
+    // A drop of many files: one update, one save, at most one scan.
     clearCollectionMemos(); // before anyone told reads them
     Q_EMIT collectionsChanged();
-    if (!m_fileSystemService->exists(node.path()))
-        refreshFileSystem(); // make the new member known
+    if (unknown)
+        refreshFileSystem(); // make the new members known
     saveCollections();
 }
 

@@ -127,6 +127,27 @@ TEST_F(Collections, MembersAreUniqueAndExpandIntoFontsOnce)
     EXPECT_EQ(written().loadCollections().first().members.size(), 2);
 }
 
+// A drop of several files is one change: one update for the views, one save.
+TEST_F(Collections, ADropOfManyIsOneChange)
+{
+    store->createCollection(u"Work"_s);
+    const QUuid work = idOf(u"Work"_s);
+    store->addToCollection(work, font(u"Sans/a.ttf"_s));
+    written();
+    QStringList saves;
+    persistence.setSaveObserver([&saves](const QString &file, const QString &) { saves.append(file); });
+    QSignalSpy changed(store.get(), &AppState::collectionsChanged);
+    store->addToCollection(work, QList<FontNode>{font(u"Sans/a.ttf"_s), folder(u"Sans"_s), font(u"Sans/b.otf"_s)});
+    persistence.waitForWrites();
+    persistence.setSaveObserver(nullptr);
+    EXPECT_EQ(changed.count(), 1);
+    EXPECT_EQ(saves, QStringList{u"collections.json"_s});
+    EXPECT_EQ(collection(u"Work"_s).members.size(), 3); // a.ttf was there already
+
+    store->addToCollection(work, QList<FontNode>{folder(u"Sans"_s)}); // nothing new: nothing happens
+    EXPECT_EQ(changed.count(), 1);
+}
+
 TEST_F(Collections, MemosAreEmptiedByEveryChange)
 {
     store->createCollection(u"Work"_s);

@@ -43,18 +43,18 @@ int addToCollection(AppState &state, const QUuid &collectionId, const QMimeData 
 {
     if (!data)
         return 0;
-    int existing = 0;
+    QList<FontNode> nodes;
     for (const QUrl &url : data->urls()) {
         if (!url.isLocalFile())
             continue;
         const QFileInfo info(url.toLocalFile());
         if (!info.exists())
             continue; // gone since the drag began
-        ++existing;
         const QString path = info.absoluteFilePath();
-        state.addToCollection(collectionId, info.isDir() ? FontNode::folder(path) : FontNode::fromPath(path));
+        nodes.append(info.isDir() ? FontNode::folder(path) : FontNode::fromPath(path));
     }
-    return existing;
+    state.addToCollection(collectionId, nodes); // one update and one save for the whole drop
+    return static_cast<int>(nodes.size());
 }
 
 } // namespace Drops
