@@ -21,7 +21,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr qint64 kTypeAheadPauseMs = 1000; // a longer pause starts a new search
 
 } // namespace
 
@@ -98,7 +97,7 @@ void SingleColumnView::mousePressEvent(QMouseEvent *event)
         event->accept();
         return;
     }
-    m_typed.clear();
+    m_typeAhead.reset();
     m_pressedAt = event->position().toPoint();
     m_pressedRow = index;
     const FontNode node = m_model->node(index.row());
@@ -162,30 +161,20 @@ void SingleColumnView::selectRow(int row)
 
 bool SingleColumnView::typing() const
 {
-    return m_sinceTyped.isValid() && m_sinceTyped.elapsed() <= kTypeAheadPauseMs && !m_typed.isEmpty();
+    return m_sinceTyped.isValid() && m_typeAhead.isTyping(m_sinceTyped.elapsed());
 }
 
 bool SingleColumnView::typeAhead(const QString &text)
 {
-    if (!typing())
-        m_typed.clear();
-    m_sinceTyped.restart();
-    m_typed += text;
-    const int count = m_model->rowCount();
-    if (count == 0)
-        return false;
+    if (!m_sinceTyped.isValid())
+        m_sinceTyped.start();
     const std::optional<FontNode> selected = m_state.selectedNode(m_columnIndex);
     const int current = selected ? m_model->rowOf(selected->path()) : -1;
-    // A new search looks past the current row; a longer prefix may still match it.
-    const int start = m_typed.size() == 1 ? current + 1 : std::max(current, 0);
-    for (int step = 0; step < count; ++step) {
-        const int row = (start + step) % count;
-        if (m_model->node(row).name().startsWith(m_typed, Qt::CaseInsensitive)) {
-            selectRow(row);
-            return true;
-        }
-    }
-    return false;
+    const int row = m_typeAhead.type(text, m_sinceTyped.elapsed(), current, m_model->rowCount(),
+                                     [this](int index) { return m_model->node(index).name(); });
+    if (row >= 0)
+        selectRow(row);
+    return row >= 0;
 }
 
 void SingleColumnView::keyPressEvent(QKeyEvent *event)
@@ -194,7 +183,7 @@ void SingleColumnView::keyPressEvent(QKeyEvent *event)
     const bool typed = plain && !event->text().isEmpty() && event->text().at(0).isPrint() &&
                        (event->key() != Qt::Key_Space || typing());
     if (!typed)
-        m_typed.clear(); // any other key ends a typed search
+        m_typeAhead.reset(); // any other key ends a typed search
     switch (event->key()) {
     case Qt::Key_Up:
         m_state.handleArrowUp();

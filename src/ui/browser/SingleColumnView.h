@@ -4,6 +4,8 @@
 #include "model/FontNode.h"
 
 #include <QElapsedTimer>
+#include "ui/common/TypeAhead.h"
+
 #include <QListView>
 
 class AppState;
@@ -51,6 +53,6 @@ private:
     QString m_shownSelection; // path of the row last scrolled to
     QPoint m_pressedAt;           // where a left press began, for a drag
     QPersistentModelIndex m_pressedRow;
-    QString m_typed;
+    TypeAhead m_typeAhead;
     QElapsedTimer m_sinceTyped;
 };
