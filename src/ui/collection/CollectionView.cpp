@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/collection/CollectionView.h"
 
-#include "ui/common/CollectionIcons.h"
 #include "ui/common/RowBackground.h"
 #include "ui/common/LicenseColours.h"
 
@@ -187,7 +186,6 @@ CollectionView::CollectionView(AppState &state, QUuid collectionId, QWidget *par
     , m_collectionId(collectionId)
 {
     setAccessibleName(u"Collection"_s);
-    m_state.setIconDecoder(&CollectionIcons::decode);
     setAcceptDrops(true);
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);

@@ -18,7 +18,9 @@ SidebarModel::SidebarModel(AppState &state, QObject *parent)
         beginResetModel();
         endResetModel();
     };
-    state.setIconDecoder(&CollectionIcons::decode); // drawing SVG is the interface's job
+    // Drawing SVG is the interface's job. Set once, here: the sidebar lives as long as the
+    // window, and setting a decoder empties the store's icon memo.
+    state.setIconDecoder(&CollectionIcons::decode);
     connect(&state, &AppState::sourcesChanged, this, reset);
     connect(&state, &AppState::collectionsChanged, this, reset);
     connect(&state, &AppState::activatedFontsChanged, this, [this] { refreshAll({ActivationRole}); });
