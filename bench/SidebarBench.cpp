@@ -8,6 +8,7 @@
 #include "services/PersistenceService.h"
 #include "state/AppState.h"
 #include "ui/collection/CollectionView.h"
+#include "ui/collection/CollectionMemberList.h"
 #include "ui/sidebar/SidebarView.h"
 
 #include <QApplication>

@@ -26,6 +26,9 @@
 #include <QScrollBar>
 #include <QMutex>
 #include <QSet>
+#include <QDrag>
+#include <QSignalSpy>
+#include <QMouseEvent>
 #include <QTest>
 #include <QToolButton>
 
@@ -387,17 +390,43 @@ TEST_F(Browser, TheSourceMenuRemovesTheSource)
     delete menu;
 }
 
-// A row drags its file as a copy or a link: never a move of the user's font.
+// A row drags through Qt's own drag of the model's data: its file as a copy or a link,
+// never a move of the user's font. The press selects the row; the drag opens nothing more.
 TEST_F(Browser, RowsDragTheirFilesAsCopiesOrLinks)
 {
-    FontNodeListModel *model = column(0)->nodeModel();
-    const int row = model->rowOf(library + u"/c.ttf"_s);
-    std::unique_ptr<QMimeData> data(model->mimeData({model->index(row)}));
-    ASSERT_NE(data, nullptr);
-    EXPECT_EQ(data->urls(), QList<QUrl>{QUrl::fromLocalFile(library + u"/c.ttf"_s)});
-    EXPECT_EQ(data->text(), library + u"/c.ttf"_s);
-    EXPECT_EQ(model->supportedDragActions(), Qt::CopyAction | Qt::LinkAction);
-    EXPECT_TRUE(model->flags(model->index(row)) & Qt::ItemIsDragEnabled);
+    QWidget *rows = column(0)->viewport();
+    const QPoint at = rowRect(0, u"c.ttf"_s).center();
+    QTest::mousePress(rows, Qt::LeftButton, {}, at);
+    // Moves with the button held, as a hand makes them; QTest's own move carries no buttons.
+    for (const QPoint &to : {at + QPoint(2, 0), at + QPoint(40, 0)}) {
+        QMouseEvent move(QEvent::MouseMove, to, rows->mapToGlobal(to), Qt::NoButton, Qt::LeftButton, {});
+        QApplication::sendEvent(rows, &move);
+    }
+    // Without a drag-and-drop system here the drag ends at once; its object remains until deleted later.
+    QDrag *drag = column(0)->findChild<QDrag *>();
+    ASSERT_TRUE(drag);
+    EXPECT_EQ(drag->mimeData()->urls(), QList<QUrl>{QUrl::fromLocalFile(library + u"/c.ttf"_s)});
+    EXPECT_EQ(drag->mimeData()->text(), library + u"/c.ttf"_s);
+    EXPECT_EQ(drag->supportedActions(), Qt::CopyAction | Qt::LinkAction);
+    QTest::mouseRelease(rows, Qt::LeftButton, {}, at + QPoint(40, 0));
+    EXPECT_EQ(path(), u"c.ttf"_s);
+    EXPECT_EQ(view.columns().size(), 1);
+}
+
+// Presses that are not a plain left click on a row choose nothing: the right button
+// (its menu comes on release), and a double click on the row's button, which toggles.
+TEST_F(Browser, OnlyALeftPressOnTheRowSelectsIt)
+{
+    click(0, u"B"_s);
+    QTest::mousePress(column(0)->viewport(), Qt::RightButton, {}, rowRect(0, u"A"_s).center());
+    QTest::mouseRelease(column(0)->viewport(), Qt::RightButton, {}, rowRect(0, u"A"_s).center());
+    EXPECT_EQ(path(), u"B"_s);
+
+    const QPoint button = FontNodeDelegate::layout(rowRect(0, u"c.ttf"_s), false).button.center().toPoint();
+    QSignalSpy toggled(&store, &AppState::activatedFontsChanged);
+    QTest::mouseDClick(column(0)->viewport(), Qt::LeftButton, {}, button);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !toggled.isEmpty() && !store.isProcessing(); }, 20'000));
+    EXPECT_EQ(path(), u"B"_s);
 }
 
 // Pixels where they carry meaning: an active row's button is green and a licensed

@@ -5,6 +5,7 @@
 #include "services/PersistenceService.h"
 #include "state/AppState.h"
 #include "ui/collection/CollectionView.h"
+#include "ui/collection/CollectionMemberList.h"
 #include "ui/browser/ColumnBrowserView.h"
 #include "ui/window/EmptyStateView.h"
 #include "ui/window/MainWindow.h"

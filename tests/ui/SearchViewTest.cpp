@@ -194,10 +194,12 @@ TEST_F(SearchView, ClickOpensTheFolderAndDragOffersItsPath)
     const QPoint onName = SearchResultDelegate::layout(row(0), list()->font()).name.center().toPoint();
 
     QTest::mousePress(list()->viewport(), Qt::LeftButton, {}, onName);
-    // A move with the button held; QTest's own move carries no buttons.
+    // Moves with the button held, as a hand makes them; QTest's own move carries no buttons.
     const QPoint to = onName + QPoint(40, 0);
-    QMouseEvent move(QEvent::MouseMove, to, list()->viewport()->mapToGlobal(to), Qt::NoButton, Qt::LeftButton, {});
-    QApplication::sendEvent(list()->viewport(), &move);
+    for (const QPoint &at : {onName + QPoint(2, 0), to}) {
+        QMouseEvent move(QEvent::MouseMove, at, list()->viewport()->mapToGlobal(at), Qt::NoButton, Qt::LeftButton, {});
+        QApplication::sendEvent(list()->viewport(), &move);
+    }
     // Without a drag-and-drop system here the drag ends at once; its object remains until deleted later.
     QDrag *drag = list()->findChild<QDrag *>();
     ASSERT_TRUE(drag);

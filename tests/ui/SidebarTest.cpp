@@ -7,6 +7,7 @@
 
 #include "ui/collection/CollectionMemberModel.h"
 #include "ui/collection/CollectionView.h"
+#include "ui/collection/CollectionMemberList.h"
 #include "ui/browser/ColumnBrowserView.h"
 #include "ui/preview/FontPreviewView.h"
 #include "ui/sidebar/SidebarModel.h"

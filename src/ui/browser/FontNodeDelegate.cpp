@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/browser/FontNodeDelegate.h"
+
+#include "ui/common/RowButton.h"
 #include "ui/common/LicenseColours.h"
 #include "ui/common/RowBackground.h"
 
@@ -120,4 +122,13 @@ bool FontNodeDelegate::helpEvent(QHelpEvent *event, QAbstractItemView *view, con
         : index.data(Qt::DisplayRole).toString();
     QToolTip::showText(event->globalPos(), tip, view);
     return true;
+}
+
+bool FontNodeDelegate::editorEvent(QEvent *event, QAbstractItemModel *, const QStyleOptionViewItem &option,
+                                   const QModelIndex &index)
+{
+    const auto hit = RowButton::hit(event, layout(option.rect, index.data(FontNodeListModel::IsFolderRole).toBool()).button);
+    if (hit == RowButton::Hit::Click)
+        Q_EMIT activationClicked(index);
+    return hit != RowButton::Hit::Outside;
 }

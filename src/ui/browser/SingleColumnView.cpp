@@ -7,22 +7,14 @@
 
 #include "state/AppState.h"
 
-#include <QApplication>
+#include <QGuiApplication>
 #include <QContextMenuEvent>
-#include <QDrag>
 #include <QKeyEvent>
 #include <QMenu>
-#include <QMimeData>
-#include <QMouseEvent>
 #include <QScrollBar>
 #include <QTimer>
 
 using namespace Qt::StringLiterals;
-
-namespace {
-
-
-} // namespace
 
 SingleColumnView::SingleColumnView(AppState &state, int columnIndex, QWidget *parent)
     : QListView(parent)
@@ -45,6 +37,13 @@ SingleColumnView::SingleColumnView(AppState &state, int columnIndex, QWidget *pa
     setViewportMargins(0, 3, 0, 3);
     setFocusPolicy(Qt::StrongFocus);
     setAccessibleName(u"Column %1"_s.arg(columnIndex + 1));
+    // Qt's own drag, of the model's file URLs.
+    setDragEnabled(true);
+    setDragDropMode(QAbstractItemView::DragOnly);
+    setDefaultDropAction(Qt::CopyAction);
+    connect(this, &QAbstractItemView::pressed, this, &SingleColumnView::pressRow);
+    connect(m_row, &FontNodeDelegate::activationClicked, this,
+            [this](const QModelIndex &index) { m_state.toggleActivation(m_model->node(index.row())); });
 }
 
 void SingleColumnView::setColumn(int columnIndex, const QList<FontNode> &nodes)
@@ -89,48 +88,18 @@ void SingleColumnView::showEvent(QShowEvent *event)
     syncWithStore();
 }
 
-void SingleColumnView::mousePressEvent(QMouseEvent *event)
+void SingleColumnView::pressRow(const QModelIndex &index)
 {
-    setFocus(Qt::MouseFocusReason);
-    const QModelIndex index = indexAt(event->position().toPoint());
-    if (!index.isValid() || event->button() != Qt::LeftButton) {
-        event->accept();
+    // Only the left button chooses; a right press leaves the menu to show beside the selection.
+    if (!(QGuiApplication::mouseButtons() & Qt::LeftButton) || !index.isValid())
         return;
-    }
     m_typeAhead.reset();
-    m_pressedAt = event->position().toPoint();
-    m_pressedRow = index;
-    const FontNode node = m_model->node(index.row());
-    // The button toggles without selecting the row.
-    if (FontNodeDelegate::layout(visualRect(index), node.isDirectory()).button.contains(event->position())) {
-        m_state.toggleActivation(node);
-    } else {
-        m_state.selectNode(node, m_columnIndex);
-    }
-    event->accept();
+    m_state.selectNode(m_model->node(index.row()), m_columnIndex);
 }
 
-void SingleColumnView::mouseReleaseEvent(QMouseEvent *event)
+QItemSelectionModel::SelectionFlags SingleColumnView::selectionCommand(const QModelIndex &, const QEvent *) const
 {
-    m_pressedRow = QPersistentModelIndex();
-    event->accept(); // the press did everything
-}
-
-void SingleColumnView::mouseMoveEvent(QMouseEvent *event)
-{
-    const bool dragging = (event->buttons() & Qt::LeftButton) && m_pressedRow.isValid() &&
-                          (event->position().toPoint() - m_pressedAt).manhattanLength() >= QApplication::startDragDistance();
-    if (!dragging) {
-        QListView::mouseMoveEvent(event); // hover
-        return;
-    }
-    QMimeData *files = m_model->mimeData({m_pressedRow});
-    m_pressedRow = QPersistentModelIndex();
-    if (!files)
-        return;
-    auto *drag = new QDrag(this);
-    drag->setMimeData(files);
-    drag->exec(m_model->supportedDragActions(), Qt::CopyAction);
+    return QItemSelectionModel::NoUpdate; // the store chooses; syncWithStore shows its choice
 }
 
 void SingleColumnView::contextMenuEvent(QContextMenuEvent *event)

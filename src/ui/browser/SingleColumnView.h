@@ -33,10 +33,9 @@ public:
     void syncWithStore();
 
 protected:
-    void mousePressEvent(QMouseEvent *event) override;
-    void mouseMoveEvent(QMouseEvent *event) override;
     void contextMenuEvent(QContextMenuEvent *event) override;
-    void mouseReleaseEvent(QMouseEvent *event) override;
+    QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex &index,
+                                                         const QEvent *event = nullptr) const override;
     void keyPressEvent(QKeyEvent *event) override;
     void showEvent(QShowEvent *event) override;
 
@@ -45,14 +44,13 @@ private:
     bool typeAhead(const QString &text);
     bool typing() const; // a space then belongs to the typed name
     void selectRow(int row);
+    void pressRow(const QModelIndex &index);
 
     AppState &m_state;
     int m_columnIndex;
     FontNodeListModel *m_model;
     FontNodeDelegate *m_row;
     QString m_shownSelection; // path of the row last scrolled to
-    QPoint m_pressedAt;           // where a left press began, for a drag
-    QPersistentModelIndex m_pressedRow;
     TypeAhead m_typeAhead;
     QElapsedTimer m_sinceTyped;
 };

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/search/SearchResultDelegate.h"
 
+#include "ui/common/RowButton.h"
+
 #include "ui/common/RowBackground.h"
 #include "ui/common/LicenseColours.h"
 
@@ -99,4 +101,13 @@ bool SearchResultDelegate::helpEvent(QHelpEvent *event, QAbstractItemView *view,
         return true;
     }
     return QStyledItemDelegate::helpEvent(event, view, option, index);
+}
+
+bool SearchResultDelegate::editorEvent(QEvent *event, QAbstractItemModel *, const QStyleOptionViewItem &option,
+                                       const QModelIndex &index)
+{
+    const auto hit = RowButton::hit(event, layout(option.rect, option.font).button);
+    if (hit == RowButton::Hit::Click)
+        Q_EMIT activationClicked(index);
+    return hit != RowButton::Hit::Outside;
 }

@@ -9,11 +9,8 @@
 
 #include "state/AppState.h"
 
-#include <QApplication>
-#include <QDrag>
 #include <QKeyEvent>
 #include <QLabel>
-#include <QMimeData>
 #include <QPainter>
 #include <QVBoxLayout>
 
@@ -80,7 +77,23 @@ SearchResultsList::SearchResultsList(AppState &state, SearchResultsModel *model,
     , m_model(model)
 {
     setModel(model);
-    setItemDelegate(new SearchResultDelegate(this));
+    auto *delegate = new SearchResultDelegate(this);
+    setItemDelegate(delegate);
+    connect(delegate, &SearchResultDelegate::activationClicked, this, [this](const QModelIndex &index) {
+        m_buttonPressed = true;
+        m_state.toggleActivation(m_state.searchResults().at(index.row()).folder);
+    });
+    // A click (a press and release on one row, left button) opens, unless it was the
+    // button's; a drag offers the folder's path through the model and navigates nowhere.
+    // Qt reports the press only when the button didn't take it.
+    connect(this, &QAbstractItemView::pressed, this, [this] { m_buttonPressed = false; });
+    connect(this, &QAbstractItemView::clicked, this, [this](const QModelIndex &index) {
+        if (!std::exchange(m_buttonPressed, false))
+            open(index.row());
+    });
+    setDragEnabled(true);
+    setDragDropMode(QAbstractItemView::DragOnly);
+    setDefaultDropAction(Qt::CopyAction);
     setUniformItemSizes(true);
     setMouseTracking(true); // the hover highlight
     setFrameShape(QFrame::NoFrame);
@@ -91,50 +104,6 @@ SearchResultsList::SearchResultsList(AppState &state, SearchResultsModel *model,
     setAutoFillBackground(true);
     setAccessibleName(u"Search Results"_s);
     viewport()->setAttribute(Qt::WA_Hover);
-}
-
-void SearchResultsList::mousePressEvent(QMouseEvent *event)
-{
-    setFocus(Qt::MouseFocusReason);
-    const QModelIndex index = indexAt(event->position().toPoint());
-    m_pressedRow = QPersistentModelIndex();
-    if (!index.isValid() || event->button() != Qt::LeftButton) {
-        event->accept();
-        return;
-    }
-    setCurrentIndex(index);
-    if (SearchResultDelegate::layout(visualRect(index), font()).button.contains(event->position())) {
-        m_state.toggleActivation(m_state.searchResults().at(index.row()).folder);
-    } else {
-        m_pressedRow = index;
-        m_pressedAt = event->position().toPoint();
-    }
-    event->accept();
-}
-
-void SearchResultsList::mouseMoveEvent(QMouseEvent *event)
-{
-    const bool dragging = (event->buttons() & Qt::LeftButton) && m_pressedRow.isValid() &&
-                          (event->position().toPoint() - m_pressedAt).manhattanLength() >= QApplication::startDragDistance();
-    if (!dragging) {
-        QListView::mouseMoveEvent(event); // hover
-        return;
-    }
-    QMimeData *path = m_model->mimeData({m_pressedRow});
-    m_pressedRow = QPersistentModelIndex(); // a drag does not navigate
-    auto *drag = new QDrag(this);
-    drag->setMimeData(path);
-    drag->exec(Qt::CopyAction, Qt::CopyAction);
-}
-
-void SearchResultsList::mouseReleaseEvent(QMouseEvent *event)
-{
-    const QModelIndex index = indexAt(event->position().toPoint());
-    const int row = m_pressedRow.isValid() && index == m_pressedRow ? index.row() : -1;
-    m_pressedRow = QPersistentModelIndex();
-    event->accept();
-    if (row >= 0 && event->button() == Qt::LeftButton)
-        open(row);
 }
 
 // Return opens the current hit, Space toggles it, as in the browser.

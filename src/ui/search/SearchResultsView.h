@@ -2,7 +2,6 @@
 #pragma once
 
 #include <QListView>
-#include <QPersistentModelIndex>
 #include <QStackedWidget>
 
 class AppState;
@@ -20,9 +19,6 @@ public:
     SearchResultsList(AppState &state, SearchResultsModel *model, QWidget *parent = nullptr);
 
 protected:
-    void mousePressEvent(QMouseEvent *event) override;
-    void mouseMoveEvent(QMouseEvent *event) override;
-    void mouseReleaseEvent(QMouseEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
 
 private:
@@ -30,8 +26,7 @@ private:
 
     AppState &m_state;
     SearchResultsModel *m_model;
-    QPersistentModelIndex m_pressedRow;
-    QPoint m_pressedAt;
+    bool m_buttonPressed = false; // the press in progress is the activation button's
 };
 
 // What fills the detail area during a folder search: "Searching folders…" while the

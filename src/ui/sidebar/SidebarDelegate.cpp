@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/sidebar/SidebarDelegate.h"
 
+#include "ui/common/RowButton.h"
+
 #include "ui/common/RowBackground.h"
 
 #include "ui/browser/FontNodeDelegate.h"
@@ -199,4 +201,16 @@ bool SidebarDelegate::helpEvent(QHelpEvent *event, QAbstractItemView *view, cons
         : index.data().toString();
     QToolTip::showText(event->globalPos(), tip, view);
     return true;
+}
+
+bool SidebarDelegate::editorEvent(QEvent *event, QAbstractItemModel *, const QStyleOptionViewItem &option,
+                                  const QModelIndex &index)
+{
+    const Kind kind = kindOf(index);
+    if (kind == Kind::Placeholder)
+        return false;
+    const auto hit = RowButton::hit(event, layout(option.rect, static_cast<int>(kind)).button);
+    if (hit == RowButton::Hit::Click)
+        Q_EMIT activationClicked(index);
+    return hit != RowButton::Hit::Outside;
 }

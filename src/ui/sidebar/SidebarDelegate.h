@@ -38,6 +38,12 @@ public:
     void updateEditorGeometry(QWidget *editor, const QStyleOptionViewItem &option, const QModelIndex &index) const override;
     bool helpEvent(QHelpEvent *event, QAbstractItemView *view, const QStyleOptionViewItem &option,
                    const QModelIndex &index) override;
+    bool editorEvent(QEvent *event, QAbstractItemModel *model, const QStyleOptionViewItem &option,
+                     const QModelIndex &index) override;
+
+Q_SIGNALS:
+    // A source's or collection's activation button was clicked; the row isn't selected.
+    void activationClicked(const QModelIndex &index);
 
 private:
     void paintPlaceholder(QPainter *painter, const QStyleOptionViewItem &option) const;

@@ -32,6 +32,13 @@ SidebarList::SidebarList(SidebarView &sidebar, AppState &state, SidebarModel *mo
     m_section->setSourceModel(model);
     setModel(m_section);
     setItemDelegate(m_delegate);
+    connect(m_delegate, &SidebarDelegate::activationClicked, this, [this](const QModelIndex &index) {
+        const std::optional<SidebarItem> item = m_model->item(rowOf(index));
+        if (const FolderSource *source = item ? item->source() : nullptr)
+            m_state.toggleActivation(FontNode::folder(source->path));
+        else if (const FontCollection *collection = item ? item->collection() : nullptr)
+            m_state.toggleCollectionActivation(*collection);
+    });
     setSelectionMode(QAbstractItemView::SingleSelection);
     setEditTriggers(collections ? QAbstractItemView::EditKeyPressed : QAbstractItemView::NoEditTriggers); // F2
     setMouseTracking(true);
@@ -124,25 +131,6 @@ void SidebarList::keyPressEvent(QKeyEvent *event)
         }
     }
     QListView::keyPressEvent(event);
-}
-
-void SidebarList::mousePressEvent(QMouseEvent *event)
-{
-    const QModelIndex index = indexAt(event->position().toPoint());
-    const auto kind = index.isValid() ? m_model->kind(rowOf(index)) : SidebarModel::Kind::Placeholder;
-    const bool row = kind != SidebarModel::Kind::Placeholder;
-    if (row && event->button() == Qt::LeftButton
-        && SidebarDelegate::layout(visualRect(index), static_cast<int>(kind)).button.contains(event->position())) {
-        setFocus(Qt::MouseFocusReason);
-        const std::optional<SidebarItem> item = m_model->item(rowOf(index));
-        if (const FolderSource *source = item ? item->source() : nullptr)
-            m_state.toggleActivation(FontNode::folder(source->path));
-        else if (const FontCollection *collection = item ? item->collection() : nullptr)
-            m_state.toggleCollectionActivation(*collection);
-        event->accept(); // the button doesn't select
-        return;
-    }
-    QListView::mousePressEvent(event);
 }
 
 void SidebarList::contextMenuEvent(QContextMenuEvent *event)

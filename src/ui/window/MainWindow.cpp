@@ -2,6 +2,7 @@
 #include "ui/window/MainWindow.h"
 
 #include "ui/collection/CollectionView.h"
+#include "ui/collection/CollectionMemberList.h"
 #include "ui/browser/ColumnBrowserView.h"
 #include "ui/window/EmptyStateView.h"
 #include "ui/window/ProcessingOverlay.h"
