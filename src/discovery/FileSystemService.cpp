@@ -32,8 +32,7 @@ void FileSystemService::ensureWritable(const char *operation) const
 {
     if (m_frozen) {
         // A programming error: a frozen service is shared read-only with the UI.
-        std::fprintf(stderr, "FileSystemService: %s on a frozen service\n", operation);
-        std::abort();
+        qFatal("FileSystemService: %s on a frozen service", operation);
     }
 }
 

@@ -4,7 +4,8 @@
 #include <QString>
 
 // Failures of saving, loading, tagging and activating are reported as one line on
-// standard output; there is no log file and nothing reaches the user interface.
+// standard output, in words fixed so scripts can look for them; the window says it
+// in its own words. Notes about Morvane's own work go through Diagnostics.h instead.
 namespace Console {
 void printLine(const QString &line);
 }

@@ -3,9 +3,10 @@
 // row, and batches that activate or deactivate fonts with progress.
 #include "AppState.h"
 
-#include "services/Console.h"
+#include "services/Diagnostics.h"
 #include "services/FontActivationService.h"
 
+#include <QElapsedTimer>
 #include <QCoroFuture>
 #include <QDir>
 #include <QPointer>
@@ -193,6 +194,8 @@ QCoro::Task<> AppState::batchProcess(QList<FontNode> fonts, bool activate, QStri
         co_return;
     QPointer<AppState> self(this);
     const qsizetype total = paths.size();
+    QElapsedTimer took;
+    took.start();
     setIsProcessing(true);
     setProcessing(0.0, progressMessage(label, 0, total));
 
@@ -257,7 +260,7 @@ QCoro::Task<> AppState::batchProcess(QList<FontNode> fonts, bool activate, QStri
             co_return;
     }
     if (!turnedDown) {
-        Console::printLine(u"Stopped waiting for fonts that did not answer: %1 (%2 fonts)"_s.arg(label).arg(total));
+        qCWarning(lcActivation).noquote() << u"Stopped waiting for fonts that did not answer: %1 (%2 fonts)"_s.arg(label).arg(total);
         setNotice(tr("Morvane stopped waiting for a font that didn't answer. Fonts done before stay as they are; "
                      "a file on a drive or network share that stopped responding is the usual cause."));
     } else {
@@ -273,5 +276,6 @@ QCoro::Task<> AppState::batchProcess(QList<FontNode> fonts, bool activate, QStri
         m_collectionStateCache.clear();
         Q_EMIT activatedFontsChanged();
     }
+    qCDebug(lcActivation) << (activate ? "activated" : "deactivated") << total << "fonts in" << took.elapsed() << "ms";
     setIsProcessing(false);
 }

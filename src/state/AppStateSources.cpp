@@ -4,8 +4,9 @@
 #include "AppState.h"
 
 #include "model/Json.h"
-#include "services/Console.h"
+#include "services/Diagnostics.h"
 
+#include <QElapsedTimer>
 #include <QCoroFuture>
 #include <QCoroTimer>
 #include <QDir>
@@ -129,13 +130,13 @@ SavedFonts checkSavedFonts(FontActivating *activation, const QSet<QString> &save
         // what was active: restore those rather than sweep them away.
         candidates = recorded;
         if (!candidates.isEmpty())
-            Console::printLine(u"Restoring the %1 activated fonts that Morvane's font links record instead"_s
-                                   .arg(candidates.size()));
+            qCWarning(lcStorage).noquote() << u"Restoring the %1 activated fonts that Morvane's font links record instead"_s
+                                                  .arg(candidates.size());
     }
     SavedFonts sorted = sortSavedFonts(candidates, recorded, roots);
     if (!sorted.waiting.isEmpty())
-        Console::printLine(u"Keeping %1 activated fonts whose folder can't be reached now; they are activated again "
-                           u"when it is back"_s.arg(sorted.waiting.size()));
+        qCInfo(lcLibrary).noquote() << u"Keeping %1 activated fonts whose folder can't be reached now; they are "
+                                       u"activated again when it is back"_s.arg(sorted.waiting.size());
     // Away with activations nothing accounts for (a crash mid-batch), but only when
     // the saved set says for sure what should be active.
     if (savedSetIsWhole)
@@ -295,6 +296,8 @@ QCoro::Task<> AppState::runRefresh(quint64 generation, QList<FolderSource> sourc
     const CancellationToken cancellation = CancellationToken::create();
     m_libraryCancellation = cancellation;
     LibraryScanner scanner = m_libraryScanner; // the job keeps its own copy
+    QElapsedTimer took;
+    took.start();
     const LibraryScan scan = co_await QtConcurrent::task(std::move(scanner))
                                  .withArguments(sources, members, cancellation)
                                  .withPriority(1)
@@ -305,6 +308,8 @@ QCoro::Task<> AppState::runRefresh(quint64 generation, QList<FolderSource> sourc
         m_unavailableSources = scan.unavailableSources;
         Q_EMIT unavailableSourcesChanged();
     }
+    qCDebug(lcLibrary) << "scanned" << sources.size() << "sources," << scan.searchIndex.size() << "folders in"
+                       << took.elapsed() << "ms";
     installLibrary(scan.service, scan.searchIndex);
     scheduleSearch(); // an active query runs again on the new index
     setIsIndexing(false);

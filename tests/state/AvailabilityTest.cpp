@@ -39,8 +39,8 @@ TEST(Availability, ASourceFolderMissingAtStartKeepsItsActivationsUntilItIsBack)
         EXPECT_TRUE(away.store.activatedFonts().isEmpty());
         EXPECT_EQ(away.store.waitingActivations(), library.set());
         EXPECT_EQ(away.store.unavailableSources().size(), 1);
-        EXPECT_TRUE(away.output.contains(u"Keeping 2 activated fonts whose folder can't be reached now"_s))
-            << away.output.toStdString();
+        EXPECT_TRUE(away.log.text().contains(u"morvane.library: Keeping 2 activated fonts whose folder can't be reached now"_s))
+            << away.log.text().toStdString();
         EXPECT_EQ(savedFonts(), library.set());
         EXPECT_TRUE(listedByFontconfig().isEmpty());
     }
@@ -244,13 +244,12 @@ TEST(Availability, AJobThatStopsAnsweringCanBeGivenUp)
     EXPECT_TRUE(store.isProcessingStalled());
     EXPECT_TRUE(store.isProcessing());
 
-    const QString output = capturedStdout([&] {
-        store.cancelBatch();
-        ASSERT_TRUE(QTest::qWaitFor([&] { return !store.isProcessing(); }, 10'000));
-    });
+    const CapturedLog log;
+    store.cancelBatch();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !store.isProcessing(); }, 10'000));
     EXPECT_FALSE(store.isProcessingStalled());
-    EXPECT_TRUE(output.contains(u"Stopped waiting for fonts that did not answer: Activating (20 fonts)"_s))
-        << output.toStdString();
+    EXPECT_TRUE(log.text().contains(u"morvane.activation: Stopped waiting for fonts that did not answer: Activating (20 fonts)"_s))
+        << log.text().toStdString();
     EXPECT_TRUE(store.notice().startsWith(u"Morvane stopped waiting for a font that didn't answer."_s));
     EXPECT_TRUE(store.activatedFonts().isEmpty()); // nothing came back from the stuck chunk
     EXPECT_LT(activation.calls().size(), 20);      // the rest was never asked for

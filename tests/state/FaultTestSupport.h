@@ -130,6 +130,7 @@ struct Start
     FontActivationService activation;
     PersistenceService persistence;
     AppState store{activation, persistence};
+    CapturedLog log; // made before the store acts: it hears the start
     QString output;
 };
 

@@ -36,7 +36,8 @@ TEST(StorageFaults, AnActivatedFontsFileNobodyMayReadIsRebuiltFromTheLinks)
         EXPECT_TRUE(start.output.contains(u"Failed to load activated fonts: Permission denied (the file was moved to "_s +
                                           saved + u".unreadable-"_s))
             << start.output.toStdString();
-        EXPECT_TRUE(start.output.contains(u"Restoring the 2 activated fonts that Morvane's font links record instead\n"_s));
+        EXPECT_TRUE(start.log.text().contains(
+            u"morvane.storage: Restoring the 2 activated fonts that Morvane's font links record instead\n"_s));
         EXPECT_EQ(start.store.activatedFonts(), library.set());
         EXPECT_EQ(start.activation.recordedActivations(), library.set());
         EXPECT_TRUE(start.store.saveFailure().isEmpty());

@@ -4,6 +4,7 @@
 // reach the real user's fonts, tags or settings.
 #include "TestSupport.h"
 
+#include <QMutex>
 #include <QDir>
 #include <QFile>
 #include <QLocale>
@@ -148,5 +149,45 @@ void removeProcessRoot()
     g_processRoot.reset();
 }
 
-} // namespace TestSupport
+namespace {
 
+QMutex capturedMutex;
+QString *capturedText = nullptr;
+QtMessageHandler previousHandler = nullptr;
+
+void captureMessage(QtMsgType type, const QMessageLogContext &context, const QString &message)
+{
+    const QLatin1StringView category(context.category ? context.category : "");
+    if (category.startsWith(QLatin1StringView("morvane."))) {
+        const QMutexLocker lock(&capturedMutex);
+        if (capturedText) {
+            *capturedText += category + u": "_s + message + u'\n';
+            return;
+        }
+    }
+    previousHandler(type, context, message);
+}
+
+} // namespace
+
+CapturedLog::CapturedLog()
+{
+    const QMutexLocker lock(&capturedMutex);
+    capturedText = new QString;
+    previousHandler = qInstallMessageHandler(captureMessage);
+}
+
+CapturedLog::~CapturedLog()
+{
+    qInstallMessageHandler(previousHandler);
+    const QMutexLocker lock(&capturedMutex);
+    delete std::exchange(capturedText, nullptr);
+}
+
+QString CapturedLog::text() const
+{
+    const QMutexLocker lock(&capturedMutex);
+    return *capturedText;
+}
+
+} // namespace TestSupport

@@ -36,6 +36,18 @@ QString capturedStdout(Action action)
     return QString::fromStdString(testing::internal::GetCapturedStdout());
 }
 
+// What Morvane's logging categories ("morvane.*") say while it lives, one
+// "category: message" line each, kept from the terminal.
+class CapturedLog
+{
+public:
+    CapturedLog();
+    ~CapturedLog();
+    CapturedLog(const CapturedLog &) = delete;
+    CapturedLog &operator=(const CapturedLog &) = delete;
+    QString text() const;
+};
+
 // Used by the shared main: isolate before the application object exists.
 bool isolateProcess();
 void isolateEachTest();
