@@ -27,7 +27,10 @@
 #include <QMenu>
 #include <QMimeData>
 #include <QPainter>
+#include <QPointer>
 #include <QPushButton>
+#include <QScrollBar>
+#include <QSignalSpy>
 #include <QTest>
 #include <QToolButton>
 
@@ -465,4 +468,56 @@ TEST_F(Sidebar, TheCollectionViewShowsJumpsRemovesAndTakesDrops)
     EXPECT_EQ(list->model()->supportedDragActions(), Qt::CopyAction | Qt::LinkAction);
     std::unique_ptr<QMimeData> data(list->model()->mimeData({list->model()->index(0, 0)}));
     EXPECT_EQ(data->urls().value(0).toLocalFile(), library + u"/B"_s);
+}
+
+// The store's changes reach the lists row by row: a change elsewhere leaves the row the
+// user chose, the scroll position and the shown collection's preview as they were.
+TEST_F(Sidebar, ChangesElsewhereLeaveWhatTheUserChoseInPlace)
+{
+    for (int i = 0; i < 30; ++i)
+        store.createCollection(u"C%1"_s.arg(i, 2, 10, QChar(u'0')));
+    const QUuid shown = collection(u"C20"_s);
+    store.addToCollection(shown, FontNode::fontFile(library + u"/c.ttf"_s));
+    store.addToCollection(shown, FontNode::fontFile(library + u"/B/b.ttf"_s));
+    QAbstractItemModelTester tester(model(), QAbstractItemModelTester::FailureReportingMode::QtTest);
+    QSignalSpy resets(model(), &QAbstractItemModel::modelReset);
+    SidebarList *collections = list(u"C20"_s);
+    click(u"C20"_s);
+    ASSERT_EQ(store.selectedCollection()->id, shown);
+    const int scrolled = collections->verticalScrollBar()->value();
+    ASSERT_GT(scrolled, 0) << "C20 lies below the first screenful";
+
+    CollectionView view(store, shown);
+    view.show();
+    CollectionMemberList *members = view.memberList();
+    QTest::mouseClick(members->viewport(), Qt::LeftButton, {},
+                      members->visualRect(members->model()->index(members->memberModel()->rowOf(library + u"/c.ttf"_s), 0))
+                          .center());
+    const QPointer<FontPreviewView> preview = view.previewPane();
+    ASSERT_TRUE(preview);
+
+    const struct
+    {
+        const char *change;
+        std::function<void()> act;
+    } changes[] = {
+        {"another collection renamed", [&] { store.renameCollection(collection(u"C03"_s), u"C03 renamed"_s); }},
+        {"a drop on another collection", [&] { store.addToCollection(collection(u"C05"_s), {FontNode::folder(library + u"/A"_s)}); }},
+        {"another collection deleted", [&] { store.deleteCollection(*find(u"C01"_s)); }},
+        {"this collection renamed", [&] { store.renameCollection(shown, u"C20 renamed"_s); }},
+        {"another member of this one removed", [&] { store.removeFromCollection(shown, {library + u"/B/b.ttf"_s, false}); }},
+        {"a source added", [&] { store.addSource(makeDir(testRoot() + u"/More"_s)); }},
+    };
+    for (const auto &change : changes) {
+        change.act();
+        ASSERT_TRUE(store.selectedCollection()) << change.change;
+        EXPECT_EQ(store.selectedCollection()->id, shown) << change.change;
+        EXPECT_EQ(collections->currentIndex(), collections->indexForRow(model()->rowOf(*store.sidebarSelection())))
+            << change.change;
+        EXPECT_EQ(collections->verticalScrollBar()->value(), scrolled) << change.change;
+        EXPECT_EQ(view.previewPane(), preview.data()) << change.change << ": the preview stays";
+        EXPECT_EQ(members->currentIndex().data(CollectionMemberModel::PathRole).toString(), library + u"/c.ttf"_s)
+            << change.change;
+    }
+    EXPECT_TRUE(resets.isEmpty());
 }

@@ -12,7 +12,7 @@
 using namespace Qt::StringLiterals;
 
 CollectionMemberModel::CollectionMemberModel(AppState &state, QUuid collectionId, QObject *parent)
-    : QAbstractListModel(parent)
+    : SyncedListModel(parent)
     , m_state(state)
     , m_collectionId(collectionId)
 {
@@ -25,13 +25,14 @@ CollectionMemberModel::CollectionMemberModel(AppState &state, QUuid collectionId
 
 void CollectionMemberModel::reload()
 {
-    beginResetModel();
-    m_members.clear();
+    QList<CollectionMember> wanted;
     for (const FontCollection &collection : m_state.collections()) {
         if (collection.id == m_collectionId)
-            m_members = m_state.sortedMembers(collection);
+            wanted = m_state.sortedMembers(collection);
     }
-    endResetModel();
+    // Row by row: a change to another collection, or to this one's name, leaves the
+    // rows, the current member and its preview as they are.
+    syncRows(m_members, wanted, [](const CollectionMember &member) { return member.path; }, std::equal_to<>());
 }
 
 void CollectionMemberModel::refresh(const QList<int> &roles)

@@ -3,14 +3,15 @@
 
 #include "model/CollectionRecords.h"
 
-#include <QAbstractListModel>
+#include "ui/common/RowSync.h"
+
 #include <QUuid>
 
 class AppState;
 
 // The members of one collection in the store's sorted order, for the collection view.
 // A member the last scan did not see is "Missing": it has no activation state.
-class CollectionMemberModel : public QAbstractListModel
+class CollectionMemberModel : public SyncedListModel
 {
     Q_OBJECT
 

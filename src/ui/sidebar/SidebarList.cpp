@@ -32,6 +32,9 @@ SidebarList::SidebarList(SidebarView &sidebar, AppState &state, SidebarModel *mo
     m_section->setSourceModel(model);
     setModel(m_section);
     setItemDelegate(m_delegate);
+    // Rows the store added or took away move the current row; that is not a choice.
+    connect(model, &SidebarModel::aboutToSync, this, [this] { m_syncing = true; });
+    connect(model, &SidebarModel::synced, this, [this] { m_syncing = false; });
     connect(m_delegate, &SidebarDelegate::activationClicked, this, [this](const QModelIndex &index) {
         const std::optional<SidebarItem> item = m_model->item(rowOf(index));
         if (const FolderSource *source = item ? item->source() : nullptr)

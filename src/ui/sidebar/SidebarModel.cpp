@@ -11,23 +11,32 @@
 using namespace Qt::StringLiterals;
 
 SidebarModel::SidebarModel(AppState &state, QObject *parent)
-    : QAbstractListModel(parent)
+    : SyncedListModel(parent)
     , m_state(state)
 {
-    const auto reset = [this] {
-        beginResetModel();
-        endResetModel();
-    };
     // Drawing SVG is the interface's job. Set once, here: the sidebar lives as long as the
     // window, and setting a decoder empties the store's icon memo.
     state.setIconDecoder(&CollectionIcons::decode);
-    connect(&state, &AppState::sourcesChanged, this, reset);
-    connect(&state, &AppState::collectionsChanged, this, reset);
+    connect(&state, &AppState::sourcesChanged, this, &SidebarModel::sync);
+    connect(&state, &AppState::collectionsChanged, this, &SidebarModel::sync);
     connect(&state, &AppState::activatedFontsChanged, this, [this] { refreshAll({ActivationRole}); });
     // A new scan knows other counts, and may find members that were missing.
     connect(&state, &AppState::cachedColumnsChanged, this, [this] { refreshAll({CaptionRole, ActivationRole}); });
     connect(&state, &AppState::isIndexingChanged, this, [this] { refreshAll({CaptionRole}); });
     connect(&state, &AppState::unavailableSourcesChanged, this, [this] { refreshAll({CaptionRole}); });
+    sync();
+}
+
+void SidebarModel::sync()
+{
+    Q_EMIT aboutToSync();
+    // The placeholder is a source row without an id.
+    const QList<FolderSource> sources = m_state.sources().isEmpty() ? QList<FolderSource>{FolderSource{}}
+                                                                    : m_state.sources();
+    const auto id = [](const auto &item) { return item.id; };
+    syncRows(m_sources, sources, id, std::equal_to<>());
+    syncRows(m_collections, m_state.collections(), id, std::equal_to<>(), firstCollectionRow());
+    Q_EMIT synced();
 }
 
 QString SidebarModel::count(qsizetype number, const QString &noun)
@@ -51,28 +60,28 @@ int SidebarModel::rowCount(const QModelIndex &parent) const
 {
     if (parent.isValid())
         return 0;
-    return firstCollectionRow() + static_cast<int>(m_state.collections().size());
+    return firstCollectionRow() + static_cast<int>(m_collections.size());
 }
 
 int SidebarModel::firstCollectionRow() const
 {
-    return static_cast<int>(std::max<qsizetype>(1, m_state.sources().size())); // the placeholder holds one row
+    return static_cast<int>(m_sources.size());
 }
 
 SidebarModel::Kind SidebarModel::kind(int row) const
 {
     if (row >= firstCollectionRow())
         return Kind::Collection;
-    return m_state.sources().isEmpty() ? Kind::Placeholder : Kind::Source;
+    return m_sources.value(row).id.isNull() ? Kind::Placeholder : Kind::Source;
 }
 
 std::optional<SidebarItem> SidebarModel::item(int row) const
 {
     switch (kind(row)) {
     case Kind::Source:
-        return SidebarItem(m_state.sources().value(row));
+        return SidebarItem(m_sources.value(row));
     case Kind::Collection:
-        return SidebarItem(m_state.collections().value(row - firstCollectionRow()));
+        return SidebarItem(m_collections.value(row - firstCollectionRow()));
     default:
         return std::nullopt;
     }
@@ -81,13 +90,13 @@ std::optional<SidebarItem> SidebarModel::item(int row) const
 int SidebarModel::rowOf(const SidebarItem &item) const
 {
     if (const FolderSource *source = item.source()) {
-        const auto &sources = m_state.sources();
+        const auto &sources = m_sources;
         for (qsizetype i = 0; i < sources.size(); ++i) {
             if (sources.at(i).id == source->id)
                 return static_cast<int>(i);
         }
     } else if (const FontCollection *collection = item.collection()) {
-        const auto &collections = m_state.collections();
+        const auto &collections = m_collections;
         for (qsizetype i = 0; i < collections.size(); ++i) {
             if (collections.at(i).id == collection->id)
                 return firstCollectionRow() + static_cast<int>(i);
@@ -98,7 +107,7 @@ int SidebarModel::rowOf(const SidebarItem &item) const
 
 std::optional<qsizetype> SidebarModel::sourceFontCount(int sourceIndex) const
 {
-    const QString path = m_state.sources().value(sourceIndex).path;
+    const QString path = m_sources.value(sourceIndex).path;
     const FileSystemService &files = m_state.fileSystemService();
     if (!files.hasChildrenEntry(path))
         return std::nullopt; // not scanned yet
@@ -109,9 +118,9 @@ ActivationState SidebarModel::activation(int row) const
 {
     switch (kind(row)) {
     case Kind::Source:
-        return m_state.activationState(FontNode::folder(m_state.sources().value(row).path));
+        return m_state.activationState(FontNode::folder(m_sources.value(row).path));
     case Kind::Collection:
-        return m_state.collectionActivationState(m_state.collections().value(row - firstCollectionRow()));
+        return m_state.collectionActivationState(m_collections.value(row - firstCollectionRow()));
     default:
         return ActivationState::Inactive;
     }
@@ -120,13 +129,13 @@ ActivationState SidebarModel::activation(int row) const
 QString SidebarModel::caption(int row) const
 {
     if (kind(row) == Kind::Source) {
-        if (!m_state.isSourceAvailable(m_state.sources().value(row)))
+        if (!m_state.isSourceAvailable(m_sources.value(row)))
             return tr("Not available");
         const std::optional<qsizetype> fonts = sourceFontCount(row);
         return fonts ? count(*fonts, u"font"_s) : QString();
     }
     if (kind(row) == Kind::Collection) {
-        const FontCollection collection = m_state.collections().value(row - firstCollectionRow());
+        const FontCollection collection = m_collections.value(row - firstCollectionRow());
         return count(m_state.allFontsInCollection(collection).size(), u"font"_s) + u" · "_s
                + count(collection.members.size(), u"item"_s);
     }
@@ -145,8 +154,8 @@ QVariant SidebarModel::data(const QModelIndex &index, int role) const
     case Qt::AccessibleTextRole:
         switch (rowKind) {
         case Kind::Placeholder: return u"No Sources"_s;
-        case Kind::Source: return m_state.sources().value(row).name;
-        case Kind::Collection: return m_state.collections().value(row - firstCollectionRow()).name;
+        case Kind::Source: return m_sources.value(row).name;
+        case Kind::Collection: return m_collections.value(row - firstCollectionRow()).name;
         }
         return {};
     case Qt::AccessibleDescriptionRole: {
@@ -164,14 +173,14 @@ QVariant SidebarModel::data(const QModelIndex &index, int role) const
     case IconRole: {
         if (rowKind != Kind::Collection)
             return {};
-        const std::optional<QString> &icon = m_state.collections().value(row - firstCollectionRow()).iconPath;
+        const std::optional<QString> &icon = m_collections.value(row - firstCollectionRow()).iconPath;
         const std::optional<QImage> image = icon ? m_state.collectionIcon(*icon) : std::nullopt;
         return image ? QVariant(*image) : QVariant();
     }
     case FavoritesRole: {
         if (rowKind != Kind::Collection)
             return false;
-        return isFavorites(m_state.collections().value(row - firstCollectionRow()).name);
+        return isFavorites(m_collections.value(row - firstCollectionRow()).name);
     }
     default: return {};
     }
@@ -181,8 +190,8 @@ bool SidebarModel::setData(const QModelIndex &index, const QVariant &value, int 
 {
     if (role != Qt::EditRole || kind(index.row()) != Kind::Collection)
         return false;
-    // After the editor has closed: the rename resets the rows, editor and all.
-    const QUuid id = m_state.collections().value(index.row() - firstCollectionRow()).id;
+    // After the editor has closed: a new name may move the row.
+    const QUuid id = m_collections.value(index.row() - firstCollectionRow()).id;
     QMetaObject::invokeMethod(
         this, [this, id, name = value.toString()] { m_state.renameCollection(id, name); }, Qt::QueuedConnection);
     return true;

@@ -4,16 +4,17 @@
 #include "model/ActivationState.h"
 #include "model/SidebarItem.h"
 
-#include <QAbstractListModel>
+#include "ui/common/RowSync.h"
 
 #include <optional>
 
 class AppState;
 
 // The sidebar's rows over the store: the sources (or a placeholder when there are
-// none), then the collections. The placeholder can't be selected. Copies nothing:
-// rows point into the store's lists.
-class SidebarModel : public QAbstractListModel
+// none), then the collections. The placeholder can't be selected. It keeps its own copy
+// of the two lists and follows the store's changes row by row, so the lists keep their
+// selection, editor and scroll position.
+class SidebarModel : public SyncedListModel
 {
     Q_OBJECT
 
@@ -47,11 +48,19 @@ public:
     // "inactive", "active", "mixed": what screen readers hear of a row's button.
     static QString stateWord(ActivationState state);
 
+Q_SIGNALS:
+    // Around each catch-up with the store: rows moving then are not the user's doing.
+    void aboutToSync();
+    void synced();
+
 private:
+    void sync();
     std::optional<qsizetype> sourceFontCount(int sourceIndex) const;
     ActivationState activation(int row) const;
     QString caption(int row) const;
     void refreshAll(const QList<int> &roles);
 
     AppState &m_state;
+    QList<FolderSource> m_sources; // one without an id while there are none: the placeholder
+    QList<FontCollection> m_collections;
 };

@@ -43,7 +43,7 @@ SidebarView::SidebarView(AppState &state, QWidget *parent)
         std::unique_ptr<QFileDialog> chooser(FolderChoosers::makeIconChooser(this));
         return chooser->exec() == QDialog::Accepted ? chooser->selectedFiles().value(0) : QString();
     };
-    connect(m_model, &QAbstractItemModel::modelReset, this, [this] {
+    connect(m_model, &SidebarModel::synced, this, [this] {
         fitSources();
         syncSelection();
     });
