@@ -15,6 +15,9 @@
 #include "ui/sidebar/SidebarModel.h"
 #include "ui/sidebar/SidebarView.h"
 #include "ui/window/ToolbarInputField.h"
+#include "ui/browser/FontNodeListModel.h"
+#include "ui/browser/SingleColumnView.h"
+#include "ui/sidebar/SidebarList.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -364,4 +367,56 @@ TEST(MainWindow, AViewReplacedByItsOwnEventOutlivesThatEvent)
     EXPECT_TRUE(store.navigationPath().isEmpty());
     EXPECT_EQ(crumbGone.count(), 0) << "deleted inside its own click";
     ASSERT_TRUE(QTest::qWaitFor([&] { return clicked.isNull(); }));
+}
+
+// A jump to a search hit brings its rows into view, even rows the user had chosen
+// before and scrolled away: its source in the sidebar, its folder in the browser. The
+// window takes the store's two requests and leaves none pending.
+TEST(MainWindowJumps, AJumpRevealsItsRowsWhereverTheyWereScrolled)
+{
+    QByteArray json = "[";
+    QString last;
+    for (int i = 0; i < 30; ++i) {
+        last = TestSupport::makeDir(TestSupport::testRoot() + u"/S%1"_s.arg(i, 2, 10, QChar(u'0')));
+        json += (i ? "," : "") + QByteArray("{\"id\":\"") + QUuid::createUuid().toString(QUuid::WithoutBraces).toUtf8()
+                + "\",\"name\":\"S" + QByteArray::number(i) + "\",\"path\":\"" + last.toUtf8() + "\"}";
+    }
+    for (int i = 0; i < 60; ++i)
+        TestSupport::writeFile(last + u"/Deep%1/f.ttf"_s.arg(i, 2, 10, QChar(u'0')));
+    TestSupport::writeFile(PersistenceService::defaultStorageFolder() + u"/sources.json"_s, json + "]");
+    auto window = WindowFixture::openWindow();
+    window->resize(900, 500);
+    AppState &store = window->state();
+    SidebarList *sources = window->sidebar().sourcesList();
+
+    const auto jump = [&] {
+        store.setSearchQuery(u"Deep50"_s);
+        EXPECT_TRUE(QTest::qWaitFor([&] { return store.searchResults().size() == 1; }, 10'000));
+        SearchResultsList *hits = window->searchResults().list();
+        EXPECT_TRUE(QTest::qWaitFor([&] { return hits->isVisible(); }));
+        QTest::mouseClick(hits->viewport(), Qt::LeftButton, {}, hits->visualRect(hits->model()->index(0, 0)).center());
+        EXPECT_TRUE(QTest::qWaitFor([&] { return window->browser().isVisible() && window->browser().columns().size() == 2; }));
+        QTest::qWait(50); // the columns lay themselves out after the event that made them
+    };
+    const auto inView = [](QAbstractItemView *list, const QModelIndex &index) {
+        const QRect row = list->visualRect(index);
+        return index.isValid() && row.top() >= 0 && row.bottom() <= list->viewport()->height();
+    };
+    const auto deep50 = [&] {
+        SingleColumnView *first = window->browser().columns().first();
+        const FontNodeListModel *rows = first->nodeModel();
+        return rows->index(rows->rowOf(last + u"/Deep50"_s));
+    };
+    for (int round = 0; round < 2; ++round) {
+        jump();
+        ASSERT_TRUE(store.selectedSource());
+        EXPECT_EQ(store.selectedSource()->path, last) << "round " << round;
+        EXPECT_TRUE(inView(sources, sources->currentIndex())) << "round " << round;
+        EXPECT_TRUE(inView(window->browser().columns().first(), deep50())) << "round " << round;
+        EXPECT_FALSE(store.shouldScrollToSelection());
+        EXPECT_FALSE(store.programmaticNavTarget());
+        // The user scrolls both away before the next jump to the same place.
+        sources->scrollToTop();
+        window->browser().columns().first()->scrollToTop();
+    }
 }

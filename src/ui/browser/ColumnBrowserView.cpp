@@ -151,6 +151,13 @@ void ColumnBrowserView::rebuildColumns()
     }
     rebuildPreview();
     syncColumns();
+    // A jump (a search hit, a collection member) asks for its rows in view, even rows
+    // that were selected before and have been scrolled away since.
+    if (m_state.shouldScrollToSelection() && isVisible()) {
+        for (const Column &column : std::as_const(m_columns))
+            column.view->scrollToSelection();
+        m_state.setShouldScrollToSelection(false);
+    }
     if (keyboard)
         focusActiveColumn();
     scrollToEnd();

@@ -81,6 +81,12 @@ void SingleColumnView::syncWithStore()
     viewport()->update();
 }
 
+void SingleColumnView::scrollToSelection()
+{
+    m_shownSelection.clear();
+    syncWithStore();
+}
+
 void SingleColumnView::showEvent(QShowEvent *event)
 {
     QListView::showEvent(event);

@@ -31,6 +31,8 @@ public:
     // Mirrors the store: the selected row, whether this is the active column; the
     // selected row scrolls to the centre when it changes.
     void syncWithStore();
+    // The selected row to the centre again, wherever the user scrolled.
+    void scrollToSelection();
 
 protected:
     void contextMenuEvent(QContextMenuEvent *event) override;

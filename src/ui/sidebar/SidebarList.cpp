@@ -90,13 +90,16 @@ int SidebarList::edgeRow(bool last) const
     return found;
 }
 
-void SidebarList::syncSelection()
+void SidebarList::syncSelection(bool reveal)
 {
     const std::optional<SidebarItem> &selection = m_state.sidebarSelection();
     const int row = selection ? m_model->rowOf(*selection) : -1;
     const QModelIndex index = row >= 0 && showsRow(row) ? indexForRow(row) : QModelIndex();
-    if (index == currentIndex() && (!index.isValid() || selectionModel()->isSelected(index)))
+    if (index == currentIndex() && (!index.isValid() || selectionModel()->isSelected(index))) {
+        if (reveal && index.isValid())
+            scrollTo(index);
         return;
+    }
     m_syncing = true;
     if (index.isValid()) {
         selectionModel()->setCurrentIndex(index, QItemSelectionModel::ClearAndSelect);

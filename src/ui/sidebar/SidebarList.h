@@ -18,7 +18,9 @@ class SidebarList : public QListView
 public:
     SidebarList(SidebarView &sidebar, AppState &state, SidebarModel *model, bool collections);
 
-    void syncSelection();
+    // Mirrors the store's selection; `reveal` scrolls the row into view even when it was
+    // the current row already.
+    void syncSelection(bool reveal = false);
     int contentHeight() const;
     bool showsRow(int row) const;
     // Between the sidebar model's rows and this list's own indexes.

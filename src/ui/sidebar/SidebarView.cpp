@@ -48,6 +48,11 @@ SidebarView::SidebarView(AppState &state, QWidget *parent)
         syncSelection();
     });
     connect(&state, &AppState::sidebarSelectionChanged, this, &SidebarView::syncSelection);
+    // A jump within the selected source changes no selection, only the columns.
+    connect(&state, &AppState::cachedColumnsChanged, this, [this] {
+        if (m_state.programmaticNavTarget())
+            syncSelection();
+    });
     connect(&state, &AppState::shouldFocusSidebarChanged, this, [this] {
         if (!m_state.shouldFocusSidebar())
             return;
@@ -101,9 +106,15 @@ void SidebarView::resizeEvent(QResizeEvent *event)
 
 void SidebarView::syncSelection()
 {
-    m_sources->syncSelection();
-    m_collections->syncSelection();
     const std::optional<SidebarItem> &selection = m_state.sidebarSelection();
+    // The store itself chose this row in a jump (a search hit, a collection member): it
+    // comes into view even where the list had it chosen already, scrolled away.
+    const std::optional<SidebarItem> &jumpedTo = m_state.programmaticNavTarget();
+    const bool reveal = jumpedTo && selection && *jumpedTo == *selection;
+    if (jumpedTo)
+        m_state.setProgrammaticNavTarget(std::nullopt);
+    m_sources->syncSelection(reveal);
+    m_collections->syncSelection(reveal);
     setFocusProxy(selection && selection->isCollection() ? m_collections : m_sources);
 }
 
