@@ -157,6 +157,8 @@ public:
     void loadPersistedState();
     void addSource(const QString &path);
     QCoro::Task<> removeSource(FolderSource source); // deactivates its fonts first
+    // How many fonts under the source removing it would deactivate.
+    qsizetype activeFontCount(const FolderSource &source) const;
     // Rescans every source and collection folder in the background after a 50 ms pause;
     // a burst of requests costs one scan, and only the latest result is applied.
     void refreshFileSystem();

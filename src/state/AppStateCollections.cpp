@@ -81,7 +81,8 @@ void AppState::deleteCollection(const FontCollection &collection)
 void AppState::renameCollection(const QUuid &id, const QString &name)
 {
     FontCollection *collection = findCollection(id);
-    if (!collection)
+    // A blank name would leave a row nobody can read or find: the old one stays.
+    if (!collection || name.trimmed().isEmpty())
         return;
     if (collection->name != name) {
         collection->name = name;

@@ -240,6 +240,13 @@ void AppState::addSource(const QString &path)
     m_persistenceService.saveSources(m_sources);
 }
 
+qsizetype AppState::activeFontCount(const FolderSource &source) const
+{
+    const std::span<const FontNode> fonts = m_fileSystemService->allFonts(QDir::cleanPath(source.path));
+    return std::count_if(fonts.begin(), fonts.end(),
+                         [this](const FontNode &font) { return m_activatedFonts.contains(font.path()); });
+}
+
 QCoro::Task<> AppState::removeSource(FolderSource source)
 {
     if (m_isProcessing)

@@ -93,9 +93,14 @@ TEST_F(Collections, RenamingSortsWithFavoritesFirst)
     store->renameCollection(idOf(u"Beta"_s), u"alpha"_s); // no uniqueness check here
     EXPECT_EQ(names(), (QStringList{u"favorites"_s, u"alpha"_s, u"alpha"_s}));
 
+    // Nothing to rename, or nothing readable to rename to: nothing changes.
     QSignalSpy changed(store.get(), &AppState::collectionsChanged);
     store->renameCollection(QUuid::createUuid(), u"Nobody"_s);
+    for (const QString &blank : {QString(), u" "_s, u" \t "_s})
+        store->renameCollection(idOf(u"favorites"_s), blank);
     EXPECT_EQ(changed.count(), 0);
+    EXPECT_EQ(names(), (QStringList{u"favorites"_s, u"alpha"_s, u"alpha"_s}));
+    EXPECT_EQ(savedNames(), names());
 }
 
 TEST_F(Collections, MembersAreUniqueAndExpandIntoFontsOnce)

@@ -380,14 +380,37 @@ TEST_F(Browser, TheLicenceSubmenuSetsTheFilesTagsAndTheRowFollows)
     EXPECT_EQ(a1.data(FontNodeListModel::LicenseRole).toInt(), static_cast<int>(LicenseStatus::None));
 }
 
-TEST_F(Browser, TheSourceMenuRemovesTheSource)
+// "Remove Source" asks first, naming what it costs; Escape keeps the source and its
+// activations, "Remove Source" removes it.
+TEST_F(Browser, TheSourceMenuAsksBeforeRemovingTheSource)
 {
-    QMenu *menu = ContextMenus::buildSourceMenu(store, store.sources().first(), &view);
-    EXPECT_EQ(titles(menu), (QStringList{u"Show in File Manager"_s, u"-"_s, u"License Status"_s, u"-"_s,
-                                         u"Remove Source"_s}));
-    item(menu, u"Remove Source"_s)->trigger();
-    ASSERT_TRUE(QTest::qWaitFor([this] { return store.sources().isEmpty(); }, 20'000));
-    delete menu;
+    store.batchProcess({FontNode::fontFile(library + u"/c.ttf"_s), FontNode::fontFile(library + u"/A/a1.ttf"_s)}, true,
+                       u"Activating"_s);
+    ASSERT_TRUE(waitUntilIdle());
+    const struct
+    {
+        QString answer;
+        bool removed;
+    } answers[] = {{QString(), false}, {u"Cancel"_s, false}, {u"Remove Source"_s, true}};
+    for (const auto &answer : answers) {
+        std::unique_ptr<QMenu> menu(ContextMenus::buildSourceMenu(store, store.sources().first(), &view));
+        EXPECT_EQ(titles(menu.get()), (QStringList{u"Show in File Manager"_s, u"-"_s, u"License Status"_s, u"-"_s,
+                                                   u"Remove Source"_s}));
+        const std::shared_ptr<QString> asked = answerNextQuestion(answer.answer);
+        item(menu.get(), u"Remove Source"_s)->trigger();
+        ASSERT_TRUE(QTest::qWaitFor([&] { return !asked->isEmpty(); }));
+        EXPECT_EQ(*asked, u"Remove \u201cLibrary\u201d from Morvane?\nIts 2 active fonts will be deactivated. "
+                          u"The files stay where they are."_s);
+        if (answer.removed) {
+            ASSERT_TRUE(QTest::qWaitFor([this] { return store.sources().isEmpty() && !store.isProcessing(); }, 20'000));
+            EXPECT_TRUE(store.activatedFonts().isEmpty());
+        } else {
+            QCoreApplication::processEvents();
+            EXPECT_EQ(store.sources().size(), 1) << answer.answer.toStdString();
+            EXPECT_FALSE(store.isProcessing());
+            EXPECT_EQ(store.activatedFonts().size(), 2);
+        }
+    }
 }
 
 // A row drags through Qt's own drag of the model's data: its file as a copy or a link,

@@ -368,9 +368,12 @@ TEST_F(Sidebar, AddButtonsButtonsAndMenusManageSourcesAndCollections)
     ASSERT_TRUE(kept);
     EXPECT_TRUE(QFile::exists(*kept)) << "a copy kept with the library";
     menu = rightClick(viewportOf(u"New Collection"_s), rect(u"New Collection"_s).center());
+    const std::shared_ptr<QString> asked = answerNextQuestion(u"Delete Collection"_s);
     action(menu, u"Delete Collection"_s)->trigger();
     menu->close();
-    EXPECT_FALSE(find(u"New Collection"_s));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !find(u"New Collection"_s); }));
+    EXPECT_EQ(*asked, u"Delete the collection \u201cNew Collection\u201d?\nIts 1 item stays where it is on disk; "
+                      u"only the collection goes."_s);
     // A source's menu ends with "Remove Source".
     menu = rightClick(viewportOf(u"Extra"_s), rect(u"Extra"_s).center());
     EXPECT_EQ(actionTexts(menu).constLast(), u"Remove Source"_s);

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/common/ContextMenus.h"
+#include "ui/common/Confirmations.h"
 #include "ui/common/LicenseColours.h"
 
 #include "services/LicenseStatus.h"
@@ -97,8 +98,9 @@ QMenu *buildSourceMenu(AppState &state, const FolderSource &source, QWidget *par
     menu->addSeparator();
     addLicenseMenu(menu, state, path);
     menu->addSeparator();
-    QObject::connect(menu->addAction(u"Remove Source"_s), &QAction::triggered, menu,
-                     [&state, source] { state.removeSource(source); });
+    QObject::connect(menu->addAction(u"Remove Source"_s), &QAction::triggered, menu, [&state, source, parent] {
+        Confirmations::removeSource(parent, state, source, [&state, source] { state.removeSource(source); });
+    });
     return menu;
 }
 
@@ -114,8 +116,9 @@ QMenu *buildCollectionMenu(AppState &state, const FontCollection &collection, QW
     const QUuid id = collection.id;
     QObject::connect(removeIcon, &QAction::triggered, menu, [&state, id] { state.setCollectionIcon(id, std::nullopt); });
     menu->addSeparator();
-    QObject::connect(menu->addAction(u"Delete Collection"_s), &QAction::triggered, menu,
-                     [&state, collection] { state.deleteCollection(collection); });
+    QObject::connect(menu->addAction(u"Delete Collection"_s), &QAction::triggered, menu, [&state, collection, parent] {
+        Confirmations::deleteCollection(parent, collection, [&state, collection] { state.deleteCollection(collection); });
+    });
     return menu;
 }
 
