@@ -396,7 +396,6 @@ TEST(MainWindowJumps, AJumpRevealsItsRowsWhereverTheyWereScrolled)
         EXPECT_TRUE(QTest::qWaitFor([&] { return hits->isVisible(); }));
         QTest::mouseClick(hits->viewport(), Qt::LeftButton, {}, hits->visualRect(hits->model()->index(0, 0)).center());
         EXPECT_TRUE(QTest::qWaitFor([&] { return window->browser().isVisible() && window->browser().columns().size() == 2; }));
-        QTest::qWait(50); // the columns lay themselves out after the event that made them
     };
     const auto inView = [](QAbstractItemView *list, const QModelIndex &index) {
         const QRect row = list->visualRect(index);
@@ -411,8 +410,10 @@ TEST(MainWindowJumps, AJumpRevealsItsRowsWhereverTheyWereScrolled)
         jump();
         ASSERT_TRUE(store.selectedSource());
         EXPECT_EQ(store.selectedSource()->path, last) << "round " << round;
-        EXPECT_TRUE(inView(sources, sources->currentIndex())) << "round " << round;
-        EXPECT_TRUE(inView(window->browser().columns().first(), deep50())) << "round " << round;
+        // The columns lay themselves out, and scroll, after the event that made them.
+        EXPECT_TRUE(QTest::qWaitFor([&] { return inView(sources, sources->currentIndex()); })) << "round " << round;
+        EXPECT_TRUE(QTest::qWaitFor([&] { return inView(window->browser().columns().first(), deep50()); }))
+            << "round " << round;
         EXPECT_FALSE(store.shouldScrollToSelection());
         EXPECT_FALSE(store.programmaticNavTarget());
         // The user scrolls both away before the next jump to the same place.
