@@ -53,7 +53,7 @@ QStringList FinderTagService::readTags(const QString &path)
     return tags;
 }
 
-QString FinderTagService::writeRawTags(const QString &path, const QList<QByteArray> &tags)
+QString FinderTagService::writeRawTags(const QString &path, const QList<QByteArray> &tags, int *code)
 {
     const QByteArray encoded = QFile::encodeName(path);
     int result = 0;
@@ -70,7 +70,10 @@ QString FinderTagService::writeRawTags(const QString &path, const QList<QByteArr
     }
     if (result == 0)
         return {};
-    return QString::fromLocal8Bit(std::strerror(errno));
+    const int error = errno;
+    if (code)
+        *code = error;
+    return QString::fromLocal8Bit(std::strerror(error));
 }
 
 QString FinderTagService::writeTags(const QString &path, const QStringList &tags)
@@ -105,8 +108,10 @@ void FinderTagService::setLicenseStatus(LicenseStatus status, const QString &pat
     }
     for (const QString &tag : License::tags(status))
         updated.append(tag.toUtf8());
-    const QString error = writeRawTags(path, updated);
+    int code = 0;
+    const QString error = writeRawTags(path, updated, &code);
     if (!error.isEmpty()) {
+        m_failure = WriteFailure{error, code == ENOTSUP};
         Console::printLine(u"Failed to set Finder tags for "_s + path + u": "_s + error);
         return;
     }

@@ -5,6 +5,9 @@
 
 #include <QByteArray>
 #include <QHash>
+
+#include <optional>
+#include <utility>
 #include <QList>
 #include <QString>
 #include <QStringList>
@@ -23,6 +26,13 @@ public:
     // Replaces the licence tags, keeping every other tag in its order. A failure
     // prints one line and leaves the file and the cache as they were.
     void setLicenseStatus(LicenseStatus status, const QString &path);
+    // What the last failed write met, for the window to tell; taken once.
+    struct WriteFailure
+    {
+        QString error;
+        bool unsupported = false; // the file system keeps no tags at all
+    };
+    std::optional<WriteFailure> takeWriteFailure() { return std::exchange(m_failure, std::nullopt); }
 
     static QStringList readTags(const QString &path);
     // Returns an error description, empty on success.
@@ -31,7 +41,9 @@ public:
 private:
     // The tags as the attribute holds them: bytes, trimmed, empty parts dropped.
     static QList<QByteArray> readRawTags(const QString &path);
-    static QString writeRawTags(const QString &path, const QList<QByteArray> &tags);
+    // `code` receives errno on failure.
+    static QString writeRawTags(const QString &path, const QList<QByteArray> &tags, int *code = nullptr);
 
     QHash<QString, QStringList> m_cache;
+    std::optional<WriteFailure> m_failure;
 };

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <QHash>
 #include <QList>
 #include <QSet>
 #include <QString>
@@ -44,6 +45,10 @@ public:
         Q_UNUSED(reason);
         return {};
     }
+    // Why each font failed for its own sake since the last call (not a font file
+    // fontconfig can read, no longer a regular file, unreadable), by its path, in words
+    // a window can show after the file's name.
+    virtual QHash<QString, QString> takeFailureReasons() { return {}; }
     // Withdraws every activation of ours that is not in `keep`, such as one left behind
     // by a crash in the middle of a batch. Called after repairActivations(), and only
     // with a saved set that was read back whole.

@@ -29,6 +29,9 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+const QString kUnreadable = QStringLiteral("it is not a font file that fontconfig can read");
+
+
 constexpr int kTopCount = 256;
 constexpr qsizetype kMaxNameBytes = 255;
 constexpr qint64 kRebuildIntervalMs = 1000;
@@ -328,8 +331,10 @@ void FontActivationService::setAsideSpecialFiles(const QSet<QString> &shards)
     for (const QString &link : std::as_const(special)) {
         const QString font = m_fontOfLink.value(link);
         Console::printLine(u"Failed to activate font at "_s + font + u": it is no longer a regular file"_s);
-        if (!font.isEmpty())
+        if (!font.isEmpty()) {
             m_turnedDown.append(font);
+            m_failureReasons.insert(font, u"it is no longer a regular file"_s);
+        }
         ::unlink(encoded(link).constData());
         if (m_fontOfLink.contains(link))
             forget(link);
@@ -360,6 +365,7 @@ void FontActivationService::rebuildPending()
         const QString font = m_fontOfLink.value(link);
         Console::printLine(u"Failed to activate font at "_s + font + u": not a font file fontconfig can read"_s);
         m_turnedDown.append(font);
+        m_failureReasons.insert(font, kUnreadable);
         unlinkAndForget(link);
     }
     if (!refused.isEmpty())
@@ -397,8 +403,9 @@ QList<bool> FontActivationService::activateFonts(const QStringList &paths)
 {
     const QMutexLocker lock(&m_mutex);
     QList<bool> results(paths.size(), false);
-    const auto fail = [&](qsizetype i, const QString &reason) {
+    const auto fail = [&](qsizetype i, const QString &reason, const QString &inWords = {}) {
         Console::printLine(u"Failed to activate font at "_s + paths[i] + u": "_s + reason);
+        m_failureReasons.insert(paths[i], inWords.isEmpty() ? reason : inWords);
     };
     if (!ensureReady()) {
         for (qsizetype i = 0; i < paths.size(); ++i) {
@@ -419,16 +426,16 @@ QList<bool> FontActivationService::activateFonts(const QStringList &paths)
             continue;
         else if (::stat(encoded(path).constData(), &info) != 0) {
             const int error = errno;
-            fail(i, errorText(error));
+            fail(i, errorText(error), error == ENOENT ? u"the file is gone"_s : QString());
             // Gone is the font's own fault; a folder that can't be read or a drive that
             // stopped answering is not.
             if (error != ENOENT && error != ENOTDIR)
                 failForSystem(path, errorText(error));
         }
         else if (!S_ISREG(info.st_mode))
-            fail(i, u"not a font file"_s);
+            fail(i, u"not a font file"_s, u"it is not a font file"_s);
         else if (!readsAsFont(path))
-            fail(i, u"not a font file fontconfig can read"_s);
+            fail(i, u"not a font file fontconfig can read"_s, kUnreadable);
         else
             wanted.append(i);
         seen.insert(path);
@@ -481,13 +488,21 @@ QList<bool> FontActivationService::deactivateFonts(const QStringList &paths)
             forget(link);
             m_pendingShards.insert(shardOf(link));
         } else {
-            Console::printLine(u"Failed to deactivate font at "_s + paths[i] + u": "_s + errorText(errno));
+            const QString error = errorText(errno);
+            Console::printLine(u"Failed to deactivate font at "_s + paths[i] + u": "_s + error);
+            m_failureReasons.insert(paths[i], error);
             results[i] = false;
         }
     }
     if (!m_inBatch || m_sinceRebuild.elapsed() >= kRebuildIntervalMs)
         rebuildPending();
     return results;
+}
+
+QHash<QString, QString> FontActivationService::takeFailureReasons()
+{
+    const QMutexLocker lock(&m_mutex);
+    return std::exchange(m_failureReasons, {});
 }
 
 QHash<QString, QString> FontActivationService::links()

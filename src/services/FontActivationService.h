@@ -51,6 +51,7 @@ public:
     QSet<QString> recordedActivations() override;
     void removeActivationsExcept(const QSet<QString> &keep) override;
     QStringList takeSystemFailures(QString *reason) override;
+    QHash<QString, QString> takeFailureReasons() override;
 
     QString linkFolder() const { return m_linkFolder; }
     // $XDG_DATA_HOME/fonts/Morvane, where the application's links live.
@@ -102,6 +103,7 @@ private:
     QSet<QString> m_pendingShards;         // changed, cache not yet rebuilt
     QStringList m_turnedDown;              // fonts fontconfig refused since the batch began
     QStringList m_systemFailures;          // fonts that failed for a reason not their own
+    QHash<QString, QString> m_failureReasons; // why each font failed, in the window's words
     QString m_systemFailureReason;
     bool m_inBatch = false;
     QElapsedTimer m_sinceRebuild;

@@ -66,11 +66,12 @@ bool AppState::waitForBackgroundWork(int msecs)
     return true;
 }
 
-void AppState::setNotice(const QString &notice)
+void AppState::setNotice(const QString &notice, const QStringList &details)
 {
-    if (m_notice == notice)
+    if (m_notice == notice && m_noticeDetails == details)
         return;
     m_notice = notice;
+    m_noticeDetails = details;
     Q_EMIT noticeChanged();
 }
 

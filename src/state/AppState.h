@@ -122,7 +122,9 @@ public:
     // A problem the user must hear of that no view shows by itself (a font folder that
     // can't be written, an icon that can't be used); stays until dismissed or replaced.
     const QString &notice() const { return m_notice; }
-    void setNotice(const QString &notice);
+    // The files a notice is about, one line each with what went wrong; often none.
+    const QStringList &noticeDetails() const { return m_noticeDetails; }
+    void setNotice(const QString &notice, const QStringList &details = {});
     void dismissNotice() { setNotice(QString()); }
 
     // ---- Preview settings (saved in the preferences at once) --------------------
@@ -252,6 +254,8 @@ private:
     void setIsProcessingStalled(bool stalled);
     void setWaitingActivations(QSet<QString> waiting);
     void reportSystemFailures(const QStringList &failed, const QString &reason);
+    void reportFontFailures(const QStringList &failed, const QHash<QString, QString> &reasons, qsizetype total,
+                            bool activate);
     QStringList sourceRoots() const;
     void recordSaveResult(const QString &fileName, const QString &failure);
     QCoro::Task<> toggleFolder(FontNode node);
@@ -318,6 +322,7 @@ private:
     QStringList m_batchSystemFailures; // of the last batch
     QSet<QUuid> m_unavailableSources;
     QString m_notice;
+    QStringList m_noticeDetails;
     // Saving
     QTimer m_saveRetry; // while a save fails, tries again every few seconds
     QString m_saveFailure;

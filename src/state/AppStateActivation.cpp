@@ -9,6 +9,7 @@
 #include <QElapsedTimer>
 #include <QCoroFuture>
 #include <QDir>
+#include <QLocale>
 #include <QPointer>
 #include <QtConcurrent/qtconcurrenttask.h>
 
@@ -91,6 +92,26 @@ QCoro::Task<std::optional<QStringList>> AppState::awaitBatchJob(QFuture<QStringL
     if (first.index() != 0)
         co_return std::nullopt; // given up on: the job may still end, unheard
     co_return job.result();
+}
+
+void AppState::reportFontFailures(const QStringList &failed, const QHash<QString, QString> &reasons, qsizetype total,
+                                  bool activate)
+{
+    if (failed.isEmpty())
+        return;
+    const QString fallback = activate ? tr("it couldn't be activated") : tr("it couldn't be deactivated");
+    if (failed.size() == 1) {
+        const QString &path = failed.constFirst();
+        const QString text = activate ? tr("Couldn't activate \u201c%1\u201d: %2") : tr("Couldn't deactivate \u201c%1\u201d: %2");
+        setNotice(text.arg(path.section(u'/', -1), reasons.value(path, fallback)));
+        return;
+    }
+    QStringList details;
+    for (const QString &path : failed)
+        details.append(path + u" \u2014 "_s + reasons.value(path, fallback));
+    const QLocale locale;
+    const QString text = activate ? tr("%1 of %2 fonts couldn't be activated.") : tr("%1 of %2 fonts couldn't be deactivated.");
+    setNotice(text.arg(locale.toString(failed.size()), locale.toString(total)), details);
 }
 
 void AppState::reportSystemFailures(const QStringList &failed, const QString &reason)
@@ -204,6 +225,7 @@ QCoro::Task<> AppState::batchProcess(QList<FontNode> fonts, bool activate, QStri
     m_abandonBatch.start();
     m_batchSystemFailures.clear();
     bool abandoned = false;
+    QStringList failed; // in the order asked, for the message
     for (qsizetype start = 0; start < total && !abandoned; start += kChunkSize) {
         const QStringList chunk = paths.mid(start, kChunkSize);
         // One job per chunk, awaited before the next: the interface stays free between them.
@@ -232,6 +254,10 @@ QCoro::Task<> AppState::batchProcess(QList<FontNode> fonts, bool activate, QStri
             break;
         }
         const QStringList &succeeded = *outcome;
+        for (const QString &path : chunk) {
+            if (!succeeded.contains(path))
+                failed.append(path);
+        }
         // Changed in place: copying a set of 100,000 paths per chunk would add up.
         bool changed = false;
         for (const QString &path : succeeded) {
@@ -267,6 +293,10 @@ QCoro::Task<> AppState::batchProcess(QList<FontNode> fonts, bool activate, QStri
         QString reason;
         m_batchSystemFailures = service->takeSystemFailures(&reason);
         reportSystemFailures(m_batchSystemFailures, reason);
+        // The font's own failures, unless the system's failure already says it all.
+        const QHash<QString, QString> reasons = service->takeFailureReasons();
+        if (m_batchSystemFailures.isEmpty())
+            reportFontFailures(failed + *turnedDown, reasons, total, activate);
     }
     bool changed = false;
     for (const QString &path : turnedDown.value_or(QStringList()))

@@ -144,6 +144,10 @@ void AppState::setCollectionIcon(const QUuid &id, const std::optional<QString> &
                       .arg(imagePath->section(u'/', -1), failure));
     m_iconCache.clear();
     m_missingIcons.clear();
+    // Kept like any icon, but the user learns now why the row shows none.
+    if (stored && m_iconDecoder && !collectionIcon(*stored))
+        setNotice(tr("Couldn't use \u201c%1\u201d as the collection's icon: it is not an image Morvane can read.")
+                      .arg(imagePath->section(u'/', -1)));
     clearCollectionMemos();
     FontCollection *collection = findCollection(id);
     if (collection->iconPath != stored) {
@@ -251,5 +255,12 @@ std::optional<QImage> AppState::collectionIcon(const QString &iconPath)
 void AppState::setLicenseStatus(LicenseStatus status, const QString &path)
 {
     m_finderTagService.setLicenseStatus(status, path);
+    if (const auto failure = m_finderTagService.takeWriteFailure()) {
+        const QString name = path.section(u'/', -1, -1, QString::SectionSkipEmpty);
+        setNotice(failure->unsupported
+                      ? tr("This file system doesn't keep tags, so the licence status of \u201c%1\u201d can't be "
+                           "kept.").arg(name)
+                      : tr("Couldn't set the licence status of \u201c%1\u201d: %2.").arg(name, failure->error));
+    }
     Q_EMIT licenseTagsChanged();
 }

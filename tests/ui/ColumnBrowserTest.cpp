@@ -544,15 +544,29 @@ public Q_SLOTS:
 
 } // namespace
 
-// With no file manager on the bus, the folder holding the file is opened instead.
-TEST(Reveal, FallsBackToOpeningTheFolder)
+// With no file manager on the bus, the folder holding the file is opened instead; with
+// nothing to open it either, the window says where the file is.
+TEST(Reveal, FallsBackToOpeningTheFolderThenToAMessage)
 {
-    OpenedUrls opened;
-    QDesktopServices::setUrlHandler(u"file"_s, &opened, "open");
     const QString font = writeFile(testRoot() + u"/Fonts/x.ttf"_s);
-    ContextMenus::revealInFileManager(font, QDBusConnection::connectToBus(u"unix:path=/nonexistent/bus"_s, u"nowhere"_s));
-    QDesktopServices::unsetUrlHandler(u"file"_s);
-    EXPECT_EQ(opened.urls, QList<QUrl>{QUrl::fromLocalFile(testRoot() + u"/Fonts"_s)});
+    const QDBusConnection nowhere = QDBusConnection::connectToBus(u"unix:path=/nonexistent/bus"_s, u"nowhere"_s);
+    for (const bool folderOpens : {true, false}) {
+        InstantActivation activation;
+        PersistenceService persistence;
+        AppState store(activation, persistence);
+        OpenedUrls opened;
+        if (folderOpens)
+            QDesktopServices::setUrlHandler(u"file"_s, &opened, "open");
+        ContextMenus::revealInFileManager(store, font, nowhere);
+        QDesktopServices::unsetUrlHandler(u"file"_s);
+        if (folderOpens) {
+            EXPECT_EQ(opened.urls, QList<QUrl>{QUrl::fromLocalFile(testRoot() + u"/Fonts"_s)});
+            EXPECT_TRUE(store.notice().isEmpty());
+        } else {
+            EXPECT_EQ(store.notice(), u"No file manager answered, so \u201cx.ttf\u201d can't be shown. It is in "_s
+                                          + testRoot() + u"/Fonts."_s);
+        }
+    }
 }
 
 #include "ColumnBrowserTest.moc"

@@ -4,12 +4,15 @@
 // the latest changes can't be saved.
 #include "WindowFixture.h"
 
+#include "ui/window/MessageArea.h"
 #include "ui/browser/ColumnBrowserView.h"
 #include "ui/window/ProcessingOverlay.h"
 #include "ui/sidebar/SidebarModel.h"
 #include "ui/sidebar/SidebarView.h"
 #include "ui/window/UnavailableSourceView.h"
 
+#include <QDialog>
+#include <QPlainTextEdit>
 #include <QDir>
 #include <QLabel>
 #include <QPushButton>
@@ -67,13 +70,29 @@ TEST(FaultViews, ASourceThatCantBeReachedSaysSoUntilItIsBack)
 TEST(FaultViews, AMessageStaysUntilDismissed)
 {
     auto window = openWindow();
-    EXPECT_FALSE(window->noticeLabel().isVisible());
+    EXPECT_FALSE(window->messageArea().text().isVisible());
     window->state().setNotice(u"Couldn't use \u201cicon.png\u201d as the collection's icon: it is a folder."_s);
-    EXPECT_TRUE(window->noticeLabel().isVisible());
-    EXPECT_EQ(window->noticeLabel().text(), window->state().notice());
-    QTest::mouseClick(&window->noticeDismissButton(), Qt::LeftButton);
-    EXPECT_FALSE(window->noticeLabel().isVisible());
+    EXPECT_TRUE(window->messageArea().text().isVisible());
+    EXPECT_EQ(window->messageArea().text().text(), window->state().notice());
+    EXPECT_FALSE(window->messageArea().showButton().isVisible()) << "no files to list";
+    QTest::mouseClick(&window->messageArea().dismissButton(), Qt::LeftButton);
+    EXPECT_FALSE(window->messageArea().text().isVisible());
     EXPECT_TRUE(window->state().notice().isEmpty());
+
+    // A message about several files lists them behind "Show"; the next message replaces it.
+    const QStringList files{u"/f/Broken.ttf — it is not a font file that fontconfig can read"_s,
+                            u"/f/Torn.otf — the file is gone"_s};
+    window->state().setNotice(u"2 of 120 fonts couldn't be activated."_s, files);
+    ASSERT_TRUE(window->messageArea().showButton().isVisible());
+    QTest::mouseClick(&window->messageArea().showButton(), Qt::LeftButton);
+    QDialog *list = window->findChild<QDialog *>();
+    ASSERT_TRUE(list);
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(list));
+    EXPECT_EQ(list->findChild<QPlainTextEdit *>()->toPlainText(), files.join(u'\n'));
+    QTest::keyClick(list, Qt::Key_Escape);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !window->findChild<QDialog *>(); })) << "closed and gone";
+    window->state().setNotice(u"Couldn't activate “x.ttf”: the file is gone"_s);
+    EXPECT_FALSE(window->messageArea().showButton().isVisible());
 }
 
 TEST(FaultViews, AJobThatStopsAnsweringCanBeCancelledByKeyboardOrMouse)
@@ -104,7 +123,7 @@ TEST(FaultViews, AJobThatStopsAnsweringCanBeCancelledByKeyboardOrMouse)
             ASSERT_TRUE(QTest::qWaitFor([&] { return !store.isProcessing(); }, 10'000));
         });
         EXPECT_TRUE(store.activatedFonts().isEmpty());
-        EXPECT_TRUE(window->noticeLabel().isVisible());
+        EXPECT_TRUE(window->messageArea().text().isVisible());
         gate.release(); // the stuck call ends, unheard
         ASSERT_TRUE(store.waitForBackgroundWork(10'000));
         ASSERT_TRUE(QTest::qWaitFor([&] { return !overlay.isVisible(); }));

@@ -6,6 +6,7 @@
 #include "services/LicenseStatus.h"
 #include "state/AppState.h"
 
+#include <QCoreApplication>
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDesktopServices>
@@ -20,29 +21,34 @@ namespace ContextMenus {
 
 namespace {
 
-void openContainingFolder(const QString &path)
+void openContainingFolder(AppState &state, const QString &path)
 {
-    QDesktopServices::openUrl(QUrl::fromLocalFile(QFileInfo(path).absolutePath()));
+    if (QDesktopServices::openUrl(QUrl::fromLocalFile(QFileInfo(path).absolutePath())))
+        return;
+    state.setNotice(QCoreApplication::translate("ContextMenus",
+                                                "No file manager answered, so \u201c%1\u201d can't be shown. It is in %2.")
+                        .arg(QFileInfo(path).fileName(), QFileInfo(path).absolutePath()));
 }
 
 } // namespace
 
-void revealInFileManager(const QString &path, const QDBusConnection &bus)
+void revealInFileManager(AppState &state, const QString &path, const QDBusConnection &bus)
 {
     // With no session bus the call ends at once and a watcher would never fire.
     if (!bus.isConnected()) {
-        openContainingFolder(path);
+        openContainingFolder(state, path);
         return;
     }
     QDBusMessage call = QDBusMessage::createMethodCall(u"org.freedesktop.FileManager1"_s, u"/org/freedesktop/FileManager1"_s,
                                                        u"org.freedesktop.FileManager1"_s, u"ShowItems"_s);
     call << QStringList{QUrl::fromLocalFile(path).toString()} << QString();
     auto *watcher = new QDBusPendingCallWatcher(bus.asyncCall(call));
-    QObject::connect(watcher, &QDBusPendingCallWatcher::finished, watcher, [path](QDBusPendingCallWatcher *finished) {
-        if (finished->isError())
-            openContainingFolder(path);
-        finished->deleteLater();
-    });
+    QObject::connect(watcher, &QDBusPendingCallWatcher::finished, &state,
+                     [&state, path](QDBusPendingCallWatcher *finished) {
+                         if (finished->isError())
+                             openContainingFolder(state, path);
+                         finished->deleteLater();
+                     });
 }
 
 void addLicenseMenu(QMenu *menu, AppState &state, const QString &path)
@@ -66,7 +72,7 @@ QMenu *buildNodeMenu(AppState &state, const FontNode &node, QWidget *parent)
     menu->setAccessibleName(node.name().toString());
     const QString path = node.path();
     QObject::connect(menu->addAction(u"Show in File Manager"_s), &QAction::triggered, menu,
-                     [path] { revealInFileManager(path); });
+                     [&state, path] { revealInFileManager(state, path); });
     menu->addSeparator();
     const bool active = state.activationState(node) == ActivationState::Active;
     const QString toggle = node.isDirectory()
@@ -94,7 +100,7 @@ QMenu *buildSourceMenu(AppState &state, const FolderSource &source, QWidget *par
     menu->setAccessibleName(source.name);
     const QString path = source.path;
     QObject::connect(menu->addAction(u"Show in File Manager"_s), &QAction::triggered, menu,
-                     [path] { revealInFileManager(path); });
+                     [&state, path] { revealInFileManager(state, path); });
     menu->addSeparator();
     addLicenseMenu(menu, state, path);
     menu->addSeparator();
@@ -128,7 +134,7 @@ QMenu *buildMemberMenu(AppState &state, const CollectionMember &member, const QU
     menu->setAccessibleName(QFileInfo(member.path).fileName());
     const QString path = member.path;
     QObject::connect(menu->addAction(u"Show in File Manager"_s), &QAction::triggered, menu,
-                     [path] { revealInFileManager(path); });
+                     [&state, path] { revealInFileManager(state, path); });
     menu->addSeparator();
     addLicenseMenu(menu, state, path);
     menu->addSeparator();

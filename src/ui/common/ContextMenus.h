@@ -33,7 +33,9 @@ QMenu *buildMemberMenu(AppState &state, const CollectionMember &member, const QU
 void addLicenseMenu(QMenu *menu, AppState &state, const QString &path);
 
 // Shows the file selected in the desktop's file manager (FileManager1.ShowItems over
-// D-Bus); where no file manager answers, opens the folder holding it.
-void revealInFileManager(const QString &path, const QDBusConnection &bus = QDBusConnection::sessionBus());
+// D-Bus); where no file manager answers, opens the folder holding it; where nothing
+// can open that either, the store's message says so.
+void revealInFileManager(AppState &state, const QString &path,
+                         const QDBusConnection &bus = QDBusConnection::sessionBus());
 
 } // namespace ContextMenus

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/window/MainWindow.h"
+#include "ui/window/MessageArea.h"
 
 #include "ui/collection/CollectionView.h"
 #include "ui/collection/CollectionMemberList.h"
@@ -60,21 +61,8 @@ MainWindow::MainWindow(std::unique_ptr<FontActivating> activation, QWidget *pare
     m_saveFailure->setStyleSheet(u"QLabel { background: #fde2e1; color: #5c1a16; padding: 8px 12px; }"_s);
     m_saveFailure->hide();
     layout->addWidget(m_saveFailure);
-    m_noticeBar = new QWidget(central);
-    m_noticeBar->setObjectName(u"noticeBar"_s);
-    styleNoticeBar();
-    auto *noticeRow = new QHBoxLayout(m_noticeBar);
-    noticeRow->setContentsMargins(12, 6, 8, 6);
-    m_notice = new QLabel(m_noticeBar);
-    m_notice->setAccessibleName(tr("Message"));
-    m_notice->setWordWrap(true);
-    m_notice->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    noticeRow->addWidget(m_notice, 1);
-    m_dismissNotice = new QPushButton(tr("Dismiss"), m_noticeBar);
-    m_dismissNotice->setAccessibleName(m_dismissNotice->text());
-    noticeRow->addWidget(m_dismissNotice, 0, Qt::AlignTop);
-    m_noticeBar->hide();
-    layout->addWidget(m_noticeBar);
+    m_messages = new MessageArea(*m_state, central);
+    layout->addWidget(m_messages);
     // The sidebar is always there: no toggle, and no drag can fold it away.
     m_split = new QSplitter(Qt::Horizontal, central);
     m_split->setChildrenCollapsible(false);
@@ -101,8 +89,6 @@ MainWindow::MainWindow(std::unique_ptr<FontActivating> activation, QWidget *pare
     });
     connect(m_empty, &EmptyStateView::addFolderRequested, this, &MainWindow::addFolders);
     connect(m_state.get(), &AppState::saveFailureChanged, this, &MainWindow::updateSaveFailure);
-    connect(m_state.get(), &AppState::noticeChanged, this, &MainWindow::updateNotice);
-    connect(m_dismissNotice, &QPushButton::clicked, m_state.get(), &AppState::dismissNotice);
     connect(m_state.get(), &AppState::unavailableSourcesChanged, this, &MainWindow::showDetail);
     connect(m_unavailable, &UnavailableSourceView::retryRequested, m_state.get(), &AppState::refreshFileSystem);
     connect(m_state.get(), &AppState::sidebarSelectionChanged, this, &MainWindow::showDetail);
@@ -262,34 +248,6 @@ void MainWindow::updateSaveFailure()
     m_saveFailure->setText(failure.isEmpty() ? QString()
                                              : u"Morvane can't save its library: %1. Changes made now will be lost "
                                                u"when Morvane quits."_s.arg(failure));
-}
-
-// A yellow wash over the window's own colour, with its own text colour: readable on a
-// light and a dark desktop alike.
-void MainWindow::styleNoticeBar()
-{
-    const QColor window = palette().color(QPalette::Window);
-    const bool dark = window.lightness() < 128;
-    const QColor yellow = dark ? QColor(255, 214, 10) : QColor(255, 204, 0);
-    const double share = dark ? 0.18 : 0.28;
-    const QColor wash = QColor::fromRgbF(window.redF() * (1 - share) + yellow.redF() * share,
-                                         window.greenF() * (1 - share) + yellow.greenF() * share,
-                                         window.blueF() * (1 - share) + yellow.blueF() * share);
-    m_noticeBar->setStyleSheet(u"QWidget#noticeBar { background: %1; } QWidget#noticeBar > QLabel { color: %2; }"_s.arg(
-        wash.name(), palette().color(QPalette::WindowText).name()));
-}
-
-void MainWindow::changeEvent(QEvent *event)
-{
-    QMainWindow::changeEvent(event);
-    if (event->type() == QEvent::PaletteChange && m_noticeBar)
-        styleNoticeBar();
-}
-
-void MainWindow::updateNotice()
-{
-    m_notice->setText(m_state->notice());
-    m_noticeBar->setVisible(!m_state->notice().isEmpty());
 }
 
 QString MainWindow::plainReason(const QString &systemError)

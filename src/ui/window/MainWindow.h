@@ -13,6 +13,7 @@ class EmptyStateView;
 class FontActivating;
 class PersistenceService;
 class ProcessingOverlay;
+class MessageArea;
 class QLabel;
 class QSplitter;
 class QStackedWidget;
@@ -64,8 +65,7 @@ public:
     using QuitConfirmation = std::function<bool(const QString &reason)>;
     void setQuitConfirmationForTesting(QuitConfirmation confirm) { m_confirmQuit = std::move(confirm); }
     UnavailableSourceView &unavailableView() { return *m_unavailable; }
-    QLabel &noticeLabel() { return *m_notice; }
-    QPushButton &noticeDismissButton() { return *m_dismissNotice; }
+    MessageArea &messageArea() { return *m_messages; }
     // "the disk is full" for ENOSPC and the like; the system's words otherwise.
     static QString plainReason(const QString &systemError);
 
@@ -73,7 +73,6 @@ public:
 protected:
     void showEvent(QShowEvent *event) override;
     void closeEvent(QCloseEvent *event) override;
-    void changeEvent(QEvent *event) override;
 
 private:
     QWidget *buildDetailColumn(QWidget *parent);
@@ -83,16 +82,12 @@ private:
     void showCollection(const QUuid &id);
     void retireCollectionView();
     void updateSaveFailure();
-    void updateNotice();
-    void styleNoticeBar();
 
     std::unique_ptr<FontActivating> m_activation;
     std::unique_ptr<PersistenceService> m_persistence;
     std::unique_ptr<AppState> m_state;
     QLabel *m_saveFailure = nullptr;
-    QWidget *m_noticeBar = nullptr;
-    QLabel *m_notice = nullptr;
-    QPushButton *m_dismissNotice = nullptr;
+    MessageArea *m_messages = nullptr;
     UnavailableSourceView *m_unavailable = nullptr;
     QuitConfirmation m_confirmQuit;
     QToolBar *m_toolbar = nullptr;
