@@ -102,7 +102,8 @@ public:
     // A batch whose job has made no progress for a while (a file system that stopped
     // answering): the window says so and offers to stop waiting.
     bool isProcessingStalled() const { return m_isProcessingStalled; }
-    // Stops waiting for the running batch: what was done stays done, the rest is left.
+    // Stops the running batch after the chunk in flight (at once when it stalled): what
+    // was done stays done, the rest is left as it was, and the notice says how far it got.
     void cancelBatch();
     // Saved activations that can't be made now: their source folder is missing or
     // unreadable (a drive not mounted), their file can't be reached, or our font folder
@@ -320,6 +321,8 @@ private:
     QPromise<void> m_abandonBatch; // finished by cancelBatch()
     QSet<QString> m_waitingActivations;
     QStringList m_batchSystemFailures; // of the last batch
+    bool m_stopBatch = false;           // asked to stop after the chunk in flight
+    QStringList m_batchUntouched;       // what the last batch, stopped, never reached
     QSet<QUuid> m_unavailableSources;
     QString m_notice;
     QStringList m_noticeDetails;

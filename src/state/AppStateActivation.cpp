@@ -74,8 +74,12 @@ void AppState::saveActivatedFonts()
 
 void AppState::cancelBatch()
 {
-    if (m_isProcessing)
-        m_abandonBatch.finish();
+    if (!m_isProcessing)
+        return;
+    if (m_isProcessingStalled)
+        m_abandonBatch.finish(); // nothing answers: stop waiting now
+    else
+        m_stopBatch = true; // a chunk half done would leave fontconfig behind
 }
 
 QCoro::Task<std::optional<QStringList>> AppState::awaitBatchJob(QFuture<QStringList> job)
@@ -224,9 +228,16 @@ QCoro::Task<> AppState::batchProcess(QList<FontNode> fonts, bool activate, QStri
     m_abandonBatch = QPromise<void>();
     m_abandonBatch.start();
     m_batchSystemFailures.clear();
+    m_batchUntouched.clear();
+    m_stopBatch = false;
     bool abandoned = false;
+    qsizetype reached = 0;
     QStringList failed; // in the order asked, for the message
     for (qsizetype start = 0; start < total && !abandoned; start += kChunkSize) {
+        if (m_stopBatch) {
+            m_batchUntouched = paths.mid(start);
+            break;
+        }
         const QStringList chunk = paths.mid(start, kChunkSize);
         // One job per chunk, awaited before the next: the interface stays free between them.
         // The service is only ever called from jobs: one stuck in the kernel holds it, and
@@ -274,6 +285,7 @@ QCoro::Task<> AppState::batchProcess(QList<FontNode> fonts, bool activate, QStri
             Q_EMIT activatedFontsChanged();
         }
         const qsizetype done = std::min(start + kChunkSize, total);
+        reached = done;
         setProcessing(static_cast<double>(done) / static_cast<double>(total), progressMessage(label, done, total));
     }
     // The system's font list catches up once per batch; what it turns down then is
@@ -295,8 +307,14 @@ QCoro::Task<> AppState::batchProcess(QList<FontNode> fonts, bool activate, QStri
         reportSystemFailures(m_batchSystemFailures, reason);
         // The font's own failures, unless the system's failure already says it all.
         const QHash<QString, QString> reasons = service->takeFailureReasons();
-        if (m_batchSystemFailures.isEmpty())
+        if (!m_batchUntouched.isEmpty()) {
+            const QLocale locale;
+            setNotice((activate ? tr("Stopped after activating %1 of %2 fonts; the others are as they were.")
+                                : tr("Stopped after deactivating %1 of %2 fonts; the others are as they were."))
+                          .arg(locale.toString(reached), locale.toString(total)));
+        } else if (m_batchSystemFailures.isEmpty()) {
             reportFontFailures(failed + *turnedDown, reasons, total, activate);
+        }
     }
     bool changed = false;
     for (const QString &path : turnedDown.value_or(QStringList()))

@@ -187,9 +187,11 @@ QCoro::Task<> AppState::reactivate(QList<FontNode> fonts)
     if (!self)
         co_return;
     // A font that failed because our font folder can't be written is no less wanted:
-    // it waits for the next start, and the saved list keeps it.
-    if (!m_batchSystemFailures.isEmpty())
-        setWaitingActivations(m_waitingActivations + QSet<QString>(m_batchSystemFailures.cbegin(), m_batchSystemFailures.cend()));
+    // it waits for the next start, and the saved list keeps it. So does one a stopped
+    // restore never reached.
+    const QStringList wanted = m_batchSystemFailures + m_batchUntouched;
+    if (!wanted.isEmpty())
+        setWaitingActivations(m_waitingActivations + QSet<QString>(wanted.cbegin(), wanted.cend()));
 }
 
 QCoro::Task<> AppState::restoreWaiting()

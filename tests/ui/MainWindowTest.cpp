@@ -9,6 +9,7 @@
 #include "ui/browser/ColumnBrowserView.h"
 #include "ui/window/EmptyStateView.h"
 #include "ui/window/MainWindow.h"
+#include "ui/window/MessageArea.h"
 #include "ui/window/ProcessingOverlay.h"
 #include "ui/window/ReindexingStrip.h"
 #include "ui/search/SearchResultsView.h"
@@ -19,6 +20,7 @@
 #include "ui/browser/SingleColumnView.h"
 #include "ui/sidebar/SidebarList.h"
 
+#include <QApplication>
 #include <QDir>
 #include <QFileInfo>
 #include <QGraphicsOpacityEffect>
@@ -244,7 +246,7 @@ TEST(MainWindow, ProcessingOverlayShowsTheJobAndSwallowsInput)
     store.toggleActivation(FontNode::folder(library + u"/Batch"_s));
     ASSERT_TRUE(QTest::qWaitFor([&] { return store.isProcessing(); }));
     ProcessingOverlay &overlay = window->overlay();
-    EXPECT_TRUE(overlay.isVisible());
+    ASSERT_TRUE(QTest::qWaitFor([&] { return overlay.isVisible(); })) << "after its first 200 ms";
     EXPECT_EQ(overlay.geometry(), window->rect()) << "toolbar and sidebar included";
     EXPECT_EQ(overlay.message()->text(), u"Activating fonts (0 of 16)..."_s);
     EXPECT_EQ(overlay.percentage()->text(), u"0%"_s);
@@ -260,6 +262,19 @@ TEST(MainWindow, ProcessingOverlayShowsTheJobAndSwallowsInput)
     ASSERT_TRUE(QTest::qWaitFor([&] { return overlay.percentage()->text() == u"50%"_s; }));
     EXPECT_EQ(overlay.message()->text(), u"Activating fonts (8 of 16)..."_s);
     EXPECT_EQ(overlay.bar()->value(), overlay.bar()->maximum() / 2);
+    {
+        // As drawn on the window, through the fade: the filled part follows the figure.
+        ASSERT_TRUE(QTest::qWaitFor([&] { return !overlay.graphicsEffect()->isEnabled(); })) << "the fade-in is over";
+        const QImage shot = window->grab().toImage();
+        const QRect bar(overlay.bar()->mapTo(window.get(), QPoint(0, 0)), overlay.bar()->size());
+        const QColor fill = overlay.bar()->palette().color(QPalette::Highlight);
+        int filled = 0;
+        for (int x = bar.left(); x <= bar.right(); ++x) {
+            const QColor pixel = shot.pixelColor(x, bar.center().y());
+            filled += std::abs(pixel.hue() - fill.hue()) < 12 && pixel.saturation() > 60;
+        }
+        EXPECT_NEAR(double(filled) / bar.width(), 0.5, 0.1);
+    }
     gate.release();
     ASSERT_TRUE(QTest::qWaitFor([&] { return !overlay.isVisible(); }));
     EXPECT_EQ(store.activatedFonts().size(), 16);
@@ -421,3 +436,44 @@ TEST(MainWindowJumps, AJumpRevealsItsRowsWhereverTheyWereScrolled)
         window->browser().columns().first()->scrollToTop();
     }
 }
+
+// A batch over within 200 ms shows no card and leaves the keys where they were; a longer
+// one shows "Cancel", and Escape stops it after the chunk in hand: what was done stays
+// done and saved, the rest is left, and the message area says how far it got.
+TEST(MainWindow, QuickBatchesShowNothingAndLongOnesCanBeStopped)
+{
+    const QString library = TestSupport::makeDir(TestSupport::testRoot() + u"/Fonts"_s);
+    for (int i = 0; i < 24; ++i)
+        TestSupport::writeFile(library + u"/Batch/f%1.ttf"_s.arg(i, 2, 10, QChar(u'0')));
+    saveOneSource(library);
+    QSemaphore gate;
+    auto window = openWindow(std::make_unique<GatedActivation>(gate));
+    AppState &store = window->state();
+    ProcessingOverlay &overlay = window->overlay();
+    window->searchField().lineEdit()->setFocus();
+    bool everShown = false;
+    const QMetaObject::Connection watch = QObject::connect(&store, &AppState::processingProgressChanged, &overlay,
+                                                           [&] { everShown |= overlay.isVisible(); });
+
+    gate.release(1);
+    store.toggleActivation(FontNode::fontFile(library + u"/Batch/f00.ttf"_s));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !store.isProcessing(); }));
+    everShown |= overlay.isVisible();
+    EXPECT_FALSE(everShown) << "a quick toggle flashes no card";
+    EXPECT_EQ(QApplication::focusWidget(), window->searchField().lineEdit());
+    QObject::disconnect(watch);
+
+    store.toggleActivation(FontNode::folder(library + u"/Batch"_s));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return overlay.isVisible(); }));
+    EXPECT_TRUE(overlay.cancelButton()->isVisible());
+    EXPECT_FALSE(overlay.stalledNote()->isVisible());
+    QTest::keyClick(window->windowHandle(), Qt::Key_Escape);
+    gate.release(1); // the chunk in hand ends; no other starts
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !store.isProcessing(); }));
+    EXPECT_EQ(store.activatedFonts().size(), 9) << "f00, then the eight in hand";
+    EXPECT_EQ(store.notice(), u"Stopped after activating 8 of 24 fonts; the others are as they were."_s);
+    EXPECT_TRUE(window->messageArea().isVisible());
+    EXPECT_TRUE(QTest::qWaitFor([&] { return PersistenceService().loadActivatedFonts() == store.activatedFonts(); }))
+        << "saved as it stands";
+}
+

@@ -27,6 +27,9 @@ constexpr int kCardPadding = 24;
 constexpr qreal kCardRadius = 12;
 constexpr int kFadeMs = 150;
 constexpr int kBarSteps = 1000;
+// A batch over sooner shows nothing: a card that flashes for a few milliseconds is noise,
+// and a screen reader would announce it.
+constexpr int kShowDelayMs = 200;
 
 } // namespace
 
@@ -77,17 +80,20 @@ ProcessingOverlay::ProcessingOverlay(AppState &state, QWidget *window)
     column->addWidget(m_stalled);
     m_cancel->setText(tr("Cancel"));
     m_cancel->setAccessibleName(m_cancel->text());
-    m_cancel->hide();
+    m_cancel->setAccessibleDescription(tr("Stops after the fonts being worked on now; what is done stays done"));
     connect(m_cancel, &QPushButton::clicked, &state, &AppState::cancelBatch);
     column->addWidget(m_cancel, 0, Qt::AlignHCenter);
     connect(&state, &AppState::isProcessingStalledChanged, this, [this] {
         const bool stalled = m_state.isProcessingStalled();
         m_stalled->setVisible(stalled);
-        m_cancel->setVisible(stalled);
         if (stalled && m_state.isProcessing())
-            m_cancel->setFocus(Qt::OtherFocusReason);
-        else if (isVisible() && m_state.isProcessing())
-            setFocus(Qt::OtherFocusReason);
+            appear(); // a stuck job shows at once, however young
+    });
+    m_showDelay.setSingleShot(true);
+    m_showDelay.setInterval(kShowDelayMs);
+    connect(&m_showDelay, &QTimer::timeout, this, [this] {
+        if (m_state.isProcessing())
+            appear();
     });
 
     setGraphicsEffect(m_fade);
@@ -110,29 +116,43 @@ ProcessingOverlay::ProcessingOverlay(AppState &state, QWidget *window)
 void ProcessingOverlay::follow()
 {
     refresh();
-    const bool processing = m_state.isProcessing();
+    if (m_state.isProcessing()) {
+        if (isHidden() && !m_showDelay.isActive())
+            m_showDelay.start();
+        return;
+    }
+    m_showDelay.stop();
+    if (isHidden())
+        return; // over before it showed
+    // Keys go back where they were while the overlay fades.
+    clearFocus();
+    if (m_focusBefore)
+        m_focusBefore->setFocus(Qt::OtherFocusReason);
     m_animation->stop();
     m_fade->setEnabled(true);
     m_animation->setStartValue(m_fade->opacity());
-    m_animation->setEndValue(processing ? 1.0 : 0.0);
-    if (processing) {
-        if (isHidden()) {
-            m_fade->setOpacity(0);
-            m_animation->setStartValue(0.0);
-            QWidget *focus = window()->focusWidget();
-            m_focusBefore = focus != this ? focus : nullptr;
-        }
-        setGeometry(parentWidget()->rect());
-        show();
-        raise();
-        setFocus(Qt::OtherFocusReason);
-    } else if (isVisible()) {
-        // Keys go back where they were while the overlay fades.
-        clearFocus();
-        if (m_focusBefore)
-            m_focusBefore->setFocus(Qt::OtherFocusReason);
-    }
+    m_animation->setEndValue(0.0);
     m_animation->start();
+}
+
+void ProcessingOverlay::appear()
+{
+    m_showDelay.stop();
+    if (isHidden()) {
+        QWidget *focus = window()->focusWidget();
+        m_focusBefore = focus != this ? focus : nullptr;
+        m_animation->stop();
+        m_fade->setEnabled(true);
+        m_fade->setOpacity(0);
+        m_animation->setStartValue(0.0);
+        m_animation->setEndValue(1.0);
+        m_animation->start();
+    }
+    setGeometry(parentWidget()->rect());
+    show();
+    raise();
+    // The one button takes the keys: Space or Enter cancel, as Escape does anywhere here.
+    m_cancel->setFocus(Qt::OtherFocusReason);
 }
 
 void ProcessingOverlay::refresh()
@@ -160,7 +180,7 @@ bool ProcessingOverlay::event(QEvent *event)
         // Quitting is never held up by a job (it waits for the chunk in flight).
         if (key->matches(QKeySequence::Quit) || key->keyCombination() == QKeyCombination(Qt::ControlModifier, Qt::Key_Q))
             return QWidget::event(event);
-        if (key->key() == Qt::Key_Escape && m_state.isProcessingStalled() && event->type() == QEvent::KeyPress) {
+        if (key->key() == Qt::Key_Escape && event->type() == QEvent::KeyPress) {
             m_state.cancelBatch();
             return true;
         }

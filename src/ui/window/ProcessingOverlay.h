@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QPointer>
+#include <QTimer>
 #include <QWidget>
 
 class AppState;
@@ -13,8 +14,9 @@ class QPropertyAnimation;
 
 // While a batch job runs: the whole window dimmed under a card with the job's message,
 // a progress bar and the percentage. Nothing beneath it takes the mouse or the keyboard,
-// menu shortcuts included (but Quit). It fades in and out. A job that stops making
-// progress gets a note and "Cancel" (Escape), so no stuck file holds the window.
+// menu shortcuts included (but Quit). It shows only once the job has run 200 ms, and
+// fades in and out. "Cancel" (or Escape) stops the job after the fonts in hand; a job
+// that stops making progress gets a note, and Cancel then stops waiting at once.
 class ProcessingOverlay : public QWidget
 {
     Q_OBJECT
@@ -25,7 +27,7 @@ public:
     QLabel *message() const { return m_message; }
     QLabel *percentage() const { return m_percentage; }
     QProgressBar *bar() const { return m_bar; }
-    // Shown when the job stops making progress: why, and a way to stop waiting.
+    // Shown when the job stops making progress: why.
     QLabel *stalledNote() const { return m_stalled; }
     QPushButton *cancelButton() const { return m_cancel; }
     // What "99%" reads at 0.999: the progress in whole per cent, cut, never rounded up.
@@ -39,6 +41,7 @@ protected:
 
 private:
     void follow();
+    void appear();
     void refresh();
 
     AppState &m_state;
@@ -51,4 +54,5 @@ private:
     QGraphicsOpacityEffect *m_fade;
     QPropertyAnimation *m_animation;
     QPointer<QWidget> m_focusBefore;
+    QTimer m_showDelay;
 };
