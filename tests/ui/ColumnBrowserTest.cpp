@@ -394,8 +394,9 @@ TEST_F(Browser, TheSourceMenuAsksBeforeRemovingTheSource)
     } answers[] = {{QString(), false}, {u"Cancel"_s, false}, {u"Remove Source"_s, true}};
     for (const auto &answer : answers) {
         std::unique_ptr<QMenu> menu(ContextMenus::buildSourceMenu(store, store.sources().first(), &view));
-        EXPECT_EQ(titles(menu.get()), (QStringList{u"Show in File Manager"_s, u"-"_s, u"License Status"_s, u"-"_s,
-                                                   u"Remove Source"_s}));
+        EXPECT_EQ(titles(menu.get()), (QStringList{u"Activate All Fonts in Source"_s, u"-"_s, u"Show in File Manager"_s,
+                                                   u"-"_s, u"License Status"_s, u"-"_s, u"Remove Source"_s}))
+            << "mixed: not all its fonts are active";
         const std::shared_ptr<QString> asked = answerNextQuestion(answer.answer);
         item(menu.get(), u"Remove Source"_s)->trigger();
         ASSERT_TRUE(QTest::qWaitFor([&] { return !asked->isEmpty(); }));

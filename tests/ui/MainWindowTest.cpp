@@ -16,17 +16,21 @@
 #include "ui/sidebar/SidebarModel.h"
 #include "ui/sidebar/SidebarView.h"
 #include "ui/window/ToolbarInputField.h"
+#include "ui/preview/FontPreviewView.h"
 #include "ui/browser/FontNodeListModel.h"
 #include "ui/browser/SingleColumnView.h"
 #include "ui/sidebar/SidebarList.h"
 
 #include <QApplication>
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QGraphicsOpacityEffect>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenuBar>
+#include <QMenu>
+#include <QTimer>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QSemaphore>
@@ -475,5 +479,90 @@ TEST(MainWindow, QuickBatchesShowNothingAndLongOnesCanBeStopped)
     EXPECT_TRUE(window->messageArea().isVisible());
     EXPECT_TRUE(QTest::qWaitFor([&] { return PersistenceService().loadActivatedFonts() == store.activatedFonts(); }))
         << "saved as it stands";
+}
+
+
+// Tab walks the window in one order and changes nothing that is chosen or shown: the
+// sidebar's lists and their add buttons, the search field, the browser's columns, then
+// the preview's controls; Shift+Tab walks back.
+TEST(MainWindowKeys, TabWalksInOneOrderAndChoosesNothing)
+{
+    const QString library = TestSupport::makeDir(TestSupport::testRoot() + u"/Fonts"_s);
+    TestSupport::makeDir(library + u"/Sans"_s);
+    QFile::copy(u"/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf"_s, library + u"/Sans/DejaVuSans.ttf"_s);
+    saveOneSource(library);
+    auto window = openWindow();
+    AppState &store = window->state();
+    store.createCollection(u"Picks"_s);
+    store.setSidebarSelection(SidebarItem(store.sources().first()));
+    store.selectNode(FontNode::folder(library + u"/Sans"_s), 0);
+    store.selectNode(FontNode::fontFile(library + u"/Sans/DejaVuSans.ttf"_s), 1);
+    ASSERT_TRUE(window->browser().previewPane());
+    window->activateWindow();
+    window->sidebar().sourcesList()->setFocus(Qt::OtherFocusReason);
+    const auto chosen = [&] {
+        return QStringList{store.sidebarSelection() ? store.sidebarSelection()->payloadId().toString() : QString(),
+                           store.searchQuery(),
+                           store.selectedFont() ? store.selectedFont()->path() : QString(),
+                           QString::number(store.navigationPath().size())};
+    };
+    const QStringList before = chosen();
+    const QStringList expected{u"Sources"_s, u"Collections"_s, u"Add a font folder source"_s, u"New Collection"_s,
+                               u"Search"_s, u"Column 1"_s, u"Column 2"_s, u"Preview"_s};
+    for (const Qt::Key key : {Qt::Key_Tab, Qt::Key_Backtab}) {
+        QStringList order;
+        for (qsizetype step = 0; step < expected.size(); ++step) {
+            QWidget *focus = QApplication::focusWidget();
+            ASSERT_TRUE(focus);
+            order.append(focus->accessibleName());
+            QTest::keyClick(focus, key);
+            EXPECT_EQ(chosen(), before) << "after " << order.last().toStdString();
+            EXPECT_EQ(window->detail(), &window->browser()) << "after " << order.last().toStdString();
+        }
+        if (key == Qt::Key_Tab) {
+            EXPECT_EQ(order, expected);
+            window->browser().previewPane()->setFocus(Qt::OtherFocusReason); // walk back from the end
+        } else {
+            QStringList reversed(expected.crbegin(), expected.crend());
+            EXPECT_EQ(order, reversed);
+        }
+    }
+}
+
+// The keys reach what the mouse reaches: Space on a sidebar row toggles it, Shift+F10
+// opens the menu of what has the keys (and its activation item works), and Down in the
+// search field goes on to the hits.
+TEST(MainWindowKeys, SpaceShiftF10AndDownDoWhatTheMouseDoes)
+{
+    const QString library = WindowFixture::saveSansLibrary();
+    auto window = openWindow();
+    AppState &store = window->state();
+    window->activateWindow();
+    SidebarList *sources = window->sidebar().sourcesList();
+    sources->setFocus(Qt::OtherFocusReason);
+    QTest::keyClick(sources, Qt::Key_Space);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return store.activatedFonts().size() == 1 && !store.isProcessing(); }));
+
+    QMenu *menu = nullptr;
+    QTimer::singleShot(0, [&] {
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_F10, Qt::ShiftModifier);
+        menu = sources->findChild<QMenu *>();
+    });
+    ASSERT_TRUE(QTest::qWaitFor([&] { return menu && menu->isVisible(); }));
+    EXPECT_EQ(menu->actions().first()->text(), u"Deactivate All Fonts in Source"_s);
+    menu->actions().first()->trigger();
+    menu->close();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return store.activatedFonts().isEmpty() && !store.isProcessing(); }));
+
+    QLineEdit *field = window->searchField().lineEdit();
+    field->setFocus(Qt::OtherFocusReason);
+    QTest::keyClicks(field, u"Sans"_s);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return store.searchResults().size() == 1 && window->searchResults().list()->isVisible(); }));
+    QTest::keyClick(field, Qt::Key_Down);
+    EXPECT_EQ(QApplication::focusWidget(), window->searchResults().list());
+    EXPECT_EQ(window->searchResults().list()->currentIndex().row(), 0);
+    EXPECT_EQ(store.searchQuery(), u"Sans"_s) << "moving into the hits keeps the search";
+    QTest::keyClick(window->searchResults().list(), Qt::Key_Return);
+    EXPECT_EQ(store.navigationPath().value(0).path(), library + u"/Sans"_s);
 }
 

@@ -264,7 +264,8 @@ TEST_F(Sidebar, RenameCommitsWithEnterAndCancelsWithEscape)
     QMenu *menu = rightClick(viewportOf(u"Clients"_s), rect(u"Clients"_s).center());
     ASSERT_TRUE(menu);
     EXPECT_EQ(actionTexts(menu),
-              (QStringList{u"Rename"_s, u"Set Custom Icon…"_s, u"Remove Custom Icon"_s, QString(), u"Delete Collection"_s}));
+              (QStringList{u"Activate All Fonts in Collection"_s, QString(), u"Rename"_s, u"Set Custom Icon…"_s,
+                           u"Remove Custom Icon"_s, QString(), u"Delete Collection"_s}));
     action(menu, u"Rename"_s)->trigger();
     menu->close();
     field = qobject_cast<QLineEdit *>(QApplication::focusWidget());
@@ -485,6 +486,7 @@ TEST_F(Sidebar, ChangesElsewhereLeaveWhatTheUserChoseInPlace)
     QAbstractItemModelTester tester(model(), QAbstractItemModelTester::FailureReportingMode::QtTest);
     QSignalSpy resets(model(), &QAbstractItemModel::modelReset);
     SidebarList *collections = list(u"C20"_s);
+    collections->scrollTo(collections->indexForRow(rowOf(u"C20"_s))); // as the wheel brings it
     click(u"C20"_s);
     ASSERT_EQ(store.selectedCollection()->id, shown);
     const int scrolled = collections->verticalScrollBar()->value();

@@ -63,6 +63,7 @@ ColumnBrowserView::ColumnBrowserView(AppState &state, QWidget *parent)
 
     m_scroll = new QScrollArea(this);
     m_scroll->setAccessibleName(u"Columns"_s);
+    m_scroll->setFocusPolicy(Qt::NoFocus); // the columns themselves take the keys
     m_scroll->setFrameShape(QFrame::NoFrame);
     m_scroll->setWidgetResizable(true);
     m_scroll->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);

@@ -91,7 +91,8 @@ CollectionView::CollectionView(AppState &state, QUuid collectionId, QWidget *par
     connect(&state, &AppState::collectionsChanged, this, &CollectionView::syncHeader);
     connect(&state, &AppState::activatedFontsChanged, this, &CollectionView::syncHeader);
     connect(&state, &AppState::cachedColumnsChanged, this, &CollectionView::syncHeader);
-    connect(m_list->selectionModel(), &QItemSelectionModel::currentChanged, this, &CollectionView::syncPreview);
+    // The selected member, not merely the current one: Tab into the list shows nothing new.
+    connect(m_list->selectionModel(), &QItemSelectionModel::selectionChanged, this, &CollectionView::syncPreview);
     connect(m_list->memberModel(), &QAbstractItemModel::modelReset, this, &CollectionView::syncPreview);
     syncHeader();
 }
@@ -127,7 +128,8 @@ void CollectionView::syncHeader()
 
 void CollectionView::syncPreview()
 {
-    const QModelIndex current = m_list->currentIndex();
+    const QModelIndexList chosen = m_list->selectionModel()->selectedIndexes();
+    const QModelIndex current = chosen.isEmpty() ? QModelIndex() : chosen.constFirst();
     const CollectionMember member = current.isValid() ? m_list->memberModel()->members().value(current.row())
                                                       : CollectionMember{};
     const bool showFont = current.isValid() && !member.isDirectory

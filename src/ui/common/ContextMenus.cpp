@@ -99,6 +99,13 @@ QMenu *buildSourceMenu(AppState &state, const FolderSource &source, QWidget *par
     auto *menu = new QMenu(parent);
     menu->setAccessibleName(source.name);
     const QString path = source.path;
+    // The row's round button, for the keyboard and for those who look in menus first.
+    const FontNode root = FontNode::folder(path);
+    const bool active = state.activationState(root) == ActivationState::Active;
+    QObject::connect(menu->addAction(active ? QCoreApplication::translate("ContextMenus", "Deactivate All Fonts in Source")
+                                            : QCoreApplication::translate("ContextMenus", "Activate All Fonts in Source")),
+                     &QAction::triggered, menu, [&state, root] { state.toggleActivation(root); });
+    menu->addSeparator();
     QObject::connect(menu->addAction(u"Show in File Manager"_s), &QAction::triggered, menu,
                      [&state, path] { revealInFileManager(state, path); });
     menu->addSeparator();
@@ -115,6 +122,11 @@ QMenu *buildCollectionMenu(AppState &state, const FontCollection &collection, QW
 {
     auto *menu = new QMenu(parent);
     menu->setAccessibleName(collection.name);
+    const bool active = state.collectionActivationState(collection) == ActivationState::Active;
+    QObject::connect(menu->addAction(active ? QCoreApplication::translate("ContextMenus", "Deactivate All Fonts in Collection")
+                                            : QCoreApplication::translate("ContextMenus", "Activate All Fonts in Collection")),
+                     &QAction::triggered, menu, [&state, collection] { state.toggleCollectionActivation(collection); });
+    menu->addSeparator();
     QObject::connect(menu->addAction(u"Rename"_s), &QAction::triggered, menu, rename);
     QObject::connect(menu->addAction(u"Set Custom Icon…"_s), &QAction::triggered, menu, pickIcon);
     QAction *removeIcon = menu->addAction(u"Remove Custom Icon"_s);

@@ -35,13 +35,7 @@ SidebarList::SidebarList(SidebarView &sidebar, AppState &state, SidebarModel *mo
     // Rows the store added or took away move the current row; that is not a choice.
     connect(model, &SidebarModel::aboutToSync, this, [this] { m_syncing = true; });
     connect(model, &SidebarModel::synced, this, [this] { m_syncing = false; });
-    connect(m_delegate, &SidebarDelegate::activationClicked, this, [this](const QModelIndex &index) {
-        const std::optional<SidebarItem> item = m_model->item(rowOf(index));
-        if (const FolderSource *source = item ? item->source() : nullptr)
-            m_state.toggleActivation(FontNode::folder(source->path));
-        else if (const FontCollection *collection = item ? item->collection() : nullptr)
-            m_state.toggleCollectionActivation(*collection);
-    });
+    connect(m_delegate, &SidebarDelegate::activationClicked, this, &SidebarList::toggle);
     setSelectionMode(QAbstractItemView::SingleSelection);
     setEditTriggers(collections ? QAbstractItemView::EditKeyPressed : QAbstractItemView::NoEditTriggers); // F2
     setMouseTracking(true);
@@ -50,6 +44,15 @@ SidebarList::SidebarList(SidebarView &sidebar, AppState &state, SidebarModel *mo
     setFrameShape(QFrame::NoFrame);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     viewport()->setAutoFillBackground(false);
+}
+
+void SidebarList::toggle(const QModelIndex &index)
+{
+    const std::optional<SidebarItem> item = m_model->item(rowOf(index));
+    if (const FolderSource *source = item ? item->source() : nullptr)
+        m_state.toggleActivation(FontNode::folder(source->path));
+    else if (const FontCollection *collection = item ? item->collection() : nullptr)
+        m_state.toggleCollectionActivation(*collection);
 }
 
 QModelIndex SidebarList::indexForRow(int row) const
@@ -110,12 +113,15 @@ void SidebarList::syncSelection(bool reveal)
     m_syncing = false;
 }
 
-void SidebarList::currentChanged(const QModelIndex &current, const QModelIndex &previous)
+// A row the user selects, by click or key, becomes the store's choice. Only a selection
+// counts: Tab into the list makes a row current without selecting it, and choosing
+// nothing must not change what the window shows.
+void SidebarList::selectionChanged(const QItemSelection &selected, const QItemSelection &deselected)
 {
-    QListView::currentChanged(current, previous);
-    if (m_syncing || !current.isValid())
+    QListView::selectionChanged(selected, deselected);
+    if (m_syncing || selected.indexes().isEmpty())
         return;
-    if (const std::optional<SidebarItem> item = m_model->item(rowOf(current)))
+    if (const std::optional<SidebarItem> item = m_model->item(rowOf(selected.indexes().constFirst())))
         m_state.setSidebarSelection(item);
 }
 
@@ -126,6 +132,12 @@ void SidebarList::keyPressEvent(QKeyEvent *event)
         const int current = rowOf(currentIndex());
         if (event->key() == Qt::Key_Right) {
             m_sidebar.handOver();
+            event->accept();
+            return;
+        }
+        // Space toggles the row's activation, as in the browser.
+        if (event->key() == Qt::Key_Space && current >= 0) {
+            toggle(indexForRow(current));
             event->accept();
             return;
         }

@@ -38,10 +38,11 @@ protected:
     void dropEvent(QDropEvent *event) override;
     void focusInEvent(QFocusEvent *event) override;
     void focusOutEvent(QFocusEvent *event) override;
-    void currentChanged(const QModelIndex &current, const QModelIndex &previous) override;
+    void selectionChanged(const QItemSelection &selected, const QItemSelection &deselected) override;
 
 private:
     int collectionRowAt(const QPoint &point) const;
+    void toggle(const QModelIndex &index); // the row's activation
     void setDropRow(int row);
 
     SidebarView &m_sidebar;

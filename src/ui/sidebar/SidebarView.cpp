@@ -82,6 +82,7 @@ QWidget *SidebarView::header(const QString &title, const QString &tip, int gap, 
     button->setToolTip(tip);
     button->setAccessibleName(tip);
     connect(button, &QToolButton::clicked, this, add);
+    m_lastTabStop = button; // the collections' header is made last
     layout->addWidget(button);
     return bar;
 }

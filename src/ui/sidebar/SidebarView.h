@@ -28,6 +28,8 @@ public:
     SidebarModel *sidebarModel() const { return m_model; }
     SidebarList *sourcesList() const { return m_sources; }
     SidebarList *collectionsList() const { return m_collections; }
+    // The sidebar's last stop for Tab: the "New Collection" button.
+    QWidget *lastTabStop() const { return m_lastTabStop; }
     // The list that shows a model row.
     SidebarList *listShowing(int row) const;
 
@@ -60,6 +62,7 @@ private:
     SidebarModel *m_model;
     SidebarList *m_sources;
     SidebarList *m_collections;
+    QWidget *m_lastTabStop = nullptr;
     std::function<QStringList()> m_chooseFolders;
     std::function<QString()> m_chooseIcon;
 };

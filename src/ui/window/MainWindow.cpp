@@ -17,6 +17,9 @@
 #include "services/PersistenceService.h"
 #include "state/AppState.h"
 
+#include <QKeyEvent>
+#include <QContextMenuEvent>
+#include <QApplication>
 #include <QAction>
 #include <QCloseEvent>
 #include <QHBoxLayout>
@@ -152,6 +155,8 @@ void MainWindow::buildToolbar()
     find->setShortcutContext(Qt::WindowShortcut);
     connect(find, &QAction::triggered, m_search, &ToolbarInputField::focusField);
     addAction(find);
+    // Tab: the sidebar, then the search field, then the browser, as they read.
+    setTabOrder(m_sidebar->lastTabStop(), m_search->lineEdit());
 }
 
 // The field, the store's query and the sidebar's selection keep in step: typing ends
@@ -162,6 +167,15 @@ void MainWindow::watchSearch()
     connect(m_search, &ToolbarInputField::draftChanged, this,
             [this](const QString &draft) { m_state->setSearchQuery(AppState::trimmedQuery(draft)); });
     connect(m_search, &ToolbarInputField::cleared, this, [this] { m_state->setSearchQuery(QString()); });
+    // Down from the field into the hits, the first one current.
+    connect(m_search, &ToolbarInputField::downPressed, this, [this] {
+        SearchResultsList *hits = m_results->list();
+        if (!m_state->isSearching() || !hits->isVisible() || hits->model()->rowCount() == 0)
+            return;
+        hits->setFocus(Qt::TabFocusReason);
+        if (!hits->currentIndex().isValid())
+            hits->setCurrentIndex(hits->model()->index(0, 0));
+    });
     connect(m_state.get(), &AppState::searchQueryChanged, this, [this] {
         if (!m_state->searchQuery().isEmpty()) {
             m_state->setSidebarSelection(std::nullopt);
@@ -226,6 +240,20 @@ void MainWindow::showCollection(const QUuid &id)
         m_detail->addWidget(m_collection);
     }
     m_detail->setCurrentWidget(m_collection);
+}
+
+// Shift+F10 opens the context menu of whatever has the keys, as the Menu key does;
+// widgets pass it up to here because none of them takes it.
+void MainWindow::keyPressEvent(QKeyEvent *event)
+{
+    QWidget *focus = QApplication::focusWidget();
+    if (event->key() == Qt::Key_F10 && event->modifiers() == Qt::ShiftModifier && focus && focus->window() == this) {
+        QContextMenuEvent menu(QContextMenuEvent::Keyboard, focus->rect().center(), focus->mapToGlobal(focus->rect().center()));
+        QApplication::sendEvent(focus, &menu);
+        event->accept();
+        return;
+    }
+    QMainWindow::keyPressEvent(event);
 }
 
 void MainWindow::addFolders()

@@ -130,6 +130,11 @@ bool ToolbarInputField::eventFilter(QObject *watched, QEvent *event)
         clear();
         return true;
     }
+    if (watched == m_edit && event->type() == QEvent::KeyPress &&
+        static_cast<QKeyEvent *>(event)->key() == Qt::Key_Down) {
+        Q_EMIT downPressed();
+        return true;
+    }
     return QWidget::eventFilter(watched, event);
 }
 

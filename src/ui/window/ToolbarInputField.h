@@ -27,6 +27,8 @@ Q_SIGNALS:
     void draftChanged(const QString &draft);
     // After the clear button or Escape emptied the draft.
     void cleared();
+    // Down in the field: the keys go on to what the field found.
+    void downPressed();
 
 protected:
     void paintEvent(QPaintEvent *event) override;
