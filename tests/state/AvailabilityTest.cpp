@@ -180,7 +180,7 @@ TEST(Availability, AChangeMadeOnAFullDiskIsSavedOnceThereIsRoom)
         const QString filler = fillUp(storage());
         QSignalSpy failed(&store, &AppState::saveFailureChanged);
         store.createCollection(u"Kept"_s);
-        ASSERT_TRUE(failed.wait());
+        ASSERT_TRUE(failed.wait(15'000));
         EXPECT_EQ(store.saveFailure(), u"No space left on device"_s);
         // Room again: written within a few seconds, without another change.
         ASSERT_TRUE(QFile::remove(filler));
@@ -190,7 +190,7 @@ TEST(Availability, AChangeMadeOnAFullDiskIsSavedOnceThereIsRoom)
         // Full again, a second change, room again, and quitting at once: saved on the way out.
         const QString again = fillUp(storage());
         store.createCollection(u"Second"_s);
-        ASSERT_TRUE(failed.wait());
+        ASSERT_TRUE(failed.wait(15'000));
         EXPECT_FALSE(store.saveFailure().isEmpty());
         ASSERT_TRUE(QFile::remove(again));
     }
