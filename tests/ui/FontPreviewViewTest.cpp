@@ -14,6 +14,7 @@
 #include "ui/browser/FontNodeListModel.h"
 #include "ui/preview/FontPreviewView.h"
 #include "ui/preview/SampleView.h"
+#include "ui/common/WheelGuard.h"
 #include "ui/browser/SingleColumnView.h"
 
 #include <QApplication>
@@ -27,6 +28,7 @@
 #include <QScrollBar>
 #include <QSemaphore>
 #include <QSignalSpy>
+#include <QWheelEvent>
 #include <QSlider>
 #include <QStyleOptionButton>
 #include <QTest>
@@ -502,4 +504,33 @@ TEST_F(Preview, AFileChangedWhileShownIsReadAgain)
     EXPECT_EQ(named<QLabel>(u"Font status"_s)->text(), u"Unable to read font metadata"_s);
     EXPECT_EQ(named<QLabel>(u"Sample"_s)->text(), u"Unable to preview this font"_s);
     EXPECT_FALSE(view.previewPane()->sample()->isVisible());
+}
+
+// The wheel over a slider scrolls the pane and changes nothing;
+// once the control has the keys, the wheel is its own.
+TEST_F(Preview, TheWheelScrollsPastControlsUntilTheyHaveTheKeys)
+{
+    WheelGuard::install(&view);
+    view.resize(1400, 360); // the pane scrolls
+    ASSERT_TRUE(open(u"Axes.ttf"_s));
+    QScrollBar *scroll = view.previewPane()->verticalScrollBar();
+    ASSERT_GT(scroll->maximum(), 0);
+    const auto turn = [](QWidget *target) {
+        const QPointF at = QRectF(target->rect()).center();
+        QWheelEvent wheel(at, target->mapToGlobal(at), QPoint(), QPoint(0, -120), Qt::NoButton, Qt::NoModifier,
+                          Qt::NoScrollPhase, false);
+        QApplication::sendEvent(target, &wheel);
+    };
+    for (QSlider *control : {named<QSlider>(u"Weight"_s), named<QSlider>(u"Preview size"_s)}) {
+        ASSERT_TRUE(control);
+        column()->setFocus();
+        scroll->setValue(0);
+        const int value = control->value();
+        turn(control);
+        EXPECT_EQ(control->value(), value) << control->accessibleName().toStdString();
+        EXPECT_GT(scroll->value(), 0) << "the pane scrolled";
+        control->setFocus();
+        turn(control);
+        EXPECT_NE(control->value(), value) << control->accessibleName().toStdString();
+    }
 }

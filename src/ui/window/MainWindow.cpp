@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/window/MainWindow.h"
 #include "ui/window/MessageArea.h"
+#include "ui/common/WheelGuard.h"
 
 #include "ui/collection/CollectionView.h"
 #include "ui/collection/CollectionMemberList.h"
@@ -52,6 +53,7 @@ MainWindow::MainWindow(std::unique_ptr<FontActivating> activation, QWidget *pare
     setWindowTitle(QString()); // the desktop shows the application's name
     setWindowIcon(QIcon::fromTheme(u"org.morvane.Morvane"_s, QIcon(u":/morvane/org.morvane.Morvane.svg"_s)));
     setMinimumSize(900, 500);
+    WheelGuard::install(this);
     resize(1100, 650);
     auto *central = new QWidget(this);
     auto *layout = new QVBoxLayout(central);
