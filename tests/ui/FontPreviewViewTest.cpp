@@ -29,6 +29,7 @@
 #include <QSemaphore>
 #include <QSignalSpy>
 #include <QWheelEvent>
+#include <QAccessible>
 #include <QSlider>
 #include <QStyleOptionButton>
 #include <QTest>
@@ -109,7 +110,9 @@ protected:
     Widget *named(const QString &name, bool visibleOnly = true) const
     {
         for (Widget *widget : view.previewPane()->findChildren<Widget *>()) {
-            if (widget->accessibleName() == name && (!visibleOnly || widget->isVisible()))
+            // Labels are named by their text; the tests find them by what they show.
+            const bool matches = widget->accessibleName() == name || (widget->accessibleName().isEmpty() && widget->objectName() == name);
+            if (matches && (!visibleOnly || widget->isVisible()))
                 return widget;
         }
         ADD_FAILURE() << "no control named " << name.toStdString();
@@ -406,6 +409,22 @@ TEST_F(Preview, EveryControlHasAnAccessibleNameAndTheTabChainReachesThem)
     }
     EXPECT_TRUE(visited.contains(u"Preview size"_s)) << visited.join(u", "_s).toStdString();
     EXPECT_TRUE(visited.contains(u"Weight"_s)) << visited.join(u", "_s).toStdString();
+
+    // Labels read as what they show, with what they are as the description.
+    const struct
+    {
+        QString label;
+        QString description;
+    } heard[] = {{u"Font family"_s, u"Font family"_s}, {u"Family"_s, u"Family"_s}, {u"Style"_s, u"Style"_s}};
+    for (const auto &expected : heard) {
+        QLabel *label = named<QLabel>(expected.label);
+        ASSERT_TRUE(label);
+        QAccessibleInterface *reader = QAccessible::queryAccessibleInterface(label);
+        ASSERT_TRUE(reader);
+        EXPECT_EQ(reader->text(QAccessible::Name), label->text()) << expected.label.toStdString();
+        EXPECT_FALSE(reader->text(QAccessible::Name).isEmpty());
+        EXPECT_EQ(reader->text(QAccessible::Description), expected.description);
+    }
 }
 
 TEST_F(Preview, TheSampleCanBeSelectedAndCopied)

@@ -131,7 +131,9 @@ QWidget *FontPreviewView::buildMetadataSection()
     auto *layout = new QVBoxLayout(section);
     layout->setContentsMargins(0, 0, 0, 0);
     m_status = new QLabel(u"Loading font…"_s, section);
-    m_status->setAccessibleName(u"Font status"_s);
+    // A screen reader hears a label's own text; what it is goes to the description.
+    m_status->setObjectName(u"Font status"_s);
+    m_status->setAccessibleDescription(tr("Font status"));
     layout->addWidget(m_status);
 
     m_details = new QWidget(section);
@@ -139,7 +141,8 @@ QWidget *FontPreviewView::buildMetadataSection()
     details->setContentsMargins(0, 0, 0, 0);
     m_heading = new QLabel(m_details);
     m_heading->setFont(TextStyles::title2(font()));
-    m_heading->setAccessibleName(u"Font family"_s);
+    m_heading->setObjectName(u"Font family"_s);
+    m_heading->setAccessibleDescription(tr("Font family"));
     m_heading->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     m_heading->setWordWrap(true);
     details->addWidget(m_heading);
@@ -150,7 +153,8 @@ QWidget *FontPreviewView::buildMetadataSection()
         auto *label = new QLabel(row, m_details);
         TextStyles::applySecondary(label);
         auto *value = new QLabel(m_details);
-        value->setAccessibleName(row);
+        value->setObjectName(row);
+        value->setAccessibleDescription(row);
         value->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
         value->setTextFormat(Qt::PlainText);
         label->setBuddy(value);
@@ -310,8 +314,7 @@ void FontPreviewView::showMetadata(const FontMetadata &metadata)
                              typeText(metadata)};
     for (qsizetype row = 0; row < kRows.size(); ++row) {
         QLabel *value = m_values.value(kRows.at(row));
-        value->setText(values.at(row));
-        value->setAccessibleDescription(values.at(row)); // read out after the row's name
+        value->setText(values.at(row)); // heard as its name; the row's caption is its description
     }
     m_details->show();
 

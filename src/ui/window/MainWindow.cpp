@@ -51,6 +51,7 @@ MainWindow::MainWindow(std::unique_ptr<FontActivating> activation, QWidget *pare
     , m_state(std::make_unique<AppState>(*m_activation, *m_persistence))
 {
     setWindowTitle(QString()); // the desktop shows the application's name
+    setAccessibleName(tr("Morvane")); // what a screen reader names the window
     setWindowIcon(QIcon::fromTheme(u"org.morvane.Morvane"_s, QIcon(u":/morvane/org.morvane.Morvane.svg"_s)));
     setMinimumSize(900, 500);
     WheelGuard::install(this);
