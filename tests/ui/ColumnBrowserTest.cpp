@@ -18,6 +18,7 @@
 #include "ui/common/Symbols.h"
 
 #include <QAbstractItemModelTester>
+#include <QAccessible>
 #include <QContextMenuEvent>
 #include <QDesktopServices>
 #include <QMenu>
@@ -205,6 +206,29 @@ TEST_F(Browser, ClicksSelectAndTheButtonTogglesWithoutSelecting)
     const QModelIndex folderA = column(0)->nodeModel()->index(0);
     EXPECT_EQ(folderA.data(FontNodeListModel::ActivationRole).toInt(), static_cast<int>(ActivationState::Mixed));
     EXPECT_EQ(FontNodeDelegate::buttonToolTip(folderA.data(FontNodeListModel::ActivationRole).toInt()), u"Activate All"_s);
+    // What a screen reader hears of each button: checked, mixed or unchecked.
+    const struct
+    {
+        int column;
+        QString row;
+        bool checked;
+        bool mixed;
+    } heard[] = {{1, u"a2.ttf"_s, true, false}, {0, u"A"_s, false, true}, {1, u"a1.ttf"_s, false, false}};
+    for (const auto &expected : heard) {
+        const FontNodeListModel *rows = column(expected.column)->nodeModel();
+        int row = -1;
+        for (int i = 0; i < rows->rowCount(); ++i)
+            row = rows->node(i).name() == expected.row ? i : row;
+        QAccessibleInterface *list = QAccessible::queryAccessibleInterface(column(expected.column));
+        ASSERT_TRUE(list && row >= 0);
+        QAccessibleInterface *cell = list->child(row);
+        ASSERT_TRUE(cell);
+        EXPECT_EQ(cell->text(QAccessible::Name), expected.row);
+        EXPECT_TRUE(cell->state().checkable) << expected.row.toStdString();
+        EXPECT_EQ(bool(cell->state().checked), expected.checked) << expected.row.toStdString();
+        // Qt 6.4's item cells don't pass "partly checked" on: the description says "mixed".
+        EXPECT_EQ(cell->text(QAccessible::Description).contains(u"mixed"_s), expected.mixed) << expected.row.toStdString();
+    }
 
     // The folder's button makes a mixed folder fully active; Space on the focused
     // column toggles its selected row.

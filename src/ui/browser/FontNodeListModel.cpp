@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/browser/FontNodeListModel.h"
+#include "ui/common/RowButton.h"
 
 #include "ui/common/Drops.h"
 #include "ui/sidebar/SidebarModel.h"
@@ -43,7 +44,7 @@ int FontNodeListModel::rowOf(const QString &path) const
 void FontNodeListModel::activationChanged()
 {
     if (!m_nodes.isEmpty())
-        Q_EMIT dataChanged(index(0), index(rowCount() - 1), {ActivationRole, Qt::AccessibleDescriptionRole});
+        Q_EMIT dataChanged(index(0), index(rowCount() - 1), {ActivationRole, Qt::CheckStateRole, Qt::AccessibleDescriptionRole});
 }
 
 void FontNodeListModel::licensesChanged()
@@ -61,7 +62,8 @@ Qt::ItemFlags FontNodeListModel::flags(const QModelIndex &index) const
 {
     if (!index.isValid())
         return Qt::NoItemFlags;
-    return Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsDragEnabled | Qt::ItemNeverHasChildren;
+    return Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsDragEnabled | Qt::ItemNeverHasChildren
+           | Qt::ItemIsUserCheckable;
 }
 
 QString FontNodeListModel::describe(const FontNode &node) const
@@ -90,6 +92,8 @@ QVariant FontNodeListModel::data(const QModelIndex &index, int role) const
         return describe(node);
     case ActivationRole:
         return static_cast<int>(m_state.activationState(node));
+    case Qt::CheckStateRole:
+        return RowButton::checkState(static_cast<int>(m_state.activationState(node)));
     case IsFolderRole:
         return node.isDirectory();
     case LicenseRole:

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/collection/CollectionMemberModel.h"
+#include "ui/common/RowButton.h"
 
 #include "ui/common/Drops.h"
 #include "ui/sidebar/SidebarModel.h"
@@ -17,7 +18,7 @@ CollectionMemberModel::CollectionMemberModel(AppState &state, QUuid collectionId
     , m_collectionId(collectionId)
 {
     connect(&state, &AppState::collectionsChanged, this, &CollectionMemberModel::reload);
-    connect(&state, &AppState::activatedFontsChanged, this, [this] { refresh({ActivationRole, Qt::AccessibleDescriptionRole}); });
+    connect(&state, &AppState::activatedFontsChanged, this, [this] { refresh({ActivationRole, Qt::CheckStateRole, Qt::AccessibleDescriptionRole}); });
     connect(&state, &AppState::licenseTagsChanged, this, [this] { refresh({LicenseRole, Qt::AccessibleDescriptionRole}); });
     connect(&state, &AppState::cachedColumnsChanged, this, [this] { refresh({}); }); // a scan may find missing members
     reload();
@@ -82,6 +83,8 @@ QVariant CollectionMemberModel::data(const QModelIndex &index, int role) const
     }
     case ActivationRole:
         return isMissing(member) ? -1 : static_cast<int>(m_state.activationState(node));
+    case Qt::CheckStateRole:
+        return RowButton::checkState(isMissing(member) ? -1 : static_cast<int>(m_state.activationState(node)));
     case IsFolderRole: return member.isDirectory;
     case MissingRole: return isMissing(member);
     case LicenseRole:
@@ -95,7 +98,8 @@ QVariant CollectionMemberModel::data(const QModelIndex &index, int role) const
 
 Qt::ItemFlags CollectionMemberModel::flags(const QModelIndex &index) const
 {
-    return index.isValid() ? Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsDragEnabled : Qt::ItemIsDropEnabled;
+    return index.isValid() ? Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsDragEnabled | Qt::ItemIsUserCheckable
+                           : Qt::ItemIsDropEnabled;
 }
 
 QStringList CollectionMemberModel::mimeTypes() const

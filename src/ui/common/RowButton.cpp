@@ -18,4 +18,14 @@ Hit hit(const QEvent *event, const QRectF &button)
     return type == QEvent::MouseButtonRelease ? Hit::Swallowed : Hit::Click;
 }
 
+QVariant checkState(int activationState)
+{
+    switch (activationState) {
+    case 0: return Qt::Unchecked;
+    case 1: return Qt::Checked;
+    case 2: return Qt::PartiallyChecked;
+    default: return {};
+    }
+}
+
 } // namespace RowButton

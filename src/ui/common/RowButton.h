@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QRectF>
+#include <QVariant>
 
 class QEvent;
 
@@ -14,5 +15,9 @@ namespace RowButton {
 enum class Hit { Outside, Click, Swallowed };
 
 Hit hit(const QEvent *event, const QRectF &button);
+
+// The button's state as item views tell screen readers: checked when active,
+// partly checked when mixed, unchecked when inactive; none for a row without a button.
+QVariant checkState(int activationState);
 
 } // namespace RowButton

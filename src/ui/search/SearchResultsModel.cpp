@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/search/SearchResultsModel.h"
+#include "ui/common/RowButton.h"
 
 #include "ui/sidebar/SidebarModel.h"
 
@@ -18,12 +19,13 @@ SearchResultsModel::SearchResultsModel(AppState &state, QObject *parent)
         beginResetModel();
         endResetModel();
     });
-    const auto repaint = [this](Role role) {
+    const auto repaint = [this](QList<int> roles) {
+        roles.append(Qt::AccessibleDescriptionRole);
         if (rowCount() > 0)
-            Q_EMIT dataChanged(index(0), index(rowCount() - 1), {role, Qt::AccessibleDescriptionRole});
+            Q_EMIT dataChanged(index(0), index(rowCount() - 1), roles);
     };
-    connect(&state, &AppState::activatedFontsChanged, this, [repaint] { repaint(ActivationRole); });
-    connect(&state, &AppState::licenseTagsChanged, this, [repaint] { repaint(LicenseRole); });
+    connect(&state, &AppState::activatedFontsChanged, this, [repaint] { repaint({ActivationRole, Qt::CheckStateRole}); });
+    connect(&state, &AppState::licenseTagsChanged, this, [repaint] { repaint({LicenseRole}); });
 }
 
 int SearchResultsModel::rowCount(const QModelIndex &parent) const
@@ -47,6 +49,8 @@ QVariant SearchResultsModel::data(const QModelIndex &index, int role) const
         return result.folder.path();
     case ActivationRole:
         return static_cast<int>(m_state.activationState(result.folder));
+    case Qt::CheckStateRole:
+        return RowButton::checkState(static_cast<int>(m_state.activationState(result.folder)));
     case LicenseRole:
         return static_cast<int>(License::from(m_state.finderTagService().tags(result.folder.path())));
     case FontCountRole:
@@ -68,7 +72,7 @@ QVariant SearchResultsModel::data(const QModelIndex &index, int role) const
 
 Qt::ItemFlags SearchResultsModel::flags(const QModelIndex &index) const
 {
-    return QAbstractListModel::flags(index) | Qt::ItemIsDragEnabled;
+    return QAbstractListModel::flags(index) | Qt::ItemIsDragEnabled | Qt::ItemIsUserCheckable;
 }
 
 QStringList SearchResultsModel::mimeTypes() const

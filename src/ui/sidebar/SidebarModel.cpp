@@ -2,6 +2,7 @@
 #include "ui/sidebar/SidebarModel.h"
 
 #include "ui/common/CollectionIcons.h"
+#include "ui/common/RowButton.h"
 
 #include "state/AppState.h"
 
@@ -19,9 +20,9 @@ SidebarModel::SidebarModel(AppState &state, QObject *parent)
     state.setIconDecoder(&CollectionIcons::decode);
     connect(&state, &AppState::sourcesChanged, this, &SidebarModel::sync);
     connect(&state, &AppState::collectionsChanged, this, &SidebarModel::sync);
-    connect(&state, &AppState::activatedFontsChanged, this, [this] { refreshAll({ActivationRole}); });
+    connect(&state, &AppState::activatedFontsChanged, this, [this] { refreshAll({ActivationRole, Qt::CheckStateRole}); });
     // A new scan knows other counts, and may find members that were missing.
-    connect(&state, &AppState::cachedColumnsChanged, this, [this] { refreshAll({CaptionRole, ActivationRole}); });
+    connect(&state, &AppState::cachedColumnsChanged, this, [this] { refreshAll({CaptionRole, ActivationRole, Qt::CheckStateRole}); });
     connect(&state, &AppState::isIndexingChanged, this, [this] { refreshAll({CaptionRole}); });
     connect(&state, &AppState::unavailableSourcesChanged, this, [this] { refreshAll({CaptionRole}); });
     sync();
@@ -170,6 +171,8 @@ QVariant SidebarModel::data(const QModelIndex &index, int role) const
     case KindRole: return static_cast<int>(rowKind);
     case CaptionRole: return caption(row);
     case ActivationRole: return static_cast<int>(activation(row));
+    case Qt::CheckStateRole:
+        return rowKind == Kind::Placeholder ? QVariant() : RowButton::checkState(static_cast<int>(activation(row)));
     case IconRole: {
         if (rowKind != Kind::Collection)
             return {};
@@ -200,8 +203,9 @@ bool SidebarModel::setData(const QModelIndex &index, const QVariant &value, int 
 Qt::ItemFlags SidebarModel::flags(const QModelIndex &index) const
 {
     switch (kind(index.row())) {
-    case Kind::Source: return Qt::ItemIsEnabled | Qt::ItemIsSelectable;
-    case Kind::Collection: return Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsEditable | Qt::ItemIsDropEnabled;
+    case Kind::Source: return Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsUserCheckable;
+    case Kind::Collection:
+        return Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsEditable | Qt::ItemIsDropEnabled | Qt::ItemIsUserCheckable;
     case Kind::Placeholder: break;
     }
     return Qt::NoItemFlags; // the placeholder: passed over by the keys
