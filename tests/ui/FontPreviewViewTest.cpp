@@ -533,7 +533,7 @@ TEST_F(Preview, TheWheelScrollsPastControlsUntilTheyHaveTheKeys)
     view.resize(1400, 360); // the pane scrolls
     ASSERT_TRUE(open(u"Axes.ttf"_s));
     QScrollBar *scroll = view.previewPane()->verticalScrollBar();
-    ASSERT_GT(scroll->maximum(), 0);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return scroll->maximum() > 0; })) << "laid out, the pane scrolls";
     const auto turn = [](QWidget *target) {
         const QPointF at = QRectF(target->rect()).center();
         QWheelEvent wheel(at, target->mapToGlobal(at), QPoint(), QPoint(0, -120), Qt::NoButton, Qt::NoModifier,
