@@ -302,3 +302,18 @@ QString PersistenceService::settingsPath() const
 {
     return m_preferences->settingsPath();
 }
+
+QByteArray PersistenceService::windowGeometry() const
+{
+    return m_preferences->windowGeometry();
+}
+
+int PersistenceService::sidebarWidth() const
+{
+    return m_preferences->sidebarWidth();
+}
+
+void PersistenceService::setWindowLayout(const QByteArray &geometry, int sidebarWidth)
+{
+    m_preferences->setWindowLayout(geometry, sidebarWidth);
+}

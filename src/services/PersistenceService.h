@@ -93,6 +93,9 @@ public:
     void setPreviewText(const QString &text);
     double previewSize() const;
     void setPreviewSize(double size);
+    QByteArray windowGeometry() const;
+    int sidebarWidth() const;
+    void setWindowLayout(const QByteArray &geometry, int sidebarWidth);
 
     QString settingsPath() const;
 

@@ -53,6 +53,41 @@ double Preferences::previewSize() const
     return ok && size > 0 ? size : defaultPreviewSize;
 }
 
+namespace {
+constexpr const char *kGeometryKey = "morvane_window_geometry";
+constexpr const char *kSidebarKey = "morvane_sidebar_width";
+} // namespace
+
+QByteArray Preferences::windowGeometry() const
+{
+    {
+        const std::lock_guard lock(m_unsaved->mutex);
+        if (m_unsaved->geometry)
+            return *m_unsaved->geometry;
+    }
+    return QSettings(settingsPath(), QSettings::IniFormat).value(QLatin1StringView(kGeometryKey)).toByteArray();
+}
+
+int Preferences::sidebarWidth() const
+{
+    {
+        const std::lock_guard lock(m_unsaved->mutex);
+        if (m_unsaved->sidebarWidth)
+            return *m_unsaved->sidebarWidth;
+    }
+    return std::max(0, QSettings(settingsPath(), QSettings::IniFormat).value(QLatin1StringView(kSidebarKey)).toInt());
+}
+
+void Preferences::setWindowLayout(const QByteArray &geometry, int sidebarWidth)
+{
+    {
+        const std::lock_guard lock(m_unsaved->mutex);
+        m_unsaved->geometry = geometry;
+        m_unsaved->sidebarWidth = sidebarWidth;
+    }
+    scheduleWrite();
+}
+
 void Preferences::setPreviewText(const QString &text)
 {
     {
@@ -80,15 +115,23 @@ void Preferences::scheduleWrite()
             QSettings settings(path, QSettings::IniFormat);
             std::optional<QString> text;
             std::optional<double> size;
+            std::optional<QByteArray> geometry;
+            std::optional<int> sidebar;
             {
                 const std::lock_guard lock(unsaved->mutex);
                 text = unsaved->text;
                 size = unsaved->size;
+                geometry = unsaved->geometry;
+                sidebar = unsaved->sidebarWidth;
             }
             if (text)
                 settings.setValue(QLatin1StringView(previewTextKey), *text);
             if (size)
                 settings.setValue(QLatin1StringView(previewSizeKey), *size);
+            if (geometry)
+                settings.setValue(QLatin1StringView(kGeometryKey), *geometry);
+            if (sidebar)
+                settings.setValue(QLatin1StringView(kSidebarKey), *sidebar);
             settings.sync();
             if (settings.status() != QSettings::NoError)
                 return u"can't write %1"_s.arg(path);
@@ -98,6 +141,10 @@ void Preferences::scheduleWrite()
                 unsaved->text.reset();
             if (unsaved->size == size)
                 unsaved->size.reset();
+            if (unsaved->geometry == geometry)
+                unsaved->geometry.reset();
+            if (unsaved->sidebarWidth == sidebar)
+                unsaved->sidebarWidth.reset();
             return std::nullopt;
         },
         u"Failed to save preferences: "_s, 500ms);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <QByteArray>
 #include <QString>
 
 #include <memory>
@@ -30,6 +31,11 @@ public:
     double previewSize() const;
     void setPreviewSize(double size);
     QString settingsPath() const;
+    // Where the window was and how wide its sidebar, as the window last left them:
+    // opaque bytes the window makes and reads, empty and 0 when never saved.
+    QByteArray windowGeometry() const;
+    int sidebarWidth() const;
+    void setWindowLayout(const QByteArray &geometry, int sidebarWidth);
 
 private:
     struct Unsaved
@@ -37,6 +43,8 @@ private:
         std::mutex mutex;
         std::optional<QString> text;
         std::optional<double> size;
+        std::optional<QByteArray> geometry;
+        std::optional<int> sidebarWidth;
     };
     void scheduleWrite();
 

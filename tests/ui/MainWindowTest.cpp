@@ -566,3 +566,19 @@ TEST(MainWindowKeys, SpaceShiftF10AndDownDoWhatTheMouseDoes)
     EXPECT_EQ(store.navigationPath().value(0).path(), library + u"/Sans"_s);
 }
 
+
+// The window opens where and as large as the user left it, its sidebar as wide.
+TEST(MainWindow, RemembersItsSizeAndSidebarWidthAcrossStarts)
+{
+    WindowFixture::saveSansLibrary();
+    {
+        auto window = openWindow();
+        window->resize(1234, 777);
+        window->splitter().setSizes({240, 994});
+        ASSERT_EQ(window->splitter().sizes().value(0), 240);
+        ASSERT_TRUE(window->close());
+    }
+    auto next = openWindow();
+    EXPECT_EQ(next->size(), QSize(1234, 777));
+    EXPECT_EQ(next->splitter().sizes().value(0), 240);
+}

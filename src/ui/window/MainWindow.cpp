@@ -80,6 +80,11 @@ MainWindow::MainWindow(std::unique_ptr<FontActivating> activation, QWidget *pare
     m_split->setStretchFactor(0, 0);
     m_split->setStretchFactor(1, 1);
     m_split->setSizes({200, 900});
+    // Where the user left the window and its divider.
+    if (const QByteArray geometry = m_persistence->windowGeometry(); !geometry.isEmpty())
+        restoreGeometry(geometry);
+    if (const int sidebar = m_persistence->sidebarWidth(); sidebar > 0)
+        m_split->setSizes({sidebar, std::max(1, width() - sidebar)});
     layout->addWidget(m_split, 1);
     setCentralWidget(central);
     buildToolbar();
@@ -295,6 +300,7 @@ QString MainWindow::plainReason(const QString &systemError)
 
 void MainWindow::closeEvent(QCloseEvent *event)
 {
+    m_persistence->setWindowLayout(saveGeometry(), m_split->sizes().value(0));
     // What could not be saved gets one more try (the space may be back), and the user
     // the last word before it is lost.
     m_persistence->retryFailedSaves();
