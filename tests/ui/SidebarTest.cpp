@@ -388,6 +388,7 @@ TEST_F(Sidebar, TheChoosersAskForFoldersAndImages)
     EXPECT_EQ(folders->fileMode(), QFileDialog::Directory);
     EXPECT_TRUE(folders->testOption(QFileDialog::ShowDirsOnly));
     EXPECT_TRUE(folders->testOption(QFileDialog::ReadOnly));
+    EXPECT_EQ(folders->directory().absolutePath(), QDir::homePath()) << "opens at home, not the working folder";
     EXPECT_EQ(folders->findChild<QLabel *>(u"message"_s)->text(), u"Select a folder containing fonts"_s);
     EXPECT_EQ(folders->findChild<QAbstractItemView *>(u"listView"_s)->selectionMode(), QAbstractItemView::ExtendedSelection);
     std::unique_ptr<QFileDialog> icons(FolderChoosers::makeIconChooser(nullptr));

@@ -2,6 +2,7 @@
 #include "ui/sidebar/FolderChoosers.h"
 
 #include <QAbstractItemView>
+#include <QDir>
 #include <QFileDialog>
 #include <QGridLayout>
 #include <QLabel>
@@ -31,6 +32,7 @@ QFileDialog *FolderChoosers::makeFolderChooser(QWidget *parent)
     QFileDialog *chooser = dialog(parent, u"Choose a Font Folder"_s, u"Select a folder containing fonts"_s);
     chooser->setFileMode(QFileDialog::Directory);
     chooser->setOption(QFileDialog::ShowDirsOnly);
+    chooser->setDirectory(QDir::homePath()); // not wherever Morvane was started from
     for (const char *name : {"listView", "treeView"}) {
         if (auto *view = chooser->findChild<QAbstractItemView *>(QLatin1StringView(name)))
             view->setSelectionMode(QAbstractItemView::ExtendedSelection);
