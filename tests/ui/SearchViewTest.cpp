@@ -252,3 +252,26 @@ TEST_F(SearchView, AHitInAnotherSourceOpensInThatSource)
     EXPECT_EQ(store().navigationPath().last().path(), more + u"/Extra Sans"_s);
     EXPECT_EQ(window->detail(), &window->browser());
 }
+
+// Hits of the same name read apart: each says where it lives, from its source on, on the
+// row and to a screen reader.
+TEST_F(SearchView, HitsOfOneNameSayWhereTheyLive)
+{
+    TestSupport::writeFile(library + u"/Foundry A/Display/x.ttf"_s);
+    TestSupport::writeFile(library + u"/Foundry B/Display/y.ttf"_s);
+    store().refreshFileSystem();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !store().isIndexing(); }));
+    type(u"Display"_s);
+    ASSERT_TRUE(searched());
+    const QAbstractItemModel *model = list()->model();
+    ASSERT_EQ(model->rowCount(), 2);
+    QStringList places;
+    for (int row = 0; row < 2; ++row) {
+        const QModelIndex hit = model->index(row, 0);
+        EXPECT_EQ(hit.data().toString(), u"Display"_s);
+        places.append(hit.data(SearchResultsModel::LocationRole).toString());
+        EXPECT_TRUE(hit.data(Qt::AccessibleDescriptionRole).toString().endsWith(u", in "_s + places.last()));
+    }
+    places.sort();
+    EXPECT_EQ(places, (QStringList{u"Fonts/Foundry A"_s, u"Fonts/Foundry B"_s}));
+}

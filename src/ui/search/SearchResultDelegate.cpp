@@ -17,6 +17,8 @@
 #include <QPainter>
 #include <QToolTip>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 constexpr qreal kMargin = 8;       // left and right of the highlight
@@ -87,8 +89,10 @@ void SearchResultDelegate::paint(QPainter *painter, const QStyleOptionViewItem &
                       QFontMetricsF(painter->font()).elidedText(name, Qt::ElideMiddle, parts.name.width()));
     painter->setPen(Symbols::secondary(palette));
     painter->setFont(countFont(option.font));
+    const QString line = index.data(SearchResultsModel::CountTextRole).toString() + u" \u00b7 "_s
+                         + index.data(SearchResultsModel::LocationRole).toString();
     painter->drawText(parts.count, Qt::AlignLeft | Qt::AlignVCenter,
-                      index.data(SearchResultsModel::CountTextRole).toString());
+                      QFontMetricsF(painter->font()).elidedText(line, Qt::ElideMiddle, parts.count.width()));
     painter->restore();
 }
 

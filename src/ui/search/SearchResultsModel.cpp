@@ -7,6 +7,8 @@
 #include "services/LicenseStatus.h"
 #include "state/AppState.h"
 
+#include <QDir>
+#include <QFileInfo>
 #include <QMimeData>
 
 using namespace Qt::StringLiterals;
@@ -57,10 +59,17 @@ QVariant SearchResultsModel::data(const QModelIndex &index, int role) const
         return fontCount();
     case CountTextRole:
         return SidebarModel::count(fontCount(), u"font"_s);
+    case LocationRole: {
+        // A hundred "Display" folders must read apart: the folder holding each, from its source.
+        const QString root = QDir::cleanPath(result.source.path);
+        const QString parent = QFileInfo(result.folder.path()).absolutePath();
+        const QString below = parent.startsWith(root) ? parent.mid(root.size()) : QString();
+        return QString(result.source.name + below);
+    }
     case Qt::AccessibleDescriptionRole: {
         const auto license = static_cast<LicenseStatus>(data(index, LicenseRole).toInt());
         QStringList parts{SidebarModel::stateWord(m_state.activationState(result.folder)),
-                          SidebarModel::count(fontCount(), u"font"_s)};
+                          SidebarModel::count(fontCount(), u"font"_s), tr("in %1").arg(data(index, LocationRole).toString())};
         if (license != LicenseStatus::None)
             parts << License::rawValue(license);
         return parts.join(u", "_s);

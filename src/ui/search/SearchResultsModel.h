@@ -18,6 +18,7 @@ public:
         FontCountRole,                     // fonts under the folder, from the last scan
         CountTextRole,                     // "1 font", "3 fonts"
         PathRole,
+        LocationRole,                      // where it lives: "Library/Foundry A", its source first
     };
 
     explicit SearchResultsModel(AppState &state, QObject *parent = nullptr);
