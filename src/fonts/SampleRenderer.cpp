@@ -6,6 +6,7 @@
 #include "FreeTypeLibrary.h"
 
 #include <QPainter>
+#include <QLocale>
 #include <QSet>
 
 #include <hb-ot.h>
@@ -192,6 +193,41 @@ QList<quint32> SampleRenderer::featureTags() const
     QList<quint32> sorted(tags.cbegin(), tags.cend());
     std::sort(sorted.begin(), sorted.end());
     return sorted;
+}
+
+QString SampleRenderer::featureName(quint32 tag) const
+{
+    if (fileChanged())
+        return {};
+    unsigned index = 0;
+    if (!hb_ot_layout_language_find_feature(m_face, HB_OT_TAG_GSUB, 0, HB_OT_LAYOUT_DEFAULT_LANGUAGE_INDEX, tag, &index)) {
+        // Not in the default script's list: look through every feature record.
+        const unsigned count = hb_ot_layout_table_get_feature_tags(m_face, HB_OT_TAG_GSUB, 0, nullptr, nullptr);
+        QList<hb_tag_t> tags(count);
+        unsigned got = count;
+        hb_ot_layout_table_get_feature_tags(m_face, HB_OT_TAG_GSUB, 0, &got, tags.data());
+        const qsizetype found = tags.indexOf(tag);
+        if (found < 0)
+            return {};
+        index = static_cast<unsigned>(found);
+    }
+    hb_ot_name_id_t label = HB_OT_NAME_ID_INVALID;
+    if (!hb_ot_layout_feature_get_name_ids(m_face, HB_OT_TAG_GSUB, index, &label, nullptr, nullptr, nullptr, nullptr)
+        || label == HB_OT_NAME_ID_INVALID)
+        return {};
+    const hb_language_t language = hb_language_from_string(QLocale().bcp47Name().toUtf8().constData(), -1);
+    unsigned size = hb_ot_name_get_utf16(m_face, label, language, nullptr, nullptr);
+    if (size == 0)
+        size = hb_ot_name_get_utf16(m_face, label, HB_LANGUAGE_INVALID, nullptr, nullptr);
+    if (size == 0)
+        return {};
+    QList<uint16_t> text(size + 1);
+    unsigned length = size + 1;
+    if (hb_ot_name_get_utf16(m_face, label, language, &length, text.data()) == 0) {
+        length = size + 1;
+        hb_ot_name_get_utf16(m_face, label, HB_LANGUAGE_INVALID, &length, text.data());
+    }
+    return QString::fromUtf16(reinterpret_cast<const char16_t *>(text.constData()), length).trimmed();
 }
 
 bool SampleRenderer::isOnByDefault(quint32 tag)

@@ -72,6 +72,9 @@ public:
 
     // The font's substitution and positioning features, unique, in tag order.
     QList<quint32> featureTags() const;
+    // The name the font itself gives a stylistic set or character variant (its feature
+    // parameters' UI name, in the user's language when it has one); empty when none.
+    QString featureName(quint32 tag) const;
     // Whether HarfBuzz applies the feature unless told otherwise.
     static bool isOnByDefault(quint32 tag);
     QList<NamedInstance> namedInstances() const;

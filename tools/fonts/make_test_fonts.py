@@ -126,8 +126,12 @@ def drawing_fonts(out):
                        "f_i": outline([(50, 0), (50, 700), (550, 700), (550, 0)]),
                        "space": None},
                       {ord("f"): "f", ord("i"): "i", 0x20: "space"})
+    # ss01 carries its own name, as fonts name their stylistic sets; ss02 gives none.
     addOpenTypeFeaturesFromString(fb.font, "feature liga { sub f i by f_i; } liga;\n"
-                                           "feature smcp { sub i by f; } smcp;\n")
+                                           "feature smcp { sub i by f; } smcp;\n"
+                                           "feature ss01 { featureNames { name \"Single-storey a\"; }; "
+                                           "sub f by i; } ss01;\n"
+                                           "feature ss02 { sub i by f; } ss02;\n")
     fb.save(os.path.join(out, "Ligature.ttf"))
 
     # "A" only as a red PNG in one 64-pixel strike: no outline to draw.

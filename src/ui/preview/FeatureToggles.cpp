@@ -24,7 +24,7 @@ QString tagText(quint32 tag)
 
 } // namespace
 
-FeatureToggles::FeatureToggles(const QList<quint32> &tags, QWidget *parent)
+FeatureToggles::FeatureToggles(const QList<quint32> &tags, const QHash<quint32, QString> &fontNames, QWidget *parent)
     : QWidget(parent)
 {
     auto *layout = new QVBoxLayout(this);
@@ -38,8 +38,10 @@ FeatureToggles::FeatureToggles(const QList<quint32> &tags, QWidget *parent)
     for (const quint32 tag : tags) {
         const QString text = tagText(tag);
         auto *box = new QCheckBox(text, this);
-        box->setAccessibleName(text);
-        const QString description = describe(text);
+        // Named by what it does, the tag after: "Small Capitals (smcp)", or the font's
+        // own name for one of its stylistic sets.
+        const QString description = fontNames.value(tag, describe(text));
+        box->setAccessibleName(description.isEmpty() ? text : u"%1 (%2)"_s.arg(description, text));
         box->setToolTip(description);
         box->setAccessibleDescription(description);
         box->setChecked(SampleRenderer::isOnByDefault(tag));

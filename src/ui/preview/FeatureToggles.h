@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <QHash>
 #include <QList>
 #include <QPair>
 #include <QWidget>
@@ -14,7 +15,8 @@ class FeatureToggles : public QWidget
     Q_OBJECT
 
 public:
-    FeatureToggles(const QList<quint32> &tags, QWidget *parent = nullptr);
+    // `fontNames` holds the names the font gives some features (stylistic sets).
+    FeatureToggles(const QList<quint32> &tags, const QHash<quint32, QString> &fontNames = {}, QWidget *parent = nullptr);
 
     // The features switched away from their defaults: what shaping is told.
     QList<QPair<quint32, bool>> changes() const;

@@ -331,7 +331,15 @@ void FontPreviewView::showMetadata(const FontMetadata &metadata)
     }
     const QList<quint32> features = m_renderer ? m_renderer->featureTags() : QList<quint32>{};
     if (!features.isEmpty()) {
-        m_features = new FeatureToggles(features, widget());
+        QHash<quint32, QString> named;
+        for (const quint32 tag : features) {
+            const char first = char(tag >> 24), second = char(tag >> 16);
+            if ((first == 's' && second == 's') || (first == 'c' && second == 'v')) {
+                if (const QString name = m_renderer->featureName(tag); !name.isEmpty())
+                    named.insert(tag, name);
+            }
+        }
+        m_features = new FeatureToggles(features, named, widget());
         connect(m_features, &FeatureToggles::changed, this, &FontPreviewView::applyFeatures);
         m_layout->insertWidget(m_layout->indexOf(m_characterSet), m_features);
         m_features->show();
