@@ -111,7 +111,11 @@ TEST(SampleRenderer, FeatureTogglesChangeTheShapedGlyphs)
     const auto font = openFont(testFont(u"Ligature.ttf"_s));
     ASSERT_TRUE(font);
     const QList<quint32> tags = font->featureTags();
-    EXPECT_EQ(tags, (QList<quint32>{tag("liga"), tag("smcp")}));
+    EXPECT_EQ(tags, (QList<quint32>{tag("liga"), tag("smcp"), tag("ss01"), tag("ss02")}));
+    // A stylistic set's own name, from its feature parameters; none where it gives none.
+    EXPECT_EQ(font->featureName(tag("ss01")), u"Single-storey a"_s);
+    EXPECT_TRUE(font->featureName(tag("ss02")).isEmpty());
+    EXPECT_TRUE(font->featureName(tag("liga")).isEmpty());
     EXPECT_TRUE(SampleRenderer::isOnByDefault(tag("liga")));
     EXPECT_FALSE(SampleRenderer::isOnByDefault(tag("smcp")));
 
