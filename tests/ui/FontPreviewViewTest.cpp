@@ -30,6 +30,7 @@
 #include <QSignalSpy>
 #include <QWheelEvent>
 #include <QAccessible>
+#include <QAccessibleValueInterface>
 #include <QSlider>
 #include <QStyleOptionButton>
 #include <QTest>
@@ -216,6 +217,15 @@ TEST_F(Preview, AxisSlidersRedrawAtOnceAndResetReturnsTheDefaults)
     QTest::mouseClick(named<QPushButton>(u"Reset to Defaults"_s), Qt::LeftButton);
     EXPECT_EQ(named<QLabel>(u"Weight value"_s)->text(), u"400.0"_s);
     EXPECT_EQ(weight->value(), 40000);
+    // A screen reader hears the axis's own value and range, and can set it.
+    QAccessibleInterface *reader = QAccessible::queryAccessibleInterface(weight);
+    ASSERT_TRUE(reader && reader->valueInterface());
+    EXPECT_EQ(reader->text(QAccessible::Value), u"400.0"_s);
+    EXPECT_EQ(reader->valueInterface()->minimumValue().toDouble(), 100.0);
+    EXPECT_EQ(reader->valueInterface()->maximumValue().toDouble(), 900.0);
+    reader->valueInterface()->setCurrentValue(650.0);
+    EXPECT_EQ(named<QLabel>(u"Weight value"_s)->text(), u"650.0"_s);
+    QTest::mouseClick(named<QPushButton>(u"Reset to Defaults"_s), Qt::LeftButton);
     EXPECT_EQ(sample(), regular);
 
     // A named instance sets the slider; moving the slider leaves the instance.

@@ -10,6 +10,8 @@
 #include <QLabel>
 #include <QPushButton>
 #include <QSignalBlocker>
+#include "ui/preview/AxisSlider.h"
+
 #include <QSlider>
 #include <QVBoxLayout>
 
@@ -56,7 +58,7 @@ AxisControls::AxisControls(const QList<VariationAxis> &axes, const QList<NamedIn
     digits.setPointSizeF(TextStyles::captionSize(font()));
     for (const VariationAxis &axis : axes) {
         const QString name = axis.name.isEmpty() ? axis.tag : axis.name;
-        Row row{axis, new QSlider(Qt::Horizontal, this), new QLabel(this)};
+        Row row{axis, new AxisSlider(kSteps, this), new QLabel(this)};
         auto *label = new QLabel(name, this);
         row.slider->setAccessibleName(name);
         row.slider->setRange(qRound(axis.minValue * kSteps), qRound(axis.maxValue * kSteps));
