@@ -10,6 +10,7 @@
 #include "ui/window/EmptyStateView.h"
 #include "ui/window/MainWindow.h"
 #include "ui/window/MessageArea.h"
+#include "ui/common/Symbols.h"
 #include "ui/window/ProcessingOverlay.h"
 #include "ui/window/ReindexingStrip.h"
 #include "ui/search/SearchResultsView.h"
@@ -581,4 +582,42 @@ TEST(MainWindow, RemembersItsSizeAndSidebarWidthAcrossStarts)
     auto next = openWindow();
     EXPECT_EQ(next->size(), QSize(1234, 777));
     EXPECT_EQ(next->splitter().sizes().value(0), 240);
+}
+
+// What a first start says is readable, as drawn: the sidebar's "No Sources" row and the
+// centre's hint reach 4.5:1 against what lies behind them, in a light and a dark palette.
+TEST(MainWindowLooks, FirstStartWordsReachFourAndAHalfToOne)
+{
+    auto window = openWindow();
+    ASSERT_EQ(window->detail(), &window->emptyState());
+    QPalette dark = window->palette();
+    dark.setColor(QPalette::Window, QColor(40, 40, 40));
+    dark.setColor(QPalette::Base, QColor(30, 30, 30));
+    dark.setColor(QPalette::WindowText, QColor(235, 235, 235));
+    dark.setColor(QPalette::Text, QColor(235, 235, 235));
+    // The strongest text pixel against the region's own corner, which is background.
+    const auto measured = [](const QImage &shot, const QRect &region) {
+        const QColor background = shot.pixelColor(region.topLeft());
+        double best = 1;
+        for (int y = region.top(); y <= region.bottom(); ++y) {
+            for (int x = region.left(); x <= region.right(); ++x)
+                best = std::max(best, Symbols::contrast(shot.pixelColor(x, y), background));
+        }
+        return best;
+    };
+    for (const QPalette &palette : {window->palette(), dark}) {
+        window->setPalette(palette);
+        QLabel *hint = nullptr;
+        for (QLabel *label : window->emptyState().findChildren<QLabel *>())
+            hint = label->text().startsWith(u"Add a folder"_s) ? label : hint;
+        ASSERT_TRUE(hint);
+        SidebarList *sources = window->sidebar().sourcesList();
+        const QRect row = sources->visualRect(sources->model()->index(0, 0));
+        const QImage shot = window->grab().toImage();
+        const QRect hintArea(hint->mapTo(window.get(), QPoint(0, 0)), hint->size());
+        const QRect rowArea(sources->viewport()->mapTo(window.get(), row.topLeft()), row.size());
+        EXPECT_GE(measured(shot, hintArea), 4.5) << "the hint, window colour " << palette.color(QPalette::Window).name().toStdString();
+        EXPECT_GE(measured(shot, rowArea.adjusted(4, 30, -4, -2)), 4.5)
+            << "the placeholder's words, window colour " << palette.color(QPalette::Window).name().toStdString();
+    }
 }

@@ -35,10 +35,40 @@ QColor forAppearance(const QColor &colour, const QPalette &palette)
     return colour;
 }
 
+namespace {
+
+double luminance(const QColor &colour)
+{
+    const auto channel = [](double value) {
+        return value <= 0.03928 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * channel(colour.redF()) + 0.7152 * channel(colour.greenF()) + 0.0722 * channel(colour.blueF());
+}
+
+QColor over(const QColor &top, float alpha, const QColor &below)
+{
+    return QColor::fromRgbF(top.redF() * alpha + below.redF() * (1 - alpha), top.greenF() * alpha + below.greenF() * (1 - alpha),
+                            top.blueF() * alpha + below.blueF() * (1 - alpha));
+}
+
+} // namespace
+
+double contrast(const QColor &a, const QColor &b)
+{
+    const double la = luminance(a), lb = luminance(b);
+    return (std::max(la, lb) + 0.05) / (std::min(la, lb) + 0.05);
+}
+
 QColor secondary(const QPalette &palette)
 {
     QColor colour = palette.color(QPalette::WindowText);
-    colour.setAlphaF(0.55f);
+    const QColor window = palette.color(QPalette::Window);
+    float alpha = 0.55f;
+    // Faint is a look, not a loss: small text stays readable (4.5:1 as drawn, with room
+    // for the soft edges of small letters) on light and dark.
+    while (alpha < 1.0f && contrast(over(colour, alpha, window), window) < 5.5)
+        alpha += 0.05f;
+    colour.setAlphaF(std::min(alpha, 1.0f));
     return colour;
 }
 

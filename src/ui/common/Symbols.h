@@ -20,7 +20,10 @@ QColor green(const QPalette &palette);
 // palette; any other colour as it is.
 QColor forAppearance(const QColor &colour, const QPalette &palette);
 // Primary text at the opacity of secondary (about 55 %) or tertiary (30 %) text.
+// Secondary text is made no fainter than a contrast of 4.5:1 on the window's colour.
 QColor secondary(const QPalette &palette);
+// The WCAG contrast ratio of two opaque colours, 1 to 21.
+double contrast(const QColor &a, const QColor &b);
 QColor tertiary(const QPalette &palette);
 // The unemphasised selection: the inactive group's highlight, or Mid when it is the same.
 QColor unemphasisedSelection(const QPalette &palette);

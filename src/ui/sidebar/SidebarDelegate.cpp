@@ -155,10 +155,12 @@ void SidebarDelegate::drawCollectionIcon(QPainter &painter, const QRectF &box, c
 
 void SidebarDelegate::paintPlaceholder(QPainter *painter, const QStyleOptionViewItem &option) const
 {
-    const QPalette &palette = option.palette;
+    // The row can't be chosen, but its words are meant to be read: not the disabled greys.
+    QPalette palette = option.palette;
+    palette.setCurrentColorGroup(QPalette::Active);
     painter->save();
     const QRectF area = QRectF(option.rect).adjusted(12, 6, -12, -6);
-    Symbols::drawArchiveBox(*painter, QRectF(area.left(), area.top() + 2, 18, 18), Symbols::tertiary(palette));
+    Symbols::drawArchiveBox(*painter, QRectF(area.left(), area.top() + 2, 18, 18), Symbols::secondary(palette));
     QFont title = option.font;
     title.setWeight(QFont::DemiBold);
     painter->setFont(title);

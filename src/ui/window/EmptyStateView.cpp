@@ -49,7 +49,7 @@ EmptyStateView::EmptyStateView(QWidget *parent)
     auto *hint = new QLabel(u"Add a folder containing your fonts to get started."_s, this);
     hint->setWordWrap(true);
     hint->setAlignment(Qt::AlignCenter);
-    TextStyles::applyTertiary(hint);
+    TextStyles::applySecondary(hint); // read to get started: as readable as the title
     column->addWidget(hint); // the full width, so it wraps only when the window is narrow
     m_add = new QPushButton(u"Add Folder"_s, this);
     m_add->setAccessibleName(m_add->text());
