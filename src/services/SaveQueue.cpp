@@ -86,6 +86,7 @@ void SaveQueue::run()
         Job job = std::move(next->second);
         m_pending.erase(next);
         m_busy = true;
+        const bool lastTry = m_stopping;
         lock.unlock();
         const bool written = write(fileName, job);
         if (written)
@@ -93,8 +94,16 @@ void SaveQueue::run()
         lock.lock();
         // A failed state is kept until it is written or replaced: quitting or a later
         // change must not lose it.
-        if (!written && m_pending.find(fileName) == m_pending.end())
-            m_failed.insert_or_assign(fileName, std::move(job));
+        if (!written && m_pending.find(fileName) == m_pending.end()) {
+            // Begun before quitting was asked for: it missed the last try that quitting
+            // gives every failed state (the space may be back by now), so it gets it here.
+            if (m_stopping && !lastTry) {
+                job.due = Clock::now();
+                m_pending.insert_or_assign(fileName, std::move(job));
+            } else {
+                m_failed.insert_or_assign(fileName, std::move(job));
+            }
+        }
         m_busy = false;
         if (m_pending.empty())
             m_idle.notify_all();
