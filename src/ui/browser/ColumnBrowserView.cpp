@@ -227,10 +227,15 @@ void ColumnBrowserView::rebuildBreadcrumb()
         button->setAccessibleName(label);
         button->setIcon(QIcon::fromTheme(icon));
         button->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+        // The current crumb stands out by look and is read as "current", a button still:
+        // nothing about it is on or off.
         button->setAutoRaise(!current);
-        button->setCheckable(current);
-        button->setChecked(current);
-        button->setAccessibleDescription(current ? u"current"_s : QString());
+        if (current) {
+            QFont bold = button->font();
+            bold.setWeight(QFont::DemiBold);
+            button->setFont(bold);
+        }
+        button->setAccessibleDescription(current ? tr("current") : QString());
         connect(button, &QToolButton::clicked, this, pressed);
         m_crumbs->addWidget(button);
     };
