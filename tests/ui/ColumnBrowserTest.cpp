@@ -398,6 +398,9 @@ TEST_F(Browser, TheLicenceSubmenuSetsTheFilesTagsAndTheRowFollows)
     EXPECT_EQ(folderA.data(Qt::AccessibleDescriptionRole).toString(), u"Folder, inactive, Trial"_s);
     statuses = item(rightClick(0, u"A"_s), u"License Status"_s)->menu();
     EXPECT_TRUE(item(statuses, u"Trial"_s)->isChecked());
+    // The current one shows the check mark itself: styles draw an icon in its place.
+    EXPECT_TRUE(item(statuses, u"Trial"_s)->icon().isNull());
+    EXPECT_FALSE(item(statuses, u"Licensed"_s)->icon().isNull());
     EXPECT_FALSE(item(statuses, u"No Status"_s)->isChecked());
 
     // A font file's icon is never coloured by a label.

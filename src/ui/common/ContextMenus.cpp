@@ -58,7 +58,8 @@ void addLicenseMenu(QMenu *menu, AppState &state, const QString &path)
     const qreal ratio = menu->devicePixelRatioF();
     for (const LicenseStatus status : License::allCases()) {
         QAction *item = statuses->addAction(License::rawValue(status));
-        if (status != LicenseStatus::None)
+        // Styles draw an icon in place of the check mark: the current one gets the mark.
+        if (status != LicenseStatus::None && status != current)
             item->setIcon(QIcon(QPixmap::fromImage(LicenseColours::menuDotImage(status, ratio))));
         item->setCheckable(true);
         item->setChecked(status == current);
