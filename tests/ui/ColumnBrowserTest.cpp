@@ -602,3 +602,29 @@ TEST(Reveal, FallsBackToOpeningTheFolderThenToAMessage)
 }
 
 #include "ColumnBrowserTest.moc"
+
+// In a dark palette whose middle grey is the list's own colour, the chosen row of an
+// earlier column still stands out once the keys have moved on to the next column.
+TEST_F(Browser, AnEarlierColumnsChoiceStaysVisibleInTheDark)
+{
+    QPalette dark = view.palette();
+    for (const QPalette::ColorGroup group : {QPalette::Active, QPalette::Inactive}) {
+        dark.setColor(group, QPalette::Window, QColor(40, 40, 40));
+        dark.setColor(group, QPalette::Base, QColor(30, 30, 30));
+        dark.setColor(group, QPalette::Mid, QColor(30, 30, 30));
+        dark.setColor(group, QPalette::Text, QColor(235, 235, 235));
+        dark.setColor(group, QPalette::WindowText, QColor(235, 235, 235));
+        dark.setColor(group, QPalette::Highlight, QColor(10, 132, 255));
+    }
+    view.setPalette(dark);
+    click(0, u"A"_s);
+    click(1, u"a1.ttf"_s);
+    ASSERT_EQ(store.activeColumnIndex(), 1);
+    const QImage rows = column(0)->viewport()->grab().toImage();
+    const QRect chosen = rowRect(0, u"A"_s);
+    const QRect other = rowRect(0, u"B"_s);
+    // Just left of the chevron: background only.
+    const QColor under = rows.pixelColor(chosen.right() - 30, chosen.center().y());
+    const QColor plain = rows.pixelColor(other.right() - 30, other.center().y());
+    EXPECT_GE(Symbols::contrast(under, plain), 1.3) << under.name().toStdString() << " on " << plain.name().toStdString();
+}

@@ -566,3 +566,13 @@ TEST_F(Preview, TheWheelScrollsPastControlsUntilTheyHaveTheKeys)
         EXPECT_NE(control->value(), value) << control->accessibleName().toStdString();
     }
 }
+
+// A preview text longer than its field opens showing its start, as it is read.
+TEST_F(Preview, ALongPreviewTextOpensAtItsStart)
+{
+    store.setPreviewText(u"Sphinx of black quartz, judge my vow; "_s.repeated(8));
+    ASSERT_TRUE(open(u"Axes.ttf"_s));
+    QLineEdit *field = named<QLineEdit>(u"Preview text"_s);
+    ASSERT_TRUE(field);
+    EXPECT_EQ(field->cursorPosition(), 0);
+}

@@ -82,7 +82,12 @@ QColor tertiary(const QPalette &palette)
 QColor unemphasisedSelection(const QPalette &palette)
 {
     const QColor inactive = palette.color(QPalette::Inactive, QPalette::Highlight);
-    return inactive == palette.color(QPalette::Active, QPalette::Highlight) ? palette.color(QPalette::Mid) : inactive;
+    const QColor base = palette.color(QPalette::Base);
+    if (inactive != palette.color(QPalette::Active, QPalette::Highlight) && contrast(inactive, base) >= 1.3)
+        return inactive;
+    // Text a fifth of the way over the list's colour: seen on a light list and a dark one
+    // alike (a dark palette's Mid can be the list's own colour).
+    return over(palette.color(QPalette::Text), 0.2f, base);
 }
 
 void drawActivation(QPainter &painter, const QRectF &box, ActivationState state, const QPalette &palette)

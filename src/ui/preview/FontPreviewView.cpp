@@ -186,6 +186,7 @@ QWidget *FontPreviewView::buildPreviewSection()
     auto *textRow = new QHBoxLayout;
     auto *symbol = new QLabel(section);
     symbol->setPixmap(textSymbol(palette()));
+    symbol->setAccessibleName(u"Preview text"_s); // the field's picture, nothing to press
     textRow->addWidget(symbol);
     m_textField = new QLineEdit(section);
     m_textField->setPlaceholderText(u"Preview text…"_s);
@@ -386,8 +387,11 @@ void FontPreviewView::syncActivation()
 void FontPreviewView::syncText()
 {
     const QString &text = m_state.previewText();
-    if (m_textField->text() != text)
+    if (m_textField->text() != text) {
         m_textField->setText(text);
+        if (!m_textField->hasFocus())
+            m_textField->setCursorPosition(0); // a long text shows its start, as it reads
+    }
     m_clear->setEnabled(!text.isEmpty());
     m_sample->setText(text);
 }

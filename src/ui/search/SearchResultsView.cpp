@@ -134,6 +134,7 @@ SearchResultsView::SearchResultsView(AppState &state, QWidget *parent)
 {
     auto *spinner = new BusyIndicator(22);
     auto *searching = new QLabel(u"Searching folders…"_s);
+    searching->setAlignment(Qt::AlignCenter); // under the spinner, the label being as wide as the page
     TextStyles::applySecondary(searching);
     m_progress = centredPage(this, {spinner, searching}, 8);
     m_list = new SearchResultsList(state, m_model, this);
