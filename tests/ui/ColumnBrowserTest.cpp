@@ -628,3 +628,28 @@ TEST_F(Browser, AnEarlierColumnsChoiceStaysVisibleInTheDark)
     const QColor plain = rows.pixelColor(other.right() - 30, other.center().y());
     EXPECT_GE(Symbols::contrast(under, plain), 1.3) << under.name().toStdString() << " on " << plain.name().toStdString();
 }
+
+// Read right to left, the rows mirror (the button at the right, the chevron at the left
+// pointing left) and the arrows follow the reading: Left goes in, Right comes back.
+TEST_F(Browser, RightToLeftMirrorsRowsAndArrows)
+{
+    view.setLayoutDirection(Qt::RightToLeft);
+    click(0, u"A"_s);
+    ASSERT_EQ(path(), u"A"_s);
+    const QRect row = rowRect(0, u"A"_s);
+    const FontNodeDelegate::Layout mirrored = FontNodeDelegate::layout(row, true, Qt::RightToLeft);
+    EXPECT_GT(mirrored.button.left(), row.center().x());
+    EXPECT_LT(mirrored.chevron.right(), row.center().x());
+
+    column(0)->setFocus();
+    QTest::keyClick(column(0), Qt::Key_Left);
+    EXPECT_EQ(path(), u"A/Sub"_s) << "Left goes in";
+    QTest::keyClick(column(1), Qt::Key_Right);
+    EXPECT_EQ(path(), u"A"_s) << "Right comes back";
+
+    // The mirrored button is where the click toggles.
+    QTest::mouseClick(column(0)->viewport(), Qt::LeftButton, {}, mirrored.button.center().toPoint());
+    ASSERT_TRUE(waitUntilIdle());
+    EXPECT_EQ(store.activationState(FontNode::folder(library + u"/A"_s)), ActivationState::Active);
+    EXPECT_EQ(path(), u"A"_s) << "the button chooses nothing";
+}

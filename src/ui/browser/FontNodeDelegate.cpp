@@ -63,6 +63,17 @@ QString FontNodeDelegate::buttonToolTip(int activationState)
     return u"Activate"_s;
 }
 
+FontNodeDelegate::Layout FontNodeDelegate::layout(const QRect &row, bool isFolder, Qt::LayoutDirection direction)
+{
+    Layout parts = layout(row, isFolder);
+    if (direction == Qt::RightToLeft) {
+        const qreal axis = row.left() + row.right() + 1;
+        for (QRectF *part : {&parts.background, &parts.button, &parts.icon, &parts.text, &parts.chevron})
+            part->moveLeft(axis - part->right());
+    }
+    return parts;
+}
+
 QSize FontNodeDelegate::sizeHint(const QStyleOptionViewItem &option, const QModelIndex &) const
 {
     const int content = std::max(option.fontMetrics.height(), static_cast<int>(kButtonSide));
@@ -76,7 +87,7 @@ void FontNodeDelegate::paint(QPainter *painter, const QStyleOptionViewItem &opti
     const bool selected = option.state & QStyle::State_Selected;
     const bool hovered = option.state & QStyle::State_MouseOver;
     const bool emphasised = selected && m_activeColumn; // white text on the accent colour
-    const Layout parts = layout(option.rect, folder);
+    const Layout parts = layout(option.rect, folder, option.direction);
 
     painter->save();
     painter->setRenderHint(QPainter::Antialiasing);
@@ -98,7 +109,7 @@ void FontNodeDelegate::paint(QPainter *painter, const QStyleOptionViewItem &opti
         QColor chevron = emphasised ? onAccent : Symbols::secondary(palette);
         if (emphasised)
             chevron.setAlphaF(0.7f);
-        Symbols::drawChevron(*painter, parts.chevron, chevron);
+        Symbols::drawChevron(*painter, parts.chevron, chevron, option.direction == Qt::RightToLeft);
     } else {
         Symbols::drawFontFile(*painter, parts.icon, emphasised ? onAccent : Symbols::secondary(palette));
     }
@@ -116,7 +127,7 @@ bool FontNodeDelegate::helpEvent(QHelpEvent *event, QAbstractItemView *view, con
 {
     if (event->type() != QEvent::ToolTip || !index.isValid())
         return QStyledItemDelegate::helpEvent(event, view, option, index);
-    const Layout parts = layout(option.rect, index.data(FontNodeListModel::IsFolderRole).toBool());
+    const Layout parts = layout(option.rect, index.data(FontNodeListModel::IsFolderRole).toBool(), option.direction);
     const QString tip = parts.button.contains(event->pos())
         ? buttonToolTip(index.data(FontNodeListModel::ActivationRole).toInt())
         : index.data(Qt::DisplayRole).toString();
@@ -127,7 +138,8 @@ bool FontNodeDelegate::helpEvent(QHelpEvent *event, QAbstractItemView *view, con
 bool FontNodeDelegate::editorEvent(QEvent *event, QAbstractItemModel *, const QStyleOptionViewItem &option,
                                    const QModelIndex &index)
 {
-    const auto hit = RowButton::hit(event, layout(option.rect, index.data(FontNodeListModel::IsFolderRole).toBool()).button);
+    const auto hit = RowButton::hit(
+        event, layout(option.rect, index.data(FontNodeListModel::IsFolderRole).toBool(), option.direction).button);
     if (hit == RowButton::Hit::Click)
         Q_EMIT activationClicked(index);
     return hit != RowButton::Hit::Outside;

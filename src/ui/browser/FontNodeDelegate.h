@@ -22,6 +22,8 @@ public:
     };
     // Where each part of a row goes; painting, clicks and tooltips all use it.
     static Layout layout(const QRect &row, bool isFolder);
+    // The same, mirrored for right-to-left reading: the button at the right, the chevron at the left.
+    static Layout layout(const QRect &row, bool isFolder, Qt::LayoutDirection direction);
     static QString buttonToolTip(int activationState);
 
     using QStyledItemDelegate::QStyledItemDelegate;

@@ -4,6 +4,7 @@
 #include "ui/browser/FontNodeListModel.h"
 #include "ui/common/ContextMenus.h"
 #include "ui/browser/FontNodeDelegate.h"
+#include "ui/common/Reading.h"
 
 #include "state/AppState.h"
 
@@ -159,7 +160,7 @@ void SingleColumnView::keyPressEvent(QKeyEvent *event)
                        (event->key() != Qt::Key_Space || typing());
     if (!typed)
         m_typeAhead.reset(); // any other key ends a typed search
-    switch (event->key()) {
+    switch (Reading::logicalKey(this, event->key())) {
     case Qt::Key_Up:
         m_state.handleArrowUp();
         break;

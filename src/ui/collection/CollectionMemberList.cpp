@@ -4,6 +4,7 @@
 #include "ui/collection/CollectionMemberDelegate.h"
 #include "ui/collection/CollectionMemberModel.h"
 #include "ui/common/ContextMenus.h"
+#include "ui/common/Reading.h"
 
 #include "state/AppState.h"
 
@@ -45,7 +46,7 @@ void CollectionMemberList::jump(const QModelIndex &index)
 void CollectionMemberList::keyPressEvent(QKeyEvent *event)
 {
     const QModelIndex current = currentIndex();
-    switch (event->key()) {
+    switch (Reading::logicalKey(this, event->key())) {
     case Qt::Key_Return:
     case Qt::Key_Enter:
         jump(current);

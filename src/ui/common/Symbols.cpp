@@ -215,7 +215,7 @@ void drawFontFile(QPainter &painter, const QRectF &box, const QColor &colour)
     painter.restore();
 }
 
-void drawChevron(QPainter &painter, const QRectF &box, const QColor &colour)
+void drawChevron(QPainter &painter, const QRectF &box, const QColor &colour, bool pointsLeft)
 {
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
@@ -223,9 +223,10 @@ void drawChevron(QPainter &painter, const QRectF &box, const QColor &colour)
     const QPointF c = box.center();
     painter.setPen(QPen(colour, s / 6, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
     QPainterPath chevron;
-    chevron.moveTo(c.x() - s * 0.15, c.y() - s * 0.35);
-    chevron.lineTo(c.x() + s * 0.2, c.y());
-    chevron.lineTo(c.x() - s * 0.15, c.y() + s * 0.35);
+    const qreal way = pointsLeft ? -1 : 1;
+    chevron.moveTo(c.x() - way * s * 0.15, c.y() - s * 0.35);
+    chevron.lineTo(c.x() + way * s * 0.2, c.y());
+    chevron.lineTo(c.x() - way * s * 0.15, c.y() + s * 0.35);
     painter.drawPath(chevron);
     painter.restore();
 }

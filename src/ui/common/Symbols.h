@@ -32,7 +32,8 @@ QColor unemphasisedSelection(const QPalette &palette);
 void drawActivation(QPainter &painter, const QRectF &box, ActivationState state, const QPalette &palette);
 void drawFolder(QPainter &painter, const QRectF &box, const QColor &colour);
 void drawFontFile(QPainter &painter, const QRectF &box, const QColor &colour);
-void drawChevron(QPainter &painter, const QRectF &box, const QColor &colour);
+// Points right, or left for right-to-left reading.
+void drawChevron(QPainter &painter, const QRectF &box, const QColor &colour, bool pointsLeft = false);
 // A closed archive box: a source's folder.
 void drawArchiveBox(QPainter &painter, const QRectF &box, const QColor &colour);
 // A five-pointed star, filled: the "Favorites" collection.

@@ -3,6 +3,7 @@
 
 #include "ui/common/ContextMenus.h"
 #include "ui/common/Drops.h"
+#include "ui/common/Reading.h"
 #include "ui/sidebar/SidebarDelegate.h"
 #include "ui/sidebar/SidebarModel.h"
 #include "ui/sidebar/SidebarSectionProxy.h"
@@ -130,7 +131,7 @@ void SidebarList::keyPressEvent(QKeyEvent *event)
     const bool plain = event->modifiers() == Qt::NoModifier || event->modifiers() == Qt::KeypadModifier;
     if (state() != QAbstractItemView::EditingState && plain) {
         const int current = rowOf(currentIndex());
-        if (event->key() == Qt::Key_Right) {
+        if (Reading::logicalKey(this, event->key()) == Qt::Key_Right) {
             m_sidebar.handOver();
             event->accept();
             return;
