@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "AppMenus.h"
 
+#include "ui/common/Mnemonics.h"
+
 #include "services/FontActivationService.h"
 
 #include "services/PersistenceService.h"
@@ -68,6 +70,10 @@ void install(MainWindow &window)
     about->setMenuRole(QAction::NoRole);
     QObject::connect(about, &QAction::triggered, &window,
                      [&window] { QMessageBox::about(&window, u"About Morvane"_s, aboutText()); });
+    for (QAction *menu : bar->actions()) {
+        if (menu->menu())
+            Mnemonics::assign(menu->menu());
+    }
 }
 
 } // namespace AppMenus

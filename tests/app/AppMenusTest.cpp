@@ -31,7 +31,7 @@ QList<Item> itemsOf(QMenu *menu)
         QStringList keys;
         for (const QKeySequence &key : action->shortcuts())
             keys << key.toString(QKeySequence::PortableText);
-        items.append({action->isSeparator() ? u"-"_s : action->text(), keys});
+        items.append({action->isSeparator() ? u"-"_s : QString(action->text()).remove(u'&'), keys});
         EXPECT_TRUE(action->isEnabled()) << action->text().toStdString();
     }
     return items;

@@ -23,6 +23,7 @@
 #include <QDesktopServices>
 #include <QMenu>
 #include <QMimeData>
+#include <QRegularExpression>
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QMutex>
@@ -310,14 +311,14 @@ QStringList titles(const QMenu *menu)
 {
     QStringList texts;
     for (const QAction *action : menu->actions())
-        texts.append(action->isSeparator() ? u"-"_s : action->text());
+        texts.append(action->isSeparator() ? u"-"_s : QString(action->text()).remove(u'&')); // as shown
     return texts;
 }
 
 QAction *item(const QMenu *menu, const QString &text)
 {
     for (QAction *action : menu->actions()) {
-        if (action->text() == text)
+        if (QString(action->text()).remove(u'&') == text)
             return action;
     }
     ADD_FAILURE() << "no item " << text.toStdString();
@@ -652,4 +653,45 @@ TEST_F(Browser, RightToLeftMirrorsRowsAndArrows)
     ASSERT_TRUE(waitUntilIdle());
     EXPECT_EQ(store.activationState(FontNode::folder(library + u"/A"_s)), ActivationState::Active);
     EXPECT_EQ(path(), u"A"_s) << "the button chooses nothing";
+}
+
+// Every item of every menu has its own key, the texts reading as before; pressing an
+// item's key in the open menu does what a click does.
+TEST_F(Browser, MenuItemsHaveTheirOwnKeys)
+{
+    store.createCollection(u"R&D"_s);
+    const FontCollection collection = store.collections().constFirst();
+    const std::function<QMenu *()> menus[] = {
+        [&] { return ContextMenus::buildNodeMenu(store, FontNode::fontFile(library + u"/c.ttf"_s), &view); },
+        [&] { return ContextMenus::buildSourceMenu(store, store.sources().first(), &view); },
+        [&] { return ContextMenus::buildCollectionMenu(store, collection, &view, [] {}, [] {}); },
+    };
+    std::function<void(QMenu *)> check = [&](QMenu *menu) {
+        QSet<QChar> keys;
+        for (QAction *action : menu->actions()) {
+            if (action->isSeparator())
+                continue;
+            const QString text = action->text();
+            const qsizetype mark = text.indexOf(QRegularExpression(u"&[^&]"_s));
+            ASSERT_GE(mark, 0) << text.toStdString();
+            EXPECT_FALSE(keys.contains(text.at(mark + 1).toLower())) << text.toStdString();
+            keys.insert(text.at(mark + 1).toLower());
+            if (action->menu())
+                check(action->menu());
+        }
+    };
+    for (const auto &build : menus) {
+        std::unique_ptr<QMenu> menu(build());
+        check(menu.get());
+    }
+    std::unique_ptr<QMenu> node(menus[0]());
+    EXPECT_TRUE(titles(node.get()).contains(u"Add to Collection"_s));
+    QMenu *add = item(node.get(), u"Add to Collection"_s)->menu();
+    EXPECT_EQ(add->actions().constFirst()->text(), u"&R&&D"_s) << "shown as R&D, R its key";
+
+    node->popup(view.mapToGlobal(QPoint(10, 10)));
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(node.get()));
+    const QString activate = item(node.get(), u"Activate Font"_s)->text();
+    QTest::keyClick(node.get(), activate.at(activate.indexOf(u'&') + 1).toLatin1());
+    ASSERT_TRUE(QTest::qWaitFor([&] { return store.activatedFonts().contains(library + u"/c.ttf"_s) && !store.isProcessing(); }));
 }

@@ -43,14 +43,14 @@ QStringList actionTexts(const QMenu *menu)
 {
     QStringList texts;
     for (const QAction *action : menu->actions())
-        texts.append(action->text());
+        texts.append(QString(action->text()).remove(u'&')); // as shown
     return texts;
 }
 
 QAction *action(const QMenu *menu, const QString &text)
 {
     for (QAction *candidate : menu->actions()) {
-        if (candidate->text() == text)
+        if (QString(candidate->text()).remove(u'&') == text)
             return candidate;
     }
     ADD_FAILURE() << "no item " << text.toStdString();

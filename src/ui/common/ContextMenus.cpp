@@ -2,6 +2,7 @@
 #include "ui/common/ContextMenus.h"
 #include "ui/common/Confirmations.h"
 #include "ui/common/LicenseColours.h"
+#include "ui/common/Mnemonics.h"
 
 #include "services/LicenseStatus.h"
 #include "state/AppState.h"
@@ -84,7 +85,7 @@ QMenu *buildNodeMenu(AppState &state, const FontNode &node, QWidget *parent)
         menu->addSeparator();
         QMenu *collections = menu->addMenu(u"Add to Collection"_s);
         for (const FontCollection &collection : state.collections()) {
-            QAction *item = collections->addAction(collection.name);
+            QAction *item = collections->addAction(QString(collection.name).replace(u'&', u"&&"_s)); // a name's own "&" shows as one
             item->setEnabled(!collection.contains(path));
             const QUuid id = collection.id;
             QObject::connect(item, &QAction::triggered, menu, [&state, id, node] { state.addToCollection(id, node); });
@@ -92,6 +93,7 @@ QMenu *buildNodeMenu(AppState &state, const FontNode &node, QWidget *parent)
     }
     menu->addSeparator();
     addLicenseMenu(menu, state, path);
+    Mnemonics::assign(menu);
     return menu;
 }
 
@@ -115,6 +117,7 @@ QMenu *buildSourceMenu(AppState &state, const FolderSource &source, QWidget *par
     QObject::connect(menu->addAction(u"Remove Source"_s), &QAction::triggered, menu, [&state, source, parent] {
         Confirmations::removeSource(parent, state, source, [&state, source] { state.removeSource(source); });
     });
+    Mnemonics::assign(menu);
     return menu;
 }
 
@@ -138,6 +141,7 @@ QMenu *buildCollectionMenu(AppState &state, const FontCollection &collection, QW
     QObject::connect(menu->addAction(u"Delete Collection"_s), &QAction::triggered, menu, [&state, collection, parent] {
         Confirmations::deleteCollection(parent, collection, [&state, collection] { state.deleteCollection(collection); });
     });
+    Mnemonics::assign(menu);
     return menu;
 }
 
@@ -153,6 +157,7 @@ QMenu *buildMemberMenu(AppState &state, const CollectionMember &member, const QU
     menu->addSeparator();
     QObject::connect(menu->addAction(u"Remove from Collection"_s), &QAction::triggered, menu,
                      [&state, member, collectionId] { state.removeFromCollection(collectionId, member); });
+    Mnemonics::assign(menu);
     return menu;
 }
 
