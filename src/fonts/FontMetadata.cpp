@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "FontMetadata.h"
 
+#include "FaceTables.h"
 #include "FreeTypeLibrary.h"
 #include "MappedFile.h"
 
@@ -26,105 +27,9 @@ constexpr FT_UInt kPostScriptNameId = 6;
 constexpr FT_UInt kTypographicFamilyId = 16;
 constexpr FT_UInt kTypographicStyleId = 17;
 
-// The first of the name ids the name table has. A font without a name table (not
-// an sfnt) has only what FreeType read from its own format.
-QString firstName(FT_Face face, std::initializer_list<FT_UInt> ids, const char *fallback)
-{
-    if (!FT_IS_SFNT(face)) {
-        QString name = fallback ? QString::fromUtf8(fallback) : QString();
-        name.removeIf([](QChar c) { return c.category() == QChar::Other_Control; });
-        return name;
-    }
-    for (const FT_UInt id : ids) {
-        QString name = FreeType::sfntName(face, id);
-        if (!name.isEmpty())
-            return name;
-    }
-    return {};
-}
-
-// Closes the face whatever way the reader leaves.
-struct FaceHolder
-{
-    FT_Face face = nullptr;
-    ~FaceHolder()
-    {
-        if (face)
-            FT_Done_Face(face);
-    }
-};
-
-// What the name table says; a Type 1 font has none and says it in its font info.
-QString fullNameOf(FT_Face face)
-{
-    QString name = FreeType::sfntName(face, kFullNameId);
-    if (!name.isEmpty())
-        return name;
-    PS_FontInfoRec info{};
-    if (FT_Get_PS_Font_Info(face, &info) == 0 && info.full_name)
-        return QString::fromLatin1(info.full_name);
-    return {};
-}
-
-// One of the face's tables, whole; empty when it has none.
-QByteArray sfntTable(FT_Face face, FT_ULong tag)
-{
-    FT_ULong length = 0;
-    if (FT_Load_Sfnt_Table(face, tag, 0, nullptr, &length) != 0 || length == 0)
-        return {};
-    QByteArray table(static_cast<qsizetype>(length), Qt::Uninitialized);
-    if (FT_Load_Sfnt_Table(face, tag, 0, reinterpret_cast<FT_Byte *>(table.data()), &length) != 0)
-        return {};
-    return table;
-}
-
-quint16 read16(const QByteArray &table, qsizetype offset)
-{
-    return qFromBigEndian<quint16>(table.constData() + offset);
-}
-
-quint32 read32(const QByteArray &table, qsizetype offset)
-{
-    return qFromBigEndian<quint32>(table.constData() + offset);
-}
-
-// maxp's count: FreeType's own may be one short when a font's loca table is.
-qint64 glyphCountOf(FT_Face face)
-{
-    const QByteArray maxp = sfntTable(face, TTAG_maxp);
-    return maxp.size() >= 6 ? read16(maxp, 4) : face->num_glyphs;
-}
-
-// The fvar table's axes, read directly: FreeType 2.12 reports none for a font with
-// fvar but no gvar. An axis without a name is named by its tag.
-QList<VariationAxis> axesOf(FT_Face face)
-{
-    QList<VariationAxis> axes;
-    const QByteArray fvar = sfntTable(face, TTAG_fvar);
-    if (fvar.size() < 16)
-        return axes;
-    const qsizetype first = read16(fvar, 4);
-    const quint16 count = read16(fvar, 8);
-    const qsizetype recordSize = read16(fvar, 10);
-    if (recordSize < 20)
-        return axes;
-    for (quint16 i = 0; i < count; ++i) {
-        const qsizetype record = first + i * recordSize;
-        if (record + 20 > fvar.size())
-            break;
-        const quint32 id = read32(fvar, record);
-        const char tag[4] = {static_cast<char>(id >> 24), static_cast<char>((id >> 16) & 255),
-                             static_cast<char>((id >> 8) & 255), static_cast<char>(id & 255)};
-        const auto fixed = [&](qsizetype offset) { return static_cast<qint32>(read32(fvar, offset)) / 65536.0; };
-        const QString tagText = QString::fromLatin1(tag, 4);
-        const QString name = FreeType::sfntName(face, read16(fvar, record + 18));
-        axes.append({id, name.isEmpty() ? tagText : name, tagText, fixed(record + 4), fixed(record + 12),
-                     fixed(record + 8)});
-    }
-    return axes;
-}
-
 } // namespace
+
+using namespace FaceTables;
 
 namespace FontFiles {
 

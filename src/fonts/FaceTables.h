@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "FontMetadata.h"
+
+#include <QByteArray>
+#include <QList>
+#include <QString>
+
+#include <ft2build.h>
+#include FT_FREETYPE_H
+
+#include <initializer_list>
+
+// Reading a face's own tables through FreeType, shared by the metadata reader and the
+// catalogue's face reader so both name a font by the same rules.
+namespace FaceTables {
+
+// The first of the name ids the name table has. A font without a name table (not an
+// sfnt) has only what FreeType read from its own format.
+QString firstName(FT_Face face, std::initializer_list<FT_UInt> ids, const char *fallback);
+// What the name table says; a Type 1 font has none and says it in its font info.
+QString fullNameOf(FT_Face face);
+// One of the face's tables, whole; empty when it has none.
+QByteArray sfntTable(FT_Face face, FT_ULong tag);
+quint16 read16(const QByteArray &table, qsizetype offset);
+quint32 read32(const QByteArray &table, qsizetype offset);
+// maxp's count: FreeType's own may be one short when a font's loca table is.
+qint64 glyphCountOf(FT_Face face);
+// The fvar table's axes, read directly: FreeType 2.12 reports none for a font with fvar
+// but no gvar. An axis without a name is named by its tag.
+QList<VariationAxis> axesOf(FT_Face face);
+
+// Closes the face whatever way the reader leaves.
+struct FaceHolder
+{
+    FT_Face face = nullptr;
+    FaceHolder() = default;
+    FaceHolder(const FaceHolder &) = delete;
+    FaceHolder &operator=(const FaceHolder &) = delete;
+    ~FaceHolder()
+    {
+        if (face)
+            FT_Done_Face(face);
+    }
+};
+
+} // namespace FaceTables
