@@ -1,0 +1,303 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "FaceReader.h"
+
+#include "FaceTables.h"
+#include "FreeTypeLibrary.h"
+#include "MappedFile.h"
+
+#include FT_TRUETYPE_TABLES_H
+#include FT_TRUETYPE_TAGS_H
+
+#include <QFileInfo>
+#include <QDateTime>
+
+#include <fontconfig/fontconfig.h>
+#include <hb-ot.h>
+#include <hb.h>
+
+#include <algorithm>
+#include <memory>
+
+using namespace Qt::StringLiterals;
+using namespace FaceTables;
+
+namespace {
+
+constexpr FT_UInt kVersionId = 5;
+constexpr FT_UInt kPostScriptNameId = 6;
+constexpr FT_UInt kFamilyId = 1;
+constexpr FT_UInt kStyleId = 2;
+constexpr FT_UInt kManufacturerId = 8;
+constexpr FT_UInt kDesignerId = 9;
+constexpr FT_UInt kLicenceId = 13;
+constexpr FT_UInt kLicenceUrlId = 14;
+constexpr FT_UInt kTypographicFamilyId = 16;
+constexpr FT_UInt kTypographicStyleId = 17;
+
+// fontconfig's orthographies, read once: the languages and the characters each needs.
+struct Orthography
+{
+    QString language;
+    const FcCharSet *characters; // fontconfig's own, never freed
+};
+
+const QList<Orthography> &orthographies()
+{
+    static const QList<Orthography> all = [] {
+        QList<Orthography> list;
+        FcStrSet *languages = FcGetLangs();
+        FcStrList *each = FcStrListCreate(languages);
+        while (const FcChar8 *language = FcStrListNext(each)) {
+            if (const FcCharSet *characters = FcLangGetCharSet(language))
+                list.append({QString::fromUtf8(reinterpret_cast<const char *>(language)), characters});
+        }
+        FcStrListDone(each);
+        FcStrSetDestroy(languages);
+        return list;
+    }();
+    return all;
+}
+
+// CJK languages fontconfig grants only to the one a font's code pages name (OS/2
+// ulCodePageRange1 bits 17 to 20), so a Japanese font isn't listed as Chinese.
+struct Exclusive
+{
+    int bit;
+    const char *language;
+};
+constexpr Exclusive kExclusive[] = {{17, "ja"}, {18, "zh-cn"}, {19, "ko"}, {20, "zh-tw"}};
+
+bool isExclusive(const QString &language)
+{
+    return std::any_of(std::begin(kExclusive), std::end(kExclusive),
+                       [&](const Exclusive &e) { return language == QLatin1StringView(e.language); });
+}
+
+QStringList languagesOf(const QList<QPair<char32_t, char32_t>> &ranges, const QString &exclusiveLanguage)
+{
+    std::unique_ptr<FcCharSet, decltype(&FcCharSetDestroy)> face(FcCharSetCreate(), FcCharSetDestroy);
+    for (const auto &[first, last] : ranges) {
+        for (char32_t c = first; c <= last && c <= 0x10FFFF; ++c)
+            FcCharSetAddChar(face.get(), c);
+    }
+    const FcCharSet *exclusive = exclusiveLanguage.isEmpty()
+        ? nullptr
+        : FcLangGetCharSet(reinterpret_cast<const FcChar8 *>(exclusiveLanguage.toUtf8().constData()));
+    QStringList covered;
+    for (const Orthography &orthography : orthographies()) {
+        if (exclusive && isExclusive(orthography.language) && !FcCharSetEqual(orthography.characters, exclusive))
+            continue;
+        if (FcCharSetSubtractCount(orthography.characters, face.get()) == 0)
+            covered.append(orthography.language);
+    }
+    return covered;
+}
+
+// The characters the face maps to a glyph, as ranges.
+QList<QPair<char32_t, char32_t>> codePointsOf(FT_Face face)
+{
+    QList<QPair<char32_t, char32_t>> ranges;
+    if (FT_Select_Charmap(face, FT_ENCODING_UNICODE) != 0)
+        return ranges;
+    FT_UInt glyph = 0;
+    for (FT_ULong c = FT_Get_First_Char(face, &glyph); glyph != 0; c = FT_Get_Next_Char(face, c, &glyph)) {
+        const auto point = static_cast<char32_t>(c);
+        if (!ranges.isEmpty() && ranges.last().second + 1 == point)
+            ranges.last().second = point;
+        else
+            ranges.append({point, point});
+    }
+    return ranges;
+}
+
+FaceRecord::Classification classify(const QByteArray &os2, bool monospaced)
+{
+    using C = FaceRecord::Classification;
+    if (os2.size() >= 42) {
+        switch (static_cast<quint8>(os2.at(30))) { // sFamilyClass, its class byte
+        case 1: case 2: case 3: case 4: case 7: return monospaced ? C::Monospace : C::Serif;
+        case 5: return monospaced ? C::Monospace : C::SlabSerif;
+        case 8: return monospaced ? C::Monospace : C::SansSerif;
+        case 9: return C::Display;
+        case 10: return C::Script;
+        case 12: return C::Symbol;
+        default: break;
+        }
+        const auto family = static_cast<quint8>(os2.at(32)), serif = static_cast<quint8>(os2.at(33));
+        switch (family) { // PANOSE
+        case 2: // Latin text
+            if (monospaced || static_cast<quint8>(os2.at(35)) == 9)
+                return C::Monospace;
+            if (serif >= 11 && serif <= 15)
+                return C::SansSerif;
+            if (serif == 6)
+                return C::SlabSerif;
+            if (serif >= 2 && serif <= 10)
+                return C::Serif;
+            break;
+        case 3: return C::Script;
+        case 4: return C::Display;
+        case 5: return C::Symbol;
+        default: break;
+        }
+    }
+    return monospaced ? C::Monospace : C::Unknown;
+}
+
+QStringList scriptsOf(hb_face_t *face)
+{
+    QStringList scripts;
+    for (const hb_tag_t table : {HB_OT_TAG_GSUB, HB_OT_TAG_GPOS}) {
+        unsigned count = hb_ot_layout_table_get_script_tags(face, table, 0, nullptr, nullptr);
+        QList<hb_tag_t> tags(count);
+        hb_ot_layout_table_get_script_tags(face, table, 0, &count, tags.data());
+        for (const hb_tag_t tag : std::as_const(tags)) {
+            char text[5] = {};
+            hb_tag_to_string(tag, text);
+            const QString name = QString::fromLatin1(text).trimmed();
+            if (!scripts.contains(name))
+                scripts.append(name);
+        }
+    }
+    scripts.sort();
+    return scripts;
+}
+
+QStringList namedInstancesOf(FT_Face face)
+{
+    QStringList names;
+    const QByteArray fvar = sfntTable(face, TTAG_fvar);
+    if (fvar.size() < 16)
+        return names;
+    const qsizetype first = read16(fvar, 4);
+    const quint16 axes = read16(fvar, 8), axisSize = read16(fvar, 10);
+    const quint16 count = read16(fvar, 12), instanceSize = read16(fvar, 14);
+    const qsizetype start = first + qsizetype(axes) * axisSize;
+    for (quint16 i = 0; i < count; ++i) {
+        const qsizetype record = start + qsizetype(i) * instanceSize;
+        if (record + 2 > fvar.size())
+            break;
+        const QString name = FreeType::sfntName(face, read16(fvar, record));
+        if (!name.isEmpty())
+            names.append(name);
+    }
+    return names;
+}
+
+FaceRecord recordOf(FT_Face face, hb_face_t *shaping)
+{
+    FaceRecord r;
+    r.postScriptName = firstName(face, {kPostScriptNameId}, FT_IS_SFNT(face) ? nullptr : FT_Get_Postscript_Name(face));
+    r.family = firstName(face, {kTypographicFamilyId, kFamilyId}, face->family_name);
+    r.style = firstName(face, {kTypographicStyleId, kStyleId}, face->style_name);
+    if (r.style.isEmpty())
+        r.style = u"Regular"_s;
+    r.fullName = fullNameOf(face);
+    r.foundry = FreeType::sfntName(face, kManufacturerId);
+    r.designer = FreeType::sfntName(face, kDesignerId);
+    r.version = FreeType::sfntName(face, kVersionId);
+    r.licence = FreeType::sfntName(face, kLicenceId);
+    r.licenceUrl = FreeType::sfntName(face, kLicenceUrlId);
+
+    const QByteArray os2 = sfntTable(face, TTAG_OS2);
+    const QByteArray post = sfntTable(face, TTAG_post);
+    r.monospaced = (post.size() >= 16 && read32(post, 12) != 0) || FT_IS_FIXED_WIDTH(face);
+    if (os2.size() >= 64) {
+        r.weight = read16(os2, 4);
+        r.width = read16(os2, 6);
+        const quint16 selection = read16(os2, 62);
+        r.italic = (selection & 0x1) || (selection & 0x200);
+        r.vendorId = QString::fromLatin1(os2.constData() + 58, 4).trimmed();
+    } else {
+        r.italic = face->style_flags & FT_STYLE_FLAG_ITALIC;
+        r.weight = (face->style_flags & FT_STYLE_FLAG_BOLD) ? 700 : 400;
+    }
+    r.classification = classify(os2, r.monospaced);
+
+    if (!sfntTable(face, TTAG_CFF2).isEmpty())
+        r.outline = FaceRecord::Outline::Cff2;
+    else if (!sfntTable(face, TTAG_CFF).isEmpty())
+        r.outline = FaceRecord::Outline::Cff;
+    else if (!sfntTable(face, TTAG_glyf).isEmpty())
+        r.outline = FaceRecord::Outline::TrueType;
+    else if (FT_IS_SFNT(face) || FT_HAS_FIXED_SIZES(face))
+        r.outline = FaceRecord::Outline::BitmapOnly;
+    for (const VariationAxis &axis : axesOf(face))
+        r.axes.append(axis.tag);
+    r.namedInstances = namedInstancesOf(face);
+    const struct
+    {
+        FT_ULong tag;
+        const char *name;
+    } colours[] = {{FT_MAKE_TAG('C', 'O', 'L', 'R'), "COLR"}, {FT_MAKE_TAG('S', 'V', 'G', ' '), "SVG"},
+                   {FT_MAKE_TAG('s', 'b', 'i', 'x'), "sbix"}, {FT_MAKE_TAG('C', 'B', 'D', 'T'), "CBDT"}};
+    for (const auto &colour : colours) {
+        if (!sfntTable(face, colour.tag).isEmpty())
+            r.colourFormats.append(QString::fromLatin1(colour.name));
+    }
+    r.glyphCount = glyphCountOf(face);
+
+    r.codePoints = codePointsOf(face);
+    QString exclusive;
+    if (os2.size() >= 82) {
+        const quint32 codePages = read32(os2, 78);
+        for (const Exclusive &e : kExclusive) {
+            if (codePages & (1u << e.bit)) {
+                exclusive = QString::fromLatin1(e.language);
+                break;
+            }
+        }
+    }
+    r.languages = languagesOf(r.codePoints, exclusive);
+    r.scripts = scriptsOf(shaping);
+    return r;
+}
+
+} // namespace
+
+bool FaceRecord::covers(char32_t codePoint) const
+{
+    const auto after = std::upper_bound(codePoints.cbegin(), codePoints.cend(), codePoint,
+                                        [](char32_t c, const QPair<char32_t, char32_t> &range) { return c < range.first; });
+    return after != codePoints.cbegin() && codePoint <= std::prev(after)->second;
+}
+
+namespace FaceReader {
+
+QStringList languagesCovered(const QList<QPair<char32_t, char32_t>> &codePoints)
+{
+    return languagesOf(codePoints, {});
+}
+
+QList<FaceRecord> read(const QString &path)
+{
+    QList<FaceRecord> records;
+    const std::shared_ptr<const MappedFile> file = MappedFile::open(path);
+    if (!file || !FontFiles::tablesFitInside(file->bytes()))
+        return records;
+    FT_Library library = FreeType::threadLibrary();
+    FaceHolder probe;
+    if (FT_New_Memory_Face(library, file->data(), static_cast<FT_Long>(file->size()), -1, &probe.face) != 0)
+        return records;
+    const FT_Long faces = std::max<FT_Long>(1, probe.face->num_faces);
+    hb_blob_t *blob = hb_blob_create_or_fail(reinterpret_cast<const char *>(file->data()),
+                                             static_cast<unsigned>(file->size()), HB_MEMORY_MODE_READONLY, nullptr, nullptr);
+    const QFileInfo info(path);
+    for (FT_Long index = 0; index < faces; ++index) {
+        FaceHolder holder;
+        if (FT_New_Memory_Face(library, file->data(), static_cast<FT_Long>(file->size()), index, &holder.face) != 0)
+            continue;
+        hb_face_t *shaping = hb_face_create(blob, static_cast<unsigned>(index));
+        FaceRecord record = recordOf(holder.face, shaping);
+        hb_face_destroy(shaping);
+        record.path = path;
+        record.faceIndex = static_cast<int>(index);
+        record.size = file->size();
+        record.modified = info.lastModified().toSecsSinceEpoch();
+        records.append(std::move(record));
+    }
+    hb_blob_destroy(blob);
+    return records;
+}
+
+} // namespace FaceReader

@@ -1,0 +1,150 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The catalogue's face reader against references nobody here wrote: fontconfig's own
+// fc-scan for the languages, fontTools for the names, on the installed fonts and the
+// generated test fonts, every face of every file.
+#include "TestSupport.h"
+
+#include "fonts/FaceReader.h"
+
+#include <QDir>
+#include <QDirIterator>
+#include <QHash>
+#include <QProcess>
+
+#include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+QStringList fontFiles()
+{
+    QStringList files;
+    for (const QString &root : {u"/usr/share/fonts"_s, QStringLiteral(MORVANE_TEST_FONTS)}) {
+        QDirIterator it(root, {u"*.ttf"_s, u"*.otf"_s, u"*.ttc"_s}, QDir::Files, QDirIterator::Subdirectories);
+        while (it.hasNext())
+            files.append(it.next());
+    }
+    files.sort();
+    return files;
+}
+
+QString run(const QString &program, const QStringList &arguments)
+{
+    QProcess process;
+    process.start(program, arguments);
+    EXPECT_TRUE(process.waitForFinished(120'000)) << program.toStdString();
+    return QString::fromUtf8(process.readAllStandardOutput());
+}
+
+QString key(const QString &path, int index) { return path + u'#' + QString::number(index); }
+
+} // namespace
+
+TEST(FaceReader, LanguagesAreFontconfigsAnswerForEveryFace)
+{
+    const QStringList files = fontFiles();
+    ASSERT_GT(files.size(), 20);
+    QHash<QString, QString> expected; // what fc-scan says of each face
+    for (const QString &line : run(u"fc-scan"_s, QStringList{u"--format=%{file}\\t%{index}\\t%{lang}\\n"_s} + files)
+                                   .split(u'\n', Qt::SkipEmptyParts)) {
+        const QStringList parts = line.split(u'\t'); // languages are joined by "|"
+        // fontconfig lists a variable font's named instances too, above index 65535.
+        if (parts.value(1).toInt() < 0x10000)
+            expected.insert(key(parts.value(0), parts.value(1).toInt()), parts.value(2));
+    }
+    int faces = 0;
+    for (const QString &file : files) {
+        for (const FaceRecord &face : FaceReader::read(file)) {
+            ++faces;
+            const QString k = key(file, face.faceIndex);
+            ASSERT_TRUE(expected.contains(k)) << "fc-scan does not know " << k.toStdString();
+            QStringList theirs = expected.value(k).split(u'|', Qt::SkipEmptyParts);
+            QStringList ours = face.languages;
+            theirs.sort();
+            ours.sort();
+            EXPECT_EQ(ours, theirs) << k.toStdString();
+        }
+    }
+    EXPECT_EQ(faces, expected.size()) << "every face fontconfig sees, and no other";
+}
+
+TEST(FaceReader, NamesAreFontToolsNames)
+{
+    const QString script = uR"(
+import sys
+from fontTools.ttLib import TTCollection, TTFont
+for path in sys.argv[1:]:
+    fonts = TTCollection(path).fonts if path.endswith('.ttc') else [TTFont(path)]
+    for index, font in enumerate(fonts):
+        name = font['name']
+        def get(*ids):
+            for i in ids:
+                value = name.getDebugName(i)
+                if value:
+                    return value
+            return ''
+        print('|'.join([path, str(index), get(16, 1), get(17, 2) or 'Regular', get(4), get(6)]))
+)"_s;
+    const QStringList files = fontFiles();
+    int compared = 0;
+    QHash<QString, QStringList> ours;
+    for (const QString &file : files) {
+        for (const FaceRecord &face : FaceReader::read(file))
+            ours.insert(key(file, face.faceIndex), {face.family, face.style, face.fullName, face.postScriptName});
+    }
+    for (const QString &line : run(QStringLiteral(MORVANE_PYTHON), QStringList{u"-c"_s, script} + files)
+                                   .split(u'\n', Qt::SkipEmptyParts)) {
+        const QStringList parts = line.split(u'|');
+        const QString k = key(parts.value(0), parts.value(1).toInt());
+        if (!ours.contains(k))
+            continue; // a file we rightly refuse (truncated, garbage) fontTools may still open
+        EXPECT_EQ(ours.value(k), parts.mid(2)) << k.toStdString();
+        ++compared;
+    }
+    EXPECT_GT(compared, 20);
+}
+
+// What a designer filters by, on fonts whose kind is known.
+TEST(FaceReader, KindMakersAndTechnology)
+{
+    const QString dejavu = u"/usr/share/fonts/truetype/dejavu/"_s;
+    const struct
+    {
+        QString file;
+        FaceRecord::Classification classification;
+        int weight;
+        bool italic;
+        bool monospaced;
+    } cases[] = {
+        {u"DejaVuSans.ttf"_s, FaceRecord::Classification::SansSerif, 400, false, false},
+        {u"DejaVuSans-BoldOblique.ttf"_s, FaceRecord::Classification::SansSerif, 700, true, false},
+        {u"DejaVuSerif.ttf"_s, FaceRecord::Classification::SlabSerif, 400, false, false}, // PANOSE: square serifs
+        {u"DejaVuSansMono.ttf"_s, FaceRecord::Classification::Monospace, 400, false, true},
+    };
+    for (const auto &c : cases) {
+        const QList<FaceRecord> faces = FaceReader::read(dejavu + c.file);
+        ASSERT_EQ(faces.size(), 1) << c.file.toStdString();
+        const FaceRecord &face = faces.first();
+        EXPECT_EQ(face.classification, c.classification) << c.file.toStdString();
+        EXPECT_EQ(face.weight, c.weight) << c.file.toStdString();
+        EXPECT_EQ(face.italic, c.italic) << c.file.toStdString();
+        EXPECT_EQ(face.monospaced, c.monospaced) << c.file.toStdString();
+        EXPECT_EQ(face.outline, FaceRecord::Outline::TrueType);
+        EXPECT_TRUE(face.covers(U'Ő') && face.covers(U'A')) << c.file.toStdString();
+        EXPECT_FALSE(face.covers(U'\u4E00')) << "no Han";
+        EXPECT_TRUE(face.scripts.contains(u"latn"_s)) << face.scripts.join(u' ').toStdString();
+        EXPECT_FALSE(face.version.isEmpty());
+    }
+    const QList<FaceRecord> pair = FaceReader::read(QStringLiteral(MORVANE_TEST_FONTS "/Pair.ttc"));
+    ASSERT_EQ(pair.size(), 2) << "every face of a collection";
+    EXPECT_NE(pair.at(0).postScriptName, pair.at(1).postScriptName);
+    const QList<FaceRecord> axes = FaceReader::read(QStringLiteral(MORVANE_TEST_FONTS "/Axes.ttf"));
+    ASSERT_EQ(axes.size(), 1);
+    EXPECT_EQ(axes.first().axes, (QStringList{u"wght"_s, u"XTRA"_s, u"opsz"_s}));
+    const QList<FaceRecord> colour = FaceReader::read(QStringLiteral(MORVANE_TEST_FONTS "/Colour.ttf"));
+    ASSERT_EQ(colour.size(), 1);
+    EXPECT_FALSE(colour.first().colourFormats.isEmpty());
+    for (const char *refused : {"/Garbage.otf", "/Empty.ttf", "/Truncated.ttf"})
+        EXPECT_TRUE(FaceReader::read(QStringLiteral(MORVANE_TEST_FONTS) + QLatin1StringView(refused)).isEmpty()) << refused;
+}
