@@ -13,6 +13,8 @@ packages=(
   qcoro-qt6-dev
   # font parsing, shaping and registration
   libfreetype-dev libharfbuzz-dev libfontconfig-dev fontconfig
+  # the font catalogue: an SQLite database with full-text search
+  libsqlite3-dev
   # tests and benchmarks
   libgtest-dev libgmock-dev libbenchmark-dev
   # real fonts for tests, and a generator for fonts with chosen names and axes

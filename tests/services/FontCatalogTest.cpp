@@ -1,0 +1,180 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The font catalogue on real fonts: each filter alone and combined against the same
+// question asked of the faces directly, files read again only when they change, and a
+// database that is broken, too new or unwritable never in the way.
+#include "TestSupport.h"
+
+#include "fonts/FaceReader.h"
+#include "services/FontCatalog.h"
+
+#include <QDirIterator>
+#include <QFileInfo>
+
+#include <sqlite3.h>
+
+#include <functional>
+
+#include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
+using namespace TestSupport;
+
+namespace {
+
+FileStamp stampOf(const QString &path)
+{
+    const QFileInfo info(path);
+    return {path, info.size(), info.lastModified().toSecsSinceEpoch()};
+}
+
+QList<FileStamp> installedFonts()
+{
+    QList<FileStamp> files;
+    QDirIterator it(u"/usr/share/fonts"_s, {u"*.ttf"_s, u"*.otf"_s}, QDir::Files, QDirIterator::Subdirectories);
+    while (it.hasNext())
+        files.append(stampOf(it.next()));
+    files.append(stampOf(QStringLiteral(MORVANE_TEST_FONTS "/Axes.ttf")));
+    files.append(stampOf(QStringLiteral(MORVANE_TEST_FONTS "/Garbage.otf")));
+    return files;
+}
+
+QStringList names(const QList<FaceRecord> &faces)
+{
+    QStringList list;
+    for (const FaceRecord &face : faces)
+        list.append(face.postScriptName);
+    list.sort();
+    return list;
+}
+
+} // namespace
+
+TEST(FontCatalog, EachFilterAloneAndCombinedAnswersAsTheFacesDo)
+{
+    FontCatalog catalog(testRoot() + u"/cache/catalogue.sqlite"_s);
+    ASSERT_TRUE(catalog.isAvailable());
+    QList<FaceRecord> all;
+    for (const FileStamp &file : installedFonts()) {
+        const QList<FaceRecord> faces = FaceReader::read(file.path);
+        catalog.record(file, faces);
+        all += faces;
+    }
+    ASSERT_GT(all.size(), 20);
+    EXPECT_EQ(catalog.faceCount(), all.size());
+    const auto lower = [](const QString &text) { return text.toLower(); };
+
+    using C = FaceRecord::Classification;
+    const struct
+    {
+        const char *question;
+        FontQuery query;
+        std::function<bool(const FaceRecord &)> answers;
+    } cases[] = {
+        {"a name's word prefixes", FontQuery{.text = u"dej mon"_s},
+         [&](const FaceRecord &f) { return lower(f.family).startsWith(u"dejavu sans mono"_s); }},
+        {"any letter case, any accents", FontQuery{.text = u"SÉRIF"_s},
+         [&](const FaceRecord &f) { return lower(f.family + u' ' + f.style + u' ' + f.fullName).contains(u"serif"_s); }},
+        {"Hungarian sans serifs", FontQuery{.languages = {u"hu"_s}, .classifications = {C::SansSerif}},
+         [](const FaceRecord &f) { return f.languages.contains(u"hu"_s) && f.classification == C::SansSerif; }},
+        {"Ő ő ű mapped", FontQuery{.requiredCharacters = u"Ő ő ű"_s},
+         [](const FaceRecord &f) { return f.covers(U'Ő') && f.covers(U'ő') && f.covers(U'ű'); }},
+        {"Cyrillic word with a combining mark", FontQuery{.requiredCharacters = u"Приве\u0301т"_s},
+         [](const FaceRecord &f) {
+             return f.covers(U'П') && f.covers(U'р') && f.covers(U'и') && f.covers(U'в') && f.covers(U'е') && f.covers(U'т')
+                    && f.covers(U'\u0301');
+         }},
+        {"bold italics", FontQuery{.minWeight = 700, .italic = true},
+         [](const FaceRecord &f) { return f.weight >= 700 && f.italic; }},
+        {"monospaced", FontQuery{.monospaced = true}, [](const FaceRecord &f) { return f.monospaced; }},
+        {"variable", FontQuery{.variable = true}, [](const FaceRecord &f) { return !f.axes.isEmpty(); }},
+        {"light upright serifs or slabs", FontQuery{.classifications = {C::Serif, C::SlabSerif}, .maxWeight = 300, .italic = false},
+         [](const FaceRecord &f) {
+             return (f.classification == C::Serif || f.classification == C::SlabSerif) && f.weight <= 300 && !f.italic;
+         }},
+    };
+    for (const auto &c : cases) {
+        QList<FaceRecord> expected;
+        std::copy_if(all.cbegin(), all.cend(), std::back_inserter(expected), c.answers);
+        const QList<FaceRecord> answer = catalog.query(c.query);
+        EXPECT_EQ(names(answer), names(expected)) << c.question;
+        EXPECT_FALSE(expected.isEmpty() && answer.isEmpty() && QByteArray(c.question) != "light upright serifs or slabs")
+            << c.question << ": a question nothing answers proves little";
+    }
+    // Whole records come back as they went in.
+    const QList<FaceRecord> mono = catalog.query(FontQuery{.text = u"DejaVuSansMono-Bold"_s});
+    ASSERT_FALSE(mono.isEmpty());
+    const auto original = std::find_if(all.cbegin(), all.cend(), [&](const FaceRecord &f) { return f.path == mono.first().path; });
+    ASSERT_NE(original, all.cend());
+    FaceRecord stored = mono.first();
+    stored.size = original->size;
+    stored.modified = original->modified;
+    EXPECT_EQ(stored, *original);
+}
+
+TEST(FontCatalog, FilesAreReadAgainOnlyWhenTheyChange)
+{
+    const QString folder = makeDir(testRoot() + u"/Fonts"_s);
+    QList<FileStamp> seen;
+    for (const QString &name : {u"a.ttf"_s, u"b.ttf"_s, u"c.ttf"_s}) {
+        ASSERT_TRUE(QFile::copy(QStringLiteral(MORVANE_TEST_FONTS "/Plain.ttf"), folder + u'/' + name));
+        seen.append(stampOf(folder + u'/' + name));
+    }
+    FontCatalog catalog(testRoot() + u"/cache/catalogue.sqlite"_s);
+    QStringList toRead = catalog.filesToRead(seen);
+    EXPECT_EQ(toRead.size(), 3);
+    for (const FileStamp &file : seen)
+        catalog.record(file, FaceReader::read(file.path));
+    EXPECT_TRUE(catalog.filesToRead(seen).isEmpty()) << "nothing changed, nothing read";
+
+    seen[1].modified += 60; // touched
+    seen.removeAt(2);       // gone
+    EXPECT_EQ(catalog.filesToRead(seen), QStringList{folder + u"/b.ttf"_s});
+    EXPECT_EQ(catalog.faceCount(), 2) << "the gone file's face went with it";
+
+    // Unreadable is remembered, and not tried again until it changes.
+    const QString bad = writeFile(folder + u"/bad.ttf"_s, "not a font");
+    seen.append(stampOf(bad));
+    EXPECT_TRUE(catalog.filesToRead(seen).contains(bad));
+    catalog.record(seen.last(), FaceReader::read(bad));
+    EXPECT_FALSE(catalog.filesToRead(seen).contains(bad));
+}
+
+TEST(FontCatalog, ABrokenTooNewOrUnwritableDatabaseIsNeverInTheWay)
+{
+    const QString path = testRoot() + u"/cache/catalogue.sqlite"_s;
+    makeDir(testRoot() + u"/cache"_s);
+    const struct
+    {
+        const char *what;
+        std::function<void()> make;
+    } cases[] = {
+        {"corrupt", [&] { writeFile(path, QByteArray(8192, 'x')); }},
+        {"from a newer Morvane",
+         [&] {
+             sqlite3 *db = nullptr;
+             sqlite3_open(QFile::encodeName(path).constData(), &db);
+             sqlite3_exec(db, "CREATE TABLE future(x); PRAGMA user_version = 99;", nullptr, nullptr, nullptr);
+             sqlite3_close(db);
+         }},
+    };
+    for (const auto &c : cases) {
+        QFile::remove(path);
+        c.make();
+        QString printed;
+        printed = capturedStdout([&] {
+            FontCatalog catalog(path);
+            EXPECT_TRUE(catalog.isAvailable()) << c.what;
+            EXPECT_EQ(catalog.faceCount(), 0) << c.what;
+            catalog.record(stampOf(QStringLiteral(MORVANE_TEST_FONTS "/Plain.ttf")),
+                           FaceReader::read(QStringLiteral(MORVANE_TEST_FONTS "/Plain.ttf")));
+            EXPECT_EQ(catalog.faceCount(), 1) << c.what;
+        });
+        EXPECT_TRUE(printed.startsWith(u"The font catalogue at "_s + path + u" was set aside"_s)) << printed.toStdString();
+        EXPECT_EQ(printed.count(u'\n'), 1) << "one line: " << printed.left(300).toStdString();
+    }
+    // Nowhere to write: unavailable, every answer empty, nothing thrown.
+    FontCatalog nowhere(u"/proc/self/morvane/catalogue.sqlite"_s);
+    EXPECT_FALSE(nowhere.isAvailable());
+    EXPECT_TRUE(nowhere.query(FontQuery{.text = u"a"_s}).isEmpty());
+    EXPECT_TRUE(nowhere.filesToRead({stampOf(QStringLiteral(MORVANE_TEST_FONTS "/Plain.ttf"))}).isEmpty());
+}
