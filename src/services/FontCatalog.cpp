@@ -195,9 +195,13 @@ bool FontCatalog::open(const QString &path)
             setAside(path, u"a newer Morvane wrote it"_s);
             return !QFileInfo::exists(path) && open(path);
         }
-        // Unreadable (corrupt, not a database) or unwritable: which one, the caller sees
-        // by trying the fresh file it sets aside for.
-        return QFileInfo(path).isWritable() ? false : true;
+        // A new file that can't take the schema (a full disk, a size limit) is
+        // unwritable, not bad: unavailable, and nothing to set aside.
+        if (version == 0) {
+            QFile::remove(path);
+            return true;
+        }
+        return !QFileInfo(path).isWritable(); // unreadable where writable: corrupt
     }
     exec("PRAGMA journal_mode = WAL");
     exec("PRAGMA synchronous = NORMAL");
@@ -220,6 +224,7 @@ void FontCatalog::setAside(const QString &path, const QString &why)
 
 QStringList FontCatalog::filesToRead(const QList<FileStamp> &seen)
 {
+    const std::lock_guard lock(m_mutex);
     if (!m_db)
         return {};
     QHash<QString, QPair<qint64, qint64>> recorded;
@@ -254,6 +259,7 @@ QStringList FontCatalog::filesToRead(const QList<FileStamp> &seen)
 
 void FontCatalog::record(const FileStamp &file, const QList<FaceRecord> &faces)
 {
+    const std::lock_guard lock(m_mutex);
     if (!m_db)
         return;
     exec("BEGIN");
@@ -296,6 +302,7 @@ void FontCatalog::record(const FileStamp &file, const QList<FaceRecord> &faces)
 
 qsizetype FontCatalog::faceCount() const
 {
+    const std::lock_guard lock(m_mutex);
     if (!m_db)
         return 0;
     Statement count(m_db, "SELECT count(*) FROM faces");
@@ -304,6 +311,7 @@ qsizetype FontCatalog::faceCount() const
 
 QList<FaceRecord> FontCatalog::query(const FontQuery &query) const
 {
+    const std::lock_guard lock(m_mutex);
     QList<FaceRecord> answer;
     if (!m_db)
         return answer;

@@ -7,6 +7,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <mutex>
 #include <optional>
 
 struct sqlite3;
@@ -36,7 +37,7 @@ struct FileStamp
 // Every face of every font file of the library, in an SQLite database under
 // $XDG_CACHE_HOME/Morvane: a cache, rebuilt from the files whenever it is lost, never
 // the only copy of anything the user made. One connection, used from one thread at a
-// time. A database that is corrupt or from a newer Morvane is set aside and started
+// time (the calls take turns). A database that is corrupt or from a newer Morvane is set aside and started
 // afresh, with one line on standard output; where nothing can be written the
 // catalogue is unavailable and everything else goes on.
 class FontCatalog
@@ -67,4 +68,5 @@ private:
     bool exec(const char *sql) const;
 
     sqlite3 *m_db = nullptr;
+    mutable std::mutex m_mutex; // the indexing job and queries take turns
 };

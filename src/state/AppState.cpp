@@ -51,7 +51,9 @@ AppState::~AppState()
     // A job still running holds the activation service, which may go away with us.
     m_libraryCancellation.cancel();
     m_searchCancellation.cancel();
+    m_catalogueCancellation.cancel();
     m_runningJob.waitForFinished();
+    m_catalogueJob.waitForFinished(); // it stops after the chunk in hand
 }
 
 bool AppState::waitForBackgroundWork(int msecs)

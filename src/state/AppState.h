@@ -6,6 +6,7 @@
 #include "model/CollectionRecords.h"
 #include "model/FolderSearchResult.h"
 #include "model/FolderSource.h"
+#include "services/FontCatalog.h"
 #include "model/FontNode.h"
 #include "model/SidebarItem.h"
 #include "services/FinderTagService.h"
@@ -215,7 +216,20 @@ public:
     // Sets a file's licence status (its tags) and tells the views, which repaint.
     void setLicenseStatus(LicenseStatus status, const QString &path);
 
+    // ---- The font catalogue (AppStateCatalog.cpp) ------------------------------------
+    // After each library refresh the catalogue reads new and changed font files in the
+    // background; queries answer meanwhile from what is indexed so far.
+    bool isCataloguing() const { return m_isCataloguing; }
+    // "Indexing fonts (12,345 of 100,000)…" while it works.
+    QString catalogueMessage() const;
+    // Runs off the interface thread; a newer query makes an older one answer nothing.
+    QCoro::Task<QList<FaceRecord>> queryFonts(FontQuery query);
+    // Waits (tests, benchmarks) until the running indexing job has ended.
+    bool waitForCatalogue(int msecs);
+
 Q_SIGNALS:
+    void catalogueProgressChanged();
+    void catalogueChanged(); // more faces indexed, or some dropped
     void sourcesChanged();
     void collectionsChanged();
     void sidebarSelectionChanged();
@@ -243,6 +257,8 @@ Q_SIGNALS:
 
 private:
     QCoro::Task<> runRefresh(quint64 generation, QList<FolderSource> sources, QList<CollectionMember> members);
+    void indexCatalogue();
+    void setCatalogueProgress(bool working, qsizetype done, qsizetype total);
     QCoro::Task<> runSearch(quint64 generation, QList<FolderSearchResult> index, QString query);
     QCoro::Task<> restoreActivations(QSet<QString> saved, bool savedSetIsWhole);
     // Activates the waiting fonts whose file can be reached again; drops those whose
@@ -309,6 +325,13 @@ private:
     QList<FolderSearchResult> m_searchIndex;
     quint64 m_searchGeneration = 0;        // a sleeping search runs only if still the latest
     CancellationToken m_searchCancellation; // the running filter
+    std::shared_ptr<FontCatalog> m_catalog; // opened by the first indexing job
+    CancellationToken m_catalogueCancellation;
+    QFuture<void> m_catalogueJob;
+    bool m_isCataloguing = false;
+    qsizetype m_catalogueDone = 0;
+    qsizetype m_catalogueTotal = 0;
+    quint64 m_queryGeneration = 0;
     SearchFilter m_searchFilter = &AppState::filterIndex;
     // Loading
     bool m_isIndexing = false;

@@ -320,6 +320,7 @@ QCoro::Task<> AppState::runRefresh(quint64 generation, QList<FolderSource> sourc
     qCDebug(lcLibrary) << "scanned" << sources.size() << "sources," << scan.searchIndex.size() << "folders in"
                        << took.elapsed() << "ms";
     installLibrary(scan.service, scan.searchIndex);
+    indexCatalogue();
     scheduleSearch(); // an active query runs again on the new index
     setIsIndexing(false);
     restoreWaiting(); // a source folder that came back brings its fonts back

@@ -38,7 +38,12 @@ ReindexingStrip::ReindexingStrip(AppState &state, QWidget *parent)
     divider->setFixedHeight(1);
     divider->setForegroundRole(QPalette::Mid);
     column->addWidget(divider);
-    m_indicator->setVisible(state.isIndexing());
-    connect(&state, &AppState::isIndexingChanged, this,
-            [this] { m_indicator->setVisible(m_state.isIndexing()); });
+    // The library's scan first, then the catalogue's reading of new and changed fonts.
+    const auto sync = [this, label] {
+        label->setText(m_state.isIndexing() ? tr("Updating font library…") : m_state.catalogueMessage());
+        m_indicator->setVisible(m_state.isIndexing() || (m_state.isCataloguing() && m_state.catalogueMessage().size() > 0));
+    };
+    sync();
+    connect(&state, &AppState::isIndexingChanged, this, sync);
+    connect(&state, &AppState::catalogueProgressChanged, this, sync);
 }

@@ -1,0 +1,153 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The font catalogue: indexing every face of the library after each refresh, off the
+// interface thread, and answering queries from what is indexed so far.
+#include "AppState.h"
+
+#include "fonts/FaceReader.h"
+#include "services/Diagnostics.h"
+
+#include <QCoroFuture>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFileInfo>
+#include <QLocale>
+#include <QPointer>
+#include <QSet>
+#include <QThreadPool>
+#include <QtConcurrent/QtConcurrentMap>
+#include <QtConcurrent/QtConcurrentRun>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr qsizetype kChunk = 256; // files read together, between looks at the cancel flag
+
+// Readers of their own: the indexing job waits on them from the shared pool.
+QThreadPool &readers()
+{
+    static QThreadPool pool;
+    return pool;
+}
+
+} // namespace
+
+QString AppState::catalogueMessage() const
+{
+    if (!m_isCataloguing || m_catalogueTotal == 0)
+        return {}; // nothing new to read: nothing to say
+    const QLocale locale;
+    return tr("Indexing fonts (%1 of %2)…").arg(locale.toString(m_catalogueDone), locale.toString(m_catalogueTotal));
+}
+
+void AppState::setCatalogueProgress(bool working, qsizetype done, qsizetype total)
+{
+    if (m_isCataloguing == working && m_catalogueDone == done && m_catalogueTotal == total)
+        return;
+    m_isCataloguing = working;
+    m_catalogueDone = done;
+    m_catalogueTotal = total;
+    Q_EMIT catalogueProgressChanged();
+}
+
+void AppState::indexCatalogue()
+{
+    m_catalogueCancellation.cancel(); // the older job stops after its chunk; records never double
+    const CancellationToken cancellation = CancellationToken::create();
+    m_catalogueCancellation = cancellation;
+    if (!m_catalog)
+        m_catalog = std::make_shared<FontCatalog>();
+    // Every font the scan saw: in the sources, and collection members outside them.
+    QStringList paths;
+    QSet<QString> seen;
+    const auto take = [&](const QString &root) {
+        for (const FontNode &font : m_fileSystemService->allFonts(QDir::cleanPath(root))) {
+            if (!seen.contains(font.path())) {
+                seen.insert(font.path());
+                paths.append(font.path());
+            }
+        }
+    };
+    for (const FolderSource &source : std::as_const(m_sources))
+        take(source.path);
+    for (const FontCollection &collection : std::as_const(m_collections)) {
+        for (const CollectionMember &member : collection.members) {
+            if (member.isDirectory)
+                take(member.path);
+            else if (!seen.contains(member.path) && m_fileSystemService->exists(member.path)) {
+                seen.insert(member.path);
+                paths.append(member.path);
+            }
+        }
+    }
+    setCatalogueProgress(true, 0, 0);
+    const std::shared_ptr<FontCatalog> catalog = m_catalog;
+    m_catalogueJob = QtConcurrent::run([this, catalog, cancellation, previous = m_catalogueJob, paths = std::move(paths)] {
+        // One job at a time: the store then waits for the newest alone when it goes.
+        QFuture<void>(previous).waitForFinished();
+        QElapsedTimer took;
+        took.start();
+        QList<FileStamp> stamps;
+        stamps.reserve(paths.size());
+        for (const QString &path : paths) {
+            const QFileInfo info(path);
+            stamps.append({path, info.size(), info.lastModified().toSecsSinceEpoch()});
+        }
+        const QStringList toRead = catalog->filesToRead(stamps); // vanished files go here
+        QHash<QString, FileStamp> byPath;
+        for (const FileStamp &stamp : std::as_const(stamps))
+            byPath.insert(stamp.path, stamp);
+        const qsizetype total = toRead.size();
+        const auto report = [this](bool working, qsizetype done, qsizetype all, bool changed) {
+            QMetaObject::invokeMethod(
+                this,
+                [this, working, done, all, changed] {
+                    setCatalogueProgress(working, done, all);
+                    if (changed)
+                        Q_EMIT catalogueChanged();
+                },
+                Qt::QueuedConnection);
+        };
+        report(true, 0, total, false);
+        qsizetype done = 0;
+        for (qsizetype start = 0; start < total; start += kChunk) {
+            if (cancellation.isCancelled())
+                return; // the next refresh's job takes over from here
+            const QStringList chunk = toRead.mid(start, kChunk);
+            const QList<QList<FaceRecord>> read = QtConcurrent::blockingMapped(&readers(), chunk, &FaceReader::read);
+            for (qsizetype i = 0; i < chunk.size(); ++i)
+                catalog->record(byPath.value(chunk.at(i)), read.at(i));
+            done += chunk.size();
+            report(true, done, total, true);
+        }
+        qCDebug(lcLibrary) << "catalogued" << total << "of" << paths.size() << "files in" << took.elapsed() << "ms";
+        if (!cancellation.isCancelled())
+            report(false, done, total, true);
+    });
+}
+
+bool AppState::waitForCatalogue(int msecs)
+{
+    QElapsedTimer waited;
+    waited.start();
+    while (!m_catalogueJob.isFinished() || m_isCataloguing) {
+        if (waited.elapsed() >= msecs)
+            return false;
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+    }
+    return true;
+}
+
+QCoro::Task<QList<FaceRecord>> AppState::queryFonts(FontQuery query)
+{
+    const quint64 generation = ++m_queryGeneration;
+    if (!m_catalog)
+        m_catalog = std::make_shared<FontCatalog>();
+    const std::shared_ptr<FontCatalog> catalog = m_catalog;
+    QPointer<AppState> self(this);
+    const QFuture<QList<FaceRecord>> asked = QtConcurrent::run([catalog, query] { return catalog->query(query); });
+    QList<FaceRecord> answer = co_await asked;
+    if (!self || generation != m_queryGeneration)
+        co_return QList<FaceRecord>(); // a newer question is being answered
+    co_return answer;
+}
