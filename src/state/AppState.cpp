@@ -3,6 +3,7 @@
 
 #include "services/MountWatcher.h"
 
+#include <QDateTime>
 #include <QElapsedTimer>
 #include <QLocale>
 #include <QThread>
@@ -122,6 +123,7 @@ void AppState::recordSaveResult(const QString &fileName, const QString &failure)
 
 void AppState::setIsProcessing(bool processing)
 {
+    m_cataloguePaused->store(processing);
     if (m_isProcessing == processing)
         return;
     m_isProcessing = processing;

@@ -332,6 +332,9 @@ private:
     qsizetype m_catalogueDone = 0;
     qsizetype m_catalogueTotal = 0;
     quint64 m_queryGeneration = 0;
+    // Set while a batch runs: activation is Morvane's first job, the catalogue waits.
+    std::shared_ptr<std::atomic_bool> m_cataloguePaused = std::make_shared<std::atomic_bool>(false);
+    std::shared_ptr<std::atomic<qint64>> m_catalogueQuietUntil = std::make_shared<std::atomic<qint64>>(0);
     SearchFilter m_searchFilter = &AppState::filterIndex;
     // Loading
     bool m_isIndexing = false;

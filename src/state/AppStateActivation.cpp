@@ -8,6 +8,7 @@
 
 #include <QElapsedTimer>
 #include <QCoroFuture>
+#include <QDateTime>
 #include <QDir>
 #include <QLocale>
 #include <QPointer>
@@ -325,5 +326,7 @@ QCoro::Task<> AppState::batchProcess(QList<FontNode> fonts, bool activate, QStri
         Q_EMIT activatedFontsChanged();
     }
     qCDebug(lcActivation) << (activate ? "activated" : "deactivated") << total << "fonts in" << took.elapsed() << "ms";
+    // The catalogue's reading waits a little longer: a user often toggles again soon.
+    m_catalogueQuietUntil->store(QDateTime::currentMSecsSinceEpoch() + 2000);
     setIsProcessing(false);
 }

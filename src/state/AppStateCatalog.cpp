@@ -7,12 +7,14 @@
 #include "services/Diagnostics.h"
 
 #include <QCoroFuture>
+#include <QDateTime>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFileInfo>
 #include <QLocale>
 #include <QPointer>
 #include <QSet>
+#include <QThread>
 #include <QThreadPool>
 #include <QtConcurrent/QtConcurrentMap>
 #include <QtConcurrent/QtConcurrentRun>
@@ -27,6 +29,17 @@ constexpr qsizetype kChunk = 256; // files read together, between looks at the c
 QThreadPool &readers()
 {
     static QThreadPool pool;
+    // Only on time nobody else wants: activation, the scan and the window come first.
+    pool.setThreadPriority(QThread::IdlePriority);
+    return pool;
+}
+
+// The indexing jobs' own thread, one at a time, never one the scan or activation needs.
+QThreadPool &indexers()
+{
+    static QThreadPool pool;
+    pool.setMaxThreadCount(1);
+    pool.setThreadPriority(QThread::IdlePriority);
     return pool;
 }
 
@@ -57,39 +70,50 @@ void AppState::indexCatalogue()
     m_catalogueCancellation = cancellation;
     if (!m_catalog)
         m_catalog = std::make_shared<FontCatalog>();
-    // Every font the scan saw: in the sources, and collection members outside them.
-    QStringList paths;
-    QSet<QString> seen;
-    const auto take = [&](const QString &root) {
-        for (const FontNode &font : m_fileSystemService->allFonts(QDir::cleanPath(root))) {
-            if (!seen.contains(font.path())) {
-                seen.insert(font.path());
-                paths.append(font.path());
-            }
-        }
-    };
-    for (const FolderSource &source : std::as_const(m_sources))
-        take(source.path);
-    for (const FontCollection &collection : std::as_const(m_collections)) {
-        for (const CollectionMember &member : collection.members) {
-            if (member.isDirectory)
-                take(member.path);
-            else if (!seen.contains(member.path) && m_fileSystemService->exists(member.path)) {
-                seen.insert(member.path);
-                paths.append(member.path);
-            }
-        }
-    }
     setCatalogueProgress(true, 0, 0);
     const std::shared_ptr<FontCatalog> catalog = m_catalog;
-    m_catalogueJob = QtConcurrent::run([this, catalog, cancellation, previous = m_catalogueJob, paths = std::move(paths)] {
-        // One job at a time: the store then waits for the newest alone when it goes.
-        QFuture<void>(previous).waitForFinished();
+    // One thread for the jobs: a newer one starts once the older has stopped, so the store
+    // waits for the newest alone when it goes.
+    m_catalogueJob = QtConcurrent::run(&indexers(), [this, catalog, cancellation, paused = m_cataloguePaused, quietUntil = m_catalogueQuietUntil,
+                                                     files = m_fileSystemService, sources = m_sources,
+                                                     collections = m_collections] {
+        // A batch of activations goes first, and the next one a user starts soon after:
+        // this goes on two seconds after the last has ended.
+        const auto waitYourTurn = [&] {
+            while (!cancellation.isCancelled()
+                   && (paused->load() || QDateTime::currentMSecsSinceEpoch() < quietUntil->load()))
+                QThread::msleep(50);
+        };
+        // Every font the scan saw: in the sources, and collection members outside them.
+        QStringList paths;
+        QSet<QString> seen;
+        const auto take = [&](const QString &root) {
+            for (const FontNode &font : files->allFonts(QDir::cleanPath(root))) {
+                if (!seen.contains(font.path())) {
+                    seen.insert(font.path());
+                    paths.append(font.path());
+                }
+            }
+        };
+        for (const FolderSource &source : sources)
+            take(source.path);
+        for (const FontCollection &collection : collections) {
+            for (const CollectionMember &member : collection.members) {
+                if (member.isDirectory)
+                    take(member.path);
+                else if (!seen.contains(member.path) && files->exists(member.path)) {
+                    seen.insert(member.path);
+                    paths.append(member.path);
+                }
+            }
+        }
         QElapsedTimer took;
         took.start();
         QList<FileStamp> stamps;
         stamps.reserve(paths.size());
         for (const QString &path : paths) {
+            if (stamps.size() % 4096 == 0)
+                waitYourTurn();
             const QFileInfo info(path);
             stamps.append({path, info.size(), info.lastModified().toSecsSinceEpoch()});
         }
@@ -111,6 +135,7 @@ void AppState::indexCatalogue()
         report(true, 0, total, false);
         qsizetype done = 0;
         for (qsizetype start = 0; start < total; start += kChunk) {
+            waitYourTurn();
             if (cancellation.isCancelled())
                 return; // the next refresh's job takes over from here
             const QStringList chunk = toRead.mid(start, kChunk);
