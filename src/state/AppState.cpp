@@ -54,7 +54,8 @@ AppState::~AppState()
     m_searchCancellation.cancel();
     m_catalogueCancellation.cancel();
     m_runningJob.waitForFinished();
-    m_catalogueJob.waitForFinished(); // it stops after the chunk in hand
+    for (QFuture<void> &job : m_catalogueJobs)
+        job.waitForFinished(); // each stops after the chunk in hand
 }
 
 bool AppState::waitForBackgroundWork(int msecs)

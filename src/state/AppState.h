@@ -327,7 +327,8 @@ private:
     CancellationToken m_searchCancellation; // the running filter
     std::shared_ptr<FontCatalog> m_catalog; // opened by the first indexing job
     CancellationToken m_catalogueCancellation;
-    QFuture<void> m_catalogueJob;
+    QFuture<void> m_catalogueJob;          // the newest
+    QList<QFuture<void>> m_catalogueJobs;  // every one not yet finished: the store outlives them all
     bool m_isCataloguing = false;
     qsizetype m_catalogueDone = 0;
     qsizetype m_catalogueTotal = 0;

@@ -70,6 +70,9 @@ void AppState::indexCatalogue()
     m_catalogueCancellation = cancellation;
     if (!m_catalog)
         m_catalog = std::make_shared<FontCatalog>();
+    // Refreshes come in bursts (a drive mounting, files being copied in): the catalogue
+    // starts reading once one has stood for a second.
+    m_catalogueQuietUntil->store(std::max(m_catalogueQuietUntil->load(), QDateTime::currentMSecsSinceEpoch() + 1000));
     setCatalogueProgress(true, 0, 0);
     const std::shared_ptr<FontCatalog> catalog = m_catalog;
     // One thread for the jobs: a newer one starts once the older has stopped, so the store
@@ -84,6 +87,7 @@ void AppState::indexCatalogue()
                    && (paused->load() || QDateTime::currentMSecsSinceEpoch() < quietUntil->load()))
                 QThread::msleep(50);
         };
+        waitYourTurn();
         // Every font the scan saw: in the sources, and collection members outside them.
         QStringList paths;
         QSet<QString> seen;
@@ -149,6 +153,8 @@ void AppState::indexCatalogue()
         if (!cancellation.isCancelled())
             report(false, done, total, true);
     });
+    m_catalogueJobs.removeIf([](const QFuture<void> &job) { return job.isFinished(); });
+    m_catalogueJobs.append(m_catalogueJob);
 }
 
 bool AppState::waitForCatalogue(int msecs)

@@ -39,8 +39,7 @@ inline std::unique_ptr<MainWindow> openWindow(std::unique_ptr<FontActivating> ac
     auto window = std::make_unique<MainWindow>(std::move(activation));
     window->show();
     EXPECT_TRUE(QTest::qWaitForWindowExposed(window.get()));
-    EXPECT_TRUE(QTest::qWaitFor([&] { return !window->state().isIndexing() && !window->state().isProcessing()
-                                             && !window->state().isCataloguing(); },
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !window->state().isIndexing() && !window->state().isProcessing(); },
                                 20'000));
     return window;
 }
