@@ -75,12 +75,17 @@ TEST(FaceReader, NamesAreFontToolsNames)
 import sys
 from fontTools.ttLib import TTCollection, TTFont
 for path in sys.argv[1:]:
-    fonts = TTCollection(path).fonts if path.endswith('.ttc') else [TTFont(path)]
+    try:
+        fonts = TTCollection(path).fonts if path.endswith('.ttc') else [TTFont(path)]
+        fonts[0]['name']
+    except Exception:
+        continue  # not a font fontTools opens either
     for index, font in enumerate(fonts):
         name = font['name']
         def get(*ids):
             for i in ids:
-                value = name.getDebugName(i)
+                # Control characters are no part of a name (a legacy record may hold only one).
+                value = ''.join(c for c in (name.getDebugName(i) or '') if c.isprintable())
                 if value:
                     return value
             return ''
