@@ -24,6 +24,10 @@ struct FontQuery
     std::optional<bool> italic{};
     std::optional<bool> monospaced{};
     std::optional<bool> variable{};
+    // Answered by the store, which knows them: faces under any of these folders, and
+    // faces whose file is (or isn't) active.
+    QStringList folders{};
+    std::optional<bool> active{};
 };
 
 // A file as the last scan saw it.

@@ -176,7 +176,21 @@ QCoro::Task<QList<FaceRecord>> AppState::queryFonts(FontQuery query)
         m_catalog = std::make_shared<FontCatalog>();
     const std::shared_ptr<FontCatalog> catalog = m_catalog;
     QPointer<AppState> self(this);
-    const QFuture<QList<FaceRecord>> asked = QtConcurrent::run([catalog, query] { return catalog->query(query); });
+    const QSet<QString> activated = query.active ? m_activatedFonts : QSet<QString>(); // shared, not copied
+    const QFuture<QList<FaceRecord>> asked = QtConcurrent::run([catalog, query, activated] {
+        QList<FaceRecord> faces = catalog->query(query);
+        faces.removeIf([&](const FaceRecord &face) {
+            if (query.active && activated.contains(face.path) != *query.active)
+                return true;
+            if (query.folders.isEmpty())
+                return false;
+            return std::none_of(query.folders.cbegin(), query.folders.cend(), [&](const QString &folder) {
+                const QString root = QDir::cleanPath(folder);
+                return face.path.startsWith(root + u'/') || (root == u"/"_s && face.path.startsWith(root));
+            });
+        });
+        return faces;
+    });
     QList<FaceRecord> answer = co_await asked;
     if (!self || generation != m_queryGeneration)
         co_return QList<FaceRecord>(); // a newer question is being answered

@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The catalogue through the store: a refresh indexes every face in the background,
 // says how far it got, answers questions meanwhile, and forgets what is gone.
+#include "FaultTestSupport.h"
 #include "StateTestSupport.h"
 
 #include <QCoroTask>
 #include <QFile>
 #include <QSignalSpy>
+#include <QStandardPaths>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
@@ -50,6 +52,13 @@ TEST(Catalogue, ARefreshIndexesEveryFaceAndForgetsWhatIsGone)
     EXPECT_EQ(ask(store, FontQuery{.text = u"dejavu"_s}).size(), 3);
     EXPECT_EQ(ask(store, FontQuery{.monospaced = true}).size(), 1);
     EXPECT_EQ(ask(store, FontQuery{}).size(), 5) << "both faces of the collection file";
+    // What only the store knows: which files are active, which folder they are in.
+    store.batchProcess({FontNode::fontFile(fonts + u"/DejaVuSans.ttf"_s)}, true, u"Activating"_s);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !store.isProcessing(); }));
+    EXPECT_EQ(postScriptNames(ask(store, FontQuery{.active = true})), QStringList{u"DejaVuSans"_s});
+    EXPECT_EQ(ask(store, FontQuery{.active = false}).size(), 4);
+    EXPECT_EQ(ask(store, FontQuery{.folders = {fonts}}).size(), 5);
+    EXPECT_TRUE(ask(store, FontQuery{.folders = {fixture.library + u"/Elsewhere"_s}}).isEmpty());
 
     // A refresh in the middle of indexing: the second job takes over, nothing counted twice.
     QFile::remove(fonts + u"/DejaVuSerif.ttf"_s);
@@ -62,4 +71,26 @@ TEST(Catalogue, ARefreshIndexesEveryFaceAndForgetsWhatIsGone)
     EXPECT_EQ(left.size(), 4);
     EXPECT_FALSE(left.contains(u"DejaVuSerif"_s)) << "a vanished file is gone";
     EXPECT_EQ(QSet<QString>(left.cbegin(), left.cend()).size(), left.size()) << "no face twice";
+}
+
+// A cache folder nobody may write to: the catalogue is unavailable and says nothing
+// more; sources, activations and collections go on as ever.
+TEST(Catalogue, ACacheFolderThatCantBeWrittenLeavesEverythingElseWorking)
+{
+    RUN_WITHOUT_PRIVILEGES();
+    const QString cache = makeDir(QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation));
+    ASSERT_TRUE(QFile::setPermissions(cache, QFile::ReadOwner | QFile::ExeOwner));
+    StoreFixture fixture;
+    AppState &store = *fixture.store;
+    ASSERT_TRUE(QFile::copy(u"/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf"_s, fixture.library + u"/DejaVuSans.ttf"_s));
+    store.addSource(fixture.library);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !store.isIndexing(); }, 20'000));
+    ASSERT_TRUE(store.waitForCatalogue(20'000));
+    EXPECT_TRUE(ask(store, FontQuery{}).isEmpty());
+    store.batchProcess({FontNode::fontFile(fixture.library + u"/DejaVuSans.ttf"_s)}, true, u"Activating"_s);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !store.isProcessing(); }));
+    EXPECT_EQ(store.activatedFonts().size(), 1);
+    store.createCollection(u"Kept"_s);
+    EXPECT_EQ(fixture.written().loadCollections().value(0).name, u"Kept"_s);
+    QFile::setPermissions(cache, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
 }
