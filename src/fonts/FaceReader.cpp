@@ -24,15 +24,10 @@ using namespace FaceTables;
 namespace {
 
 constexpr FT_UInt kVersionId = 5;
-constexpr FT_UInt kPostScriptNameId = 6;
-constexpr FT_UInt kFamilyId = 1;
-constexpr FT_UInt kStyleId = 2;
 constexpr FT_UInt kManufacturerId = 8;
 constexpr FT_UInt kDesignerId = 9;
 constexpr FT_UInt kLicenceId = 13;
 constexpr FT_UInt kLicenceUrlId = 14;
-constexpr FT_UInt kTypographicFamilyId = 16;
-constexpr FT_UInt kTypographicStyleId = 17;
 
 // fontconfig's orthographies, read once: the languages and the characters each needs.
 struct Orthography
@@ -187,12 +182,11 @@ QStringList namedInstancesOf(FT_Face face)
 FaceRecord recordOf(FT_Face face, hb_face_t *shaping)
 {
     FaceRecord r;
-    r.postScriptName = firstName(face, {kPostScriptNameId}, FT_IS_SFNT(face) ? nullptr : FT_Get_Postscript_Name(face));
-    r.family = firstName(face, {kTypographicFamilyId, kFamilyId}, face->family_name);
-    r.style = firstName(face, {kTypographicStyleId, kStyleId}, face->style_name);
-    if (r.style.isEmpty())
-        r.style = u"Regular"_s;
-    r.fullName = fullNameOf(face);
+    const FaceNames names = namesOf(face);
+    r.family = names.family;
+    r.style = names.style;
+    r.fullName = names.fullName;
+    r.postScriptName = names.postScriptName;
     r.foundry = FreeType::sfntName(face, kManufacturerId);
     r.designer = FreeType::sfntName(face, kDesignerId);
     r.version = FreeType::sfntName(face, kVersionId);

@@ -13,11 +13,28 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+constexpr FT_UInt kFamilyId = 1;
+constexpr FT_UInt kStyleId = 2;
 constexpr FT_UInt kFullNameId = 4;
+constexpr FT_UInt kPostScriptNameId = 6;
+constexpr FT_UInt kTypographicFamilyId = 16;
+constexpr FT_UInt kTypographicStyleId = 17;
 
 } // namespace
 
 namespace FaceTables {
+
+FaceNames namesOf(FT_Face face)
+{
+    FaceNames names;
+    names.postScriptName = firstName(face, {kPostScriptNameId}, FT_IS_SFNT(face) ? nullptr : FT_Get_Postscript_Name(face));
+    names.family = firstName(face, {kTypographicFamilyId, kFamilyId}, face->family_name);
+    names.style = firstName(face, {kTypographicStyleId, kStyleId}, face->style_name);
+    if (names.style.isEmpty())
+        names.style = u"Regular"_s;
+    names.fullName = fullNameOf(face);
+    return names;
+}
 
 // The first of the name ids the name table has. A font without a name table (not
 // an sfnt) has only what FreeType read from its own format.

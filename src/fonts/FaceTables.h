@@ -16,6 +16,20 @@
 // catalogue's face reader so both name a font by the same rules.
 namespace FaceTables {
 
+// The four names a face goes by, by one set of rules for every reader: from the name
+// table ourselves (FreeType's own family and style strings turn every non-ASCII letter
+// of a Mac Roman record into "?", and its PostScript name is empty when the name holds
+// a character PostScript doesn't allow); typographic family and style first; a style
+// of "Regular" when the font gives none.
+struct FaceNames
+{
+    QString family;
+    QString style;
+    QString fullName;
+    QString postScriptName;
+};
+FaceNames namesOf(FT_Face face);
+
 // The first of the name ids the name table has. A font without a name table (not an
 // sfnt) has only what FreeType read from its own format.
 QString firstName(FT_Face face, std::initializer_list<FT_UInt> ids, const char *fallback);

@@ -18,16 +18,6 @@
 
 using namespace Qt::StringLiterals;
 
-namespace {
-
-constexpr FT_UInt kFamilyId = 1;
-constexpr FT_UInt kStyleId = 2;
-constexpr FT_UInt kFullNameId = 4;
-constexpr FT_UInt kPostScriptNameId = 6;
-constexpr FT_UInt kTypographicFamilyId = 16;
-constexpr FT_UInt kTypographicStyleId = 17;
-
-} // namespace
 
 using namespace FaceTables;
 
@@ -124,16 +114,11 @@ std::optional<FontMetadata> FontMetadata::load(const QString &path)
     FT_Face face = holder.face;
 
     FontMetadata metadata;
-    // From the name table ourselves: FreeType's own family and style strings turn
-    // every non-ASCII letter of a Mac Roman record into "?", and its PostScript name
-    // is empty when the name holds a character PostScript doesn't allow.
-    metadata.postScriptName =
-        firstName(face, {kPostScriptNameId}, FT_IS_SFNT(face) ? nullptr : FT_Get_Postscript_Name(face));
-    metadata.familyName = firstName(face, {kTypographicFamilyId, kFamilyId}, face->family_name);
-    metadata.styleName = firstName(face, {kTypographicStyleId, kStyleId}, face->style_name);
-    if (metadata.styleName.isEmpty())
-        metadata.styleName = u"Regular"_s;
-    metadata.fullName = fullNameOf(face);
+    const FaceNames names = namesOf(face);
+    metadata.postScriptName = names.postScriptName;
+    metadata.familyName = names.family;
+    metadata.styleName = names.style;
+    metadata.fullName = names.fullName;
     metadata.glyphCount = glyphCountOf(face);
     metadata.fileSize = FontFiles::formatFileSize(file->size());
     metadata.fileType = FontFiles::fileTypeName(path);

@@ -3,7 +3,6 @@
 
 #include "services/MountWatcher.h"
 
-#include <QDateTime>
 #include <QElapsedTimer>
 #include <QLocale>
 #include <QThread>
