@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "FontCatalog.h"
 
+#include "CatalogSql.h"
 #include "Console.h"
 
 #include <QDateTime>
@@ -11,19 +12,25 @@
 
 #include <sqlite3.h>
 
+using CatalogSql::Statement;
+
 using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int kSchemaVersion = 1;
+constexpr int kSchemaVersion = 2;
 
+// Files by number, so each face row and index entry carries an integer rather than a
+// path; code point coverage once per distinct cmap (a family's styles share theirs).
 constexpr const char *kSchema = R"(
-CREATE TABLE files(path TEXT PRIMARY KEY, size INTEGER NOT NULL, mtime INTEGER NOT NULL) WITHOUT ROWID;
-CREATE TABLE faces(id INTEGER PRIMARY KEY, path TEXT NOT NULL, face INTEGER NOT NULL,
+CREATE TABLE files(id INTEGER PRIMARY KEY, path TEXT NOT NULL UNIQUE, size INTEGER NOT NULL, mtime INTEGER NOT NULL);
+CREATE TABLE coverage(id INTEGER PRIMARY KEY, hash INTEGER NOT NULL, ranges BLOB NOT NULL);
+CREATE INDEX coverage_hash ON coverage(hash);
+CREATE TABLE faces(id INTEGER PRIMARY KEY, file INTEGER NOT NULL, face INTEGER NOT NULL,
   family TEXT, style TEXT, full TEXT, ps TEXT, weight INTEGER, width INTEGER, italic INTEGER, mono INTEGER,
   class INTEGER, foundry TEXT, designer TEXT, vendor TEXT, version TEXT, licence TEXT, licence_url TEXT,
-  outline INTEGER, axes TEXT, instances TEXT, colour TEXT, glyphs INTEGER, languages TEXT, scripts TEXT, cmap BLOB);
-CREATE INDEX faces_path ON faces(path);
+  outline INTEGER, axes TEXT, instances TEXT, colour TEXT, glyphs INTEGER, languages TEXT, scripts TEXT, coverage INTEGER);
+CREATE INDEX faces_file ON faces(file);
 CREATE VIRTUAL TABLE faces_text USING fts5(family, style, full, ps, foundry, designer,
   content='faces', content_rowid='id', tokenize='unicode61 remove_diacritics 2');
 CREATE TRIGGER faces_added AFTER INSERT ON faces BEGIN
@@ -35,113 +42,6 @@ CREATE TRIGGER faces_removed AFTER DELETE ON faces BEGIN
   VALUES ('delete', old.id, old.family, old.style, old.full, old.ps, old.foundry, old.designer);
 END;
 )";
-
-// A prepared statement that finalises itself.
-class Statement
-{
-public:
-    Statement(sqlite3 *db, const char *sql) { sqlite3_prepare_v2(db, sql, -1, &m_stmt, nullptr); }
-    Statement(sqlite3 *db, const QByteArray &sql) : Statement(db, sql.constData()) {}
-    ~Statement() { sqlite3_finalize(m_stmt); }
-    Statement(const Statement &) = delete;
-    Statement &operator=(const Statement &) = delete;
-    explicit operator bool() const { return m_stmt != nullptr; }
-    sqlite3_stmt *get() const { return m_stmt; }
-
-    void bind(int at, const QString &text)
-    {
-        const QByteArray utf8 = text.toUtf8();
-        sqlite3_bind_text(m_stmt, at, utf8.constData(), static_cast<int>(utf8.size()), SQLITE_TRANSIENT);
-    }
-    void bind(int at, qint64 number) { sqlite3_bind_int64(m_stmt, at, number); }
-    void bind(int at, const QByteArray &bytes)
-    {
-        sqlite3_bind_blob(m_stmt, at, bytes.constData(), static_cast<int>(bytes.size()), SQLITE_TRANSIENT);
-    }
-    bool step() { return sqlite3_step(m_stmt) == SQLITE_ROW; }
-    bool run() { return sqlite3_step(m_stmt) == SQLITE_DONE; }
-    void reset()
-    {
-        sqlite3_reset(m_stmt);
-        sqlite3_clear_bindings(m_stmt);
-    }
-    QString text(int column) const
-    {
-        return QString::fromUtf8(reinterpret_cast<const char *>(sqlite3_column_text(m_stmt, column)),
-                                 sqlite3_column_bytes(m_stmt, column));
-    }
-    qint64 number(int column) const { return sqlite3_column_int64(m_stmt, column); }
-    QByteArray bytes(int column) const
-    {
-        return QByteArray(static_cast<const char *>(sqlite3_column_blob(m_stmt, column)), sqlite3_column_bytes(m_stmt, column));
-    }
-
-private:
-    sqlite3_stmt *m_stmt = nullptr;
-};
-
-QByteArray encodeRanges(const QList<QPair<char32_t, char32_t>> &ranges)
-{
-    QByteArray bytes;
-    bytes.reserve(ranges.size() * 8);
-    for (const auto &[first, last] : ranges) {
-        for (const quint32 value : {quint32(first), quint32(last)})
-            bytes.append(reinterpret_cast<const char *>(&value), 4);
-    }
-    return bytes;
-}
-
-QList<QPair<char32_t, char32_t>> decodeRanges(const QByteArray &bytes)
-{
-    QList<QPair<char32_t, char32_t>> ranges;
-    for (qsizetype at = 0; at + 8 <= bytes.size(); at += 8) {
-        quint32 first = 0, last = 0;
-        std::memcpy(&first, bytes.constData() + at, 4);
-        std::memcpy(&last, bytes.constData() + at + 4, 4);
-        ranges.append({first, last});
-    }
-    return ranges;
-}
-
-QStringList words(const QString &text, QChar separator = u' ')
-{
-    return text.split(separator, Qt::SkipEmptyParts);
-}
-
-constexpr const char *kColumns =
-    "path, face, family, style, full, ps, weight, width, italic, mono, class, foundry, designer, vendor, version, "
-    "licence, licence_url, outline, axes, instances, colour, glyphs, languages, scripts, cmap";
-
-FaceRecord faceFrom(const Statement &row)
-{
-    FaceRecord r;
-    r.path = row.text(0);
-    r.faceIndex = static_cast<int>(row.number(1));
-    r.family = row.text(2);
-    r.style = row.text(3);
-    r.fullName = row.text(4);
-    r.postScriptName = row.text(5);
-    r.weight = static_cast<int>(row.number(6));
-    r.width = static_cast<int>(row.number(7));
-    r.italic = row.number(8) != 0;
-    r.monospaced = row.number(9) != 0;
-    r.classification = static_cast<FaceRecord::Classification>(row.number(10));
-    r.foundry = row.text(11);
-    r.designer = row.text(12);
-    r.vendorId = row.text(13);
-    r.version = row.text(14);
-    r.licence = row.text(15);
-    r.licenceUrl = row.text(16);
-    r.outline = static_cast<FaceRecord::Outline>(row.number(17));
-    r.axes = words(row.text(18));
-    r.namedInstances = words(row.text(19), u'\n');
-    r.colourFormats = words(row.text(20));
-    r.glyphCount = row.number(21);
-    r.languages = words(row.text(22));
-    r.scripts = words(row.text(23));
-    r.codePoints = decodeRanges(row.bytes(24));
-    return r;
-}
 
 } // namespace
 
@@ -186,8 +86,16 @@ bool FontCatalog::open(const QString &path)
         if (read && read.step())
             version = static_cast<int>(read.number(0));
     }
+    if (version > 0 && version < kSchemaVersion) {
+        // An older Morvane's catalogue: only a cache, so it is simply built again.
+        sqlite3_close(m_db);
+        m_db = nullptr;
+        QFile::remove(path + u"-wal"_s);
+        QFile::remove(path + u"-shm"_s);
+        return QFile::remove(path) && open(path);
+    }
     const bool schemaOk = version == kSchemaVersion
-        || (version == 0 && exec("BEGIN") && exec(kSchema) && exec("PRAGMA user_version = 1") && exec("COMMIT"));
+        || (version == 0 && exec("BEGIN") && exec(kSchema) && exec("PRAGMA user_version = 2") && exec("COMMIT"));
     if (!schemaOk) {
         sqlite3_close(m_db);
         m_db = nullptr;
@@ -227,34 +135,56 @@ QStringList FontCatalog::filesToRead(const QList<FileStamp> &seen)
     const std::lock_guard lock(m_mutex);
     if (!m_db)
         return {};
-    QHash<QString, QPair<qint64, qint64>> recorded;
+    struct Recorded
     {
-        Statement all(m_db, "SELECT path, size, mtime FROM files");
+        qint64 id, size, mtime;
+    };
+    QHash<QString, Recorded> recorded;
+    {
+        Statement all(m_db, "SELECT id, path, size, mtime FROM files");
         while (all.step())
-            recorded.insert(all.text(0), {all.number(1), all.number(2)});
+            recorded.insert(all.text(1), {all.number(0), all.number(2), all.number(3)});
     }
     QStringList toRead;
     for (const FileStamp &file : seen) {
         const auto found = recorded.constFind(file.path);
-        if (found == recorded.cend() || found->first != file.size || found->second != file.modified)
+        if (found == recorded.cend() || found->size != file.size || found->mtime != file.modified)
             toRead.append(file.path);
         if (found != recorded.cend())
             recorded.erase(found);
     }
-    if (!recorded.isEmpty()) { // gone since: their faces go too
+    if (!recorded.isEmpty() || !toRead.isEmpty()) {
         exec("BEGIN");
-        Statement faces(m_db, "DELETE FROM faces WHERE path = ?");
-        Statement files(m_db, "DELETE FROM files WHERE path = ?");
-        for (auto it = recorded.cbegin(); it != recorded.cend(); ++it) {
+        Statement faces(m_db, "DELETE FROM faces WHERE file = ?");
+        Statement files(m_db, "DELETE FROM files WHERE id = ?");
+        for (const Recorded &gone : std::as_const(recorded)) { // gone since: their faces go too
             for (Statement *drop : {&faces, &files}) {
-                drop->bind(1, it.key());
+                drop->bind(1, gone.id);
                 drop->run();
                 drop->reset();
             }
         }
+        // Coverage no face uses any more: left by files gone or changed since.
+        exec("DELETE FROM coverage WHERE id NOT IN (SELECT coverage FROM faces)");
         exec("COMMIT");
     }
     return toRead;
+}
+
+qint64 FontCatalog::coverageId(const QByteArray &ranges)
+{
+    const auto hash = qint64(qHashBits(ranges.constData(), size_t(ranges.size()), 0));
+    Statement find(m_db, "SELECT id, ranges FROM coverage WHERE hash = ?");
+    find.bind(1, hash);
+    while (find.step()) {
+        if (find.raw(1) == ranges)
+            return find.number(0);
+    }
+    Statement add(m_db, "INSERT INTO coverage(hash, ranges) VALUES (?, ?)");
+    add.bind(1, hash);
+    add.bind(2, ranges);
+    add.run();
+    return sqlite3_last_insert_rowid(m_db);
 }
 
 void FontCatalog::record(const FileStamp &file, const QList<FaceRecord> &faces)
@@ -263,16 +193,31 @@ void FontCatalog::record(const FileStamp &file, const QList<FaceRecord> &faces)
     if (!m_db)
         return;
     exec("BEGIN");
+    qint64 fileId = 0;
     {
-        Statement drop(m_db, "DELETE FROM faces WHERE path = ?");
-        drop.bind(1, file.path);
+        Statement stamp(m_db, "INSERT INTO files(path, size, mtime) VALUES (?, ?, ?) "
+                              "ON CONFLICT(path) DO UPDATE SET size = excluded.size, mtime = excluded.mtime RETURNING id");
+        stamp.bind(1, file.path);
+        stamp.bind(2, file.size);
+        stamp.bind(3, file.modified);
+        if (!stamp.step()) {
+            exec("ROLLBACK");
+            return;
+        }
+        fileId = stamp.number(0);
+    }
+    {
+        Statement drop(m_db, "DELETE FROM faces WHERE file = ?");
+        drop.bind(1, fileId);
         drop.run();
     }
-    Statement insert(m_db, QByteArray("INSERT INTO faces(") + kColumns
-                               + ") VALUES (?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?)");
+    Statement insert(m_db, "INSERT INTO faces(file, face, family, style, full, ps, weight, width, italic, mono, class, "
+                           "foundry, designer, vendor, version, licence, licence_url, outline, axes, instances, colour, "
+                           "glyphs, languages, scripts, coverage) "
+                           "VALUES (?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?)");
     for (const FaceRecord &r : faces) {
         int at = 0;
-        insert.bind(++at, file.path);
+        insert.bind(++at, fileId);
         insert.bind(++at, qint64(r.faceIndex));
         for (const QString *text : {&r.family, &r.style, &r.fullName, &r.postScriptName})
             insert.bind(++at, *text);
@@ -288,15 +233,10 @@ void FontCatalog::record(const FileStamp &file, const QList<FaceRecord> &faces)
         insert.bind(++at, r.glyphCount);
         insert.bind(++at, r.languages.join(u' '));
         insert.bind(++at, r.scripts.join(u' '));
-        insert.bind(++at, encodeRanges(r.codePoints));
+        insert.bind(++at, coverageId(CatalogSql::encodeRanges(r.codePoints)));
         insert.run();
         insert.reset();
     }
-    Statement stamp(m_db, "INSERT OR REPLACE INTO files(path, size, mtime) VALUES (?, ?, ?)");
-    stamp.bind(1, file.path);
-    stamp.bind(2, file.size);
-    stamp.bind(3, file.modified);
-    stamp.run();
     exec("COMMIT");
 }
 
@@ -307,73 +247,4 @@ qsizetype FontCatalog::faceCount() const
         return 0;
     Statement count(m_db, "SELECT count(*) FROM faces");
     return count.step() ? count.number(0) : 0;
-}
-
-QList<FaceRecord> FontCatalog::query(const FontQuery &query) const
-{
-    const std::lock_guard lock(m_mutex);
-    QList<FaceRecord> answer;
-    if (!m_db)
-        return answer;
-    QByteArray sql = QByteArray("SELECT ") + kColumns + " FROM faces WHERE 1";
-    QStringList texts;
-    QList<qint64> numbers; // bound after the texts, in the order their clauses come
-    QList<bool> isText;
-    const auto addText = [&](const QByteArray &clause, const QString &value) {
-        sql += clause;
-        texts.append(value);
-        isText.append(true);
-    };
-    const auto addNumber = [&](const QByteArray &clause, qint64 value) {
-        sql += clause;
-        numbers.append(value);
-        isText.append(false);
-    };
-    // Each word a prefix of some word of the names or makers: "dej san" finds DejaVu Sans.
-    QStringList terms;
-    for (QString word : query.text.split(u' ', Qt::SkipEmptyParts)) {
-        word.remove(u'"');
-        if (!word.isEmpty())
-            terms.append(u'"' + word + u"\"*"_s);
-    }
-    if (!terms.isEmpty())
-        addText(" AND id IN (SELECT rowid FROM faces_text WHERE faces_text MATCH ?)", terms.join(u' '));
-    for (const QString &language : query.languages)
-        addText(" AND (' ' || languages || ' ') LIKE ?", u"% "_s + language + u" %"_s);
-    if (!query.classifications.isEmpty()) {
-        sql += " AND class IN (";
-        for (qsizetype i = 0; i < query.classifications.size(); ++i)
-            addNumber(i ? ",?" : "?", qint64(query.classifications.at(i)));
-        sql += ")";
-    }
-    addNumber(" AND weight >= ?", query.minWeight);
-    addNumber(" AND weight <= ?", query.maxWeight);
-    if (query.italic)
-        addNumber(" AND italic = ?", *query.italic);
-    if (query.monospaced)
-        addNumber(" AND mono = ?", *query.monospaced);
-    if (query.variable)
-        sql += *query.variable ? " AND axes != ''" : " AND axes = ''";
-    sql += " ORDER BY family COLLATE NOCASE, width, weight, italic, style";
-    Statement select(m_db, sql);
-    if (!select)
-        return answer;
-    int t = 0, n = 0, at = 0;
-    for (const bool text : std::as_const(isText)) {
-        if (text)
-            select.bind(++at, texts.at(t++));
-        else
-            select.bind(++at, numbers.at(n++));
-    }
-    QList<char32_t> required;
-    for (const char32_t c : query.requiredCharacters.toUcs4()) {
-        if (!QChar::isSpace(c))
-            required.append(c);
-    }
-    while (select.step()) {
-        FaceRecord face = faceFrom(select);
-        if (std::all_of(required.cbegin(), required.cend(), [&](char32_t c) { return face.covers(c); }))
-            answer.append(std::move(face));
-    }
-    return answer;
 }

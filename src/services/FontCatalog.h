@@ -1,12 +1,19 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "LicenseStatus.h"
 #include "fonts/FaceRecord.h"
 
+#include <QHash>
+#include <QUuid>
+
 #include <QList>
+#include <QSet>
 #include <QString>
 #include <QStringList>
 
+#include <atomic>
+#include <functional>
 #include <mutex>
 #include <optional>
 
@@ -18,16 +25,46 @@ struct FontQuery
     QString text{};             // a prefix of any word of the names and makers, any case and accents
     QString requiredCharacters{}; // every character of it mapped ("Ő ő ű"); spaces ignored
     QStringList languages{};    // all of them supported
+    QStringList scripts{};      // OpenType script tags, all of them present
     QList<FaceRecord::Classification> classifications{}; // any of them
     int minWeight = 0;
     int maxWeight = 1000;
+    int minWidth = 1;
+    int maxWidth = 9;
     std::optional<bool> italic{};
     std::optional<bool> monospaced{};
     std::optional<bool> variable{};
-    // Answered by the store, which knows them: faces under any of these folders, and
-    // faces whose file is (or isn't) active.
-    QStringList folders{};
+    std::optional<bool> colour{};
+    QList<FaceRecord::Outline> formats{}; // any of them
+    bool duplicates = false; // another file has the same PostScript name and version
+    // Answered by the store, which knows them.
+    QStringList folders{};   // faces under any of these folders (sources, say)
     std::optional<bool> active{};
+    QList<LicenseStatus> licenseStatuses{}; // any of them, as the file's tags say
+    std::optional<QUuid> collection{};      // members of the collection, or inside its member folders
+    bool conflicts = false; // active, and another active file has the same PostScript name
+};
+
+// A family of the answer, its faces by width, weight, then upright before italic.
+struct FontFamily
+{
+    QString name;
+    QList<FaceRecord> faces;
+};
+
+// What a query found: families in the library's collation order, and for the filter
+// menus how many of the faces found support each language, have each classification,
+// and (filled by the store) lie in each source.
+struct FontQueryAnswer
+{
+    QList<FontFamily> families{};
+    QHash<QString, int> languageCounts{};
+    QHash<FaceRecord::Classification, int> classificationCounts{};
+    QHash<QString, int> sourceCounts{}; // by source folder
+    bool cancelled = false;           // a newer question came first
+
+    qsizetype faceCount() const;
+    QList<FaceRecord> faces() const; // every face, family by family
 };
 
 // A file as the last scan saw it.
@@ -63,13 +100,22 @@ public:
     void record(const FileStamp &file, const QList<FaceRecord> &faces);
     qsizetype faceCount() const;
 
-    // The faces that answer, by family then style.
-    QList<FaceRecord> query(const FontQuery &query) const;
+    // The faces that answer, without their code points (ask face() for those). `keep`
+    // asks what only the caller knows of each face; counts cover the faces it keeps.
+    // Setting `cancelled` stops the query at its next row or SQLite step.
+    using FaceFilter = std::function<bool(const FaceRecord &)>;
+    FontQueryAnswer query(const FontQuery &query, const FaceFilter &keep = {},
+                          const std::atomic_bool *cancelled = nullptr) const;
+    // The whole record of one face, code points included.
+    std::optional<FaceRecord> face(const QString &path, int faceIndex) const;
+    // Of these files' faces, the PostScript names that more than one file has.
+    QSet<QString> sharedPostScriptNames(const QSet<QString> &paths) const;
 
 private:
     bool open(const QString &path);
     void setAside(const QString &path, const QString &why);
     bool exec(const char *sql) const;
+    qint64 coverageId(const QByteArray &ranges);
 
     sqlite3 *m_db = nullptr;
     mutable std::mutex m_mutex; // the indexing job and queries take turns

@@ -222,8 +222,11 @@ public:
     bool isCataloguing() const { return m_isCataloguing; }
     // "Indexing fonts (12,345 of 100,000)…" while it works.
     QString catalogueMessage() const;
-    // Runs off the interface thread; a newer query makes an older one answer nothing.
-    QCoro::Task<QList<FaceRecord>> queryFonts(FontQuery query);
+    // Runs off the interface thread; a newer query stops an older one, which answers
+    // nothing (marked cancelled).
+    QCoro::Task<FontQueryAnswer> queryFonts(FontQuery query);
+    // How long the catalogue lets a refresh stand before reading (benchmarks: none).
+    void setCatalogueSettleTime(int msecs) { m_catalogueSettleMs = msecs; }
     // Waits (tests, benchmarks) until the running indexing job has ended.
     bool waitForCatalogue(int msecs);
 
@@ -333,6 +336,8 @@ private:
     qsizetype m_catalogueDone = 0;
     qsizetype m_catalogueTotal = 0;
     quint64 m_queryGeneration = 0;
+    std::shared_ptr<std::atomic_bool> m_queryCancelled = std::make_shared<std::atomic_bool>(false);
+    int m_catalogueSettleMs = 1000;
     // Set while a batch runs: activation is Morvane's first job, the catalogue waits.
     std::shared_ptr<std::atomic_bool> m_cataloguePaused = std::make_shared<std::atomic_bool>(false);
     std::shared_ptr<std::atomic<qint64>> m_catalogueQuietUntil = std::make_shared<std::atomic<qint64>>(0);

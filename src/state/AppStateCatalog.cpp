@@ -72,7 +72,7 @@ void AppState::indexCatalogue()
         m_catalog = std::make_shared<FontCatalog>();
     // Refreshes come in bursts (a drive mounting, files being copied in): the catalogue
     // starts reading once one has stood for a second.
-    m_catalogueQuietUntil->store(std::max(m_catalogueQuietUntil->load(), QDateTime::currentMSecsSinceEpoch() + 1000));
+    m_catalogueQuietUntil->store(std::max(m_catalogueQuietUntil->load(), QDateTime::currentMSecsSinceEpoch() + m_catalogueSettleMs));
     setCatalogueProgress(true, 0, 0);
     const std::shared_ptr<FontCatalog> catalog = m_catalog;
     // One thread for the jobs: a newer one starts once the older has stopped, so the store
@@ -169,30 +169,75 @@ bool AppState::waitForCatalogue(int msecs)
     return true;
 }
 
-QCoro::Task<QList<FaceRecord>> AppState::queryFonts(FontQuery query)
+namespace {
+
+bool isUnder(const QString &path, const QString &folder)
+{
+    const QString root = QDir::cleanPath(folder);
+    return path.startsWith(root) && (root == u"/"_s || path.size() == root.size() || path.at(root.size()) == u'/');
+}
+
+} // namespace
+
+QCoro::Task<FontQueryAnswer> AppState::queryFonts(FontQuery query)
 {
     const quint64 generation = ++m_queryGeneration;
+    m_queryCancelled->store(true); // the older question stops where it is
+    m_queryCancelled = std::make_shared<std::atomic_bool>(false);
+    const std::shared_ptr<std::atomic_bool> cancelled = m_queryCancelled;
     if (!m_catalog)
         m_catalog = std::make_shared<FontCatalog>();
     const std::shared_ptr<FontCatalog> catalog = m_catalog;
     QPointer<AppState> self(this);
-    const QSet<QString> activated = query.active ? m_activatedFonts : QSet<QString>(); // shared, not copied
-    const QFuture<QList<FaceRecord>> asked = QtConcurrent::run([catalog, query, activated] {
-        QList<FaceRecord> faces = catalog->query(query);
-        faces.removeIf([&](const FaceRecord &face) {
+    // What only the store knows, taken along (shared, not copied).
+    const bool needsActive = query.active || query.conflicts;
+    const QSet<QString> activated = needsActive ? m_activatedFonts : QSet<QString>();
+    QList<CollectionMember> members;
+    if (query.collection) {
+        const auto collection = std::find_if(m_collections.cbegin(), m_collections.cend(),
+                                             [&](const FontCollection &c) { return c.id == *query.collection; });
+        if (collection != m_collections.cend())
+            members = collection->members;
+    }
+    QStringList sourceFolders;
+    for (const FolderSource &source : std::as_const(m_sources))
+        sourceFolders.append(QDir::cleanPath(source.path));
+    const QFuture<FontQueryAnswer> asked = QtConcurrent::run([catalog, query, activated, members, sourceFolders, cancelled] {
+        const QSet<QString> conflicting = query.conflicts ? catalog->sharedPostScriptNames(activated) : QSet<QString>();
+        QHash<QString, int> bySource;
+        QHash<QString, LicenseStatus> statusOf; // a .ttc's faces ask the file once
+        const auto keep = [&](const FaceRecord &face) {
             if (query.active && activated.contains(face.path) != *query.active)
-                return true;
-            if (query.folders.isEmpty())
                 return false;
-            return std::none_of(query.folders.cbegin(), query.folders.cend(), [&](const QString &folder) {
-                const QString root = QDir::cleanPath(folder);
-                return face.path.startsWith(root + u'/') || (root == u"/"_s && face.path.startsWith(root));
-            });
-        });
-        return faces;
+            if (query.conflicts && (!activated.contains(face.path) || !conflicting.contains(face.postScriptName)))
+                return false;
+            if (!query.folders.isEmpty()
+                && std::none_of(query.folders.cbegin(), query.folders.cend(),
+                                [&](const QString &folder) { return isUnder(face.path, folder); }))
+                return false;
+            if (query.collection && std::none_of(members.cbegin(), members.cend(), [&](const CollectionMember &member) {
+                    return member.isDirectory ? isUnder(face.path, member.path) : member.path == face.path;
+                }))
+                return false;
+            if (!query.licenseStatuses.isEmpty()) {
+                auto status = statusOf.constFind(face.path);
+                if (status == statusOf.cend())
+                    status = statusOf.insert(face.path, License::from(FinderTagService::readTags(face.path)));
+                if (!query.licenseStatuses.contains(*status))
+                    return false;
+            }
+            for (const QString &folder : sourceFolders) {
+                if (isUnder(face.path, folder))
+                    ++bySource[folder];
+            }
+            return true;
+        };
+        FontQueryAnswer answer = catalog->query(query, keep, cancelled.get());
+        answer.sourceCounts = bySource;
+        return answer;
     });
-    QList<FaceRecord> answer = co_await asked;
+    FontQueryAnswer answer = co_await asked;
     if (!self || generation != m_queryGeneration)
-        co_return QList<FaceRecord>(); // a newer question is being answered
+        co_return FontQueryAnswer{.cancelled = true}; // a newer question is being answered
     co_return answer;
 }

@@ -7,6 +7,7 @@
 #include "fonts/FaceReader.h"
 #include "services/FontCatalog.h"
 
+#include <QCollator>
 #include <QDirIterator>
 #include <QFileInfo>
 
@@ -33,8 +34,9 @@ QList<FileStamp> installedFonts()
     QDirIterator it(u"/usr/share/fonts"_s, {u"*.ttf"_s, u"*.otf"_s}, QDir::Files, QDirIterator::Subdirectories);
     while (it.hasNext())
         files.append(stampOf(it.next()));
-    files.append(stampOf(QStringLiteral(MORVANE_TEST_FONTS "/Axes.ttf")));
-    files.append(stampOf(QStringLiteral(MORVANE_TEST_FONTS "/Garbage.otf")));
+    for (const char *name : {"Axes.ttf", "Garbage.otf", "Colour.ttf", "Bitmap.ttf", "Pair.ttc", "Plain.ttf", "ShortLoca.ttf",
+                             "Impostor.ttf", "Outlines.otf"})
+        files.append(stampOf(QStringLiteral(MORVANE_TEST_FONTS "/") + QLatin1StringView(name)));
     return files;
 }
 
@@ -91,24 +93,102 @@ TEST(FontCatalog, EachFilterAloneAndCombinedAnswersAsTheFacesDo)
          [](const FaceRecord &f) {
              return (f.classification == C::Serif || f.classification == C::SlabSerif) && f.weight <= 300 && !f.italic;
          }},
+        {"Cyrillic and Greek in GSUB or GPOS", FontQuery{.scripts = {u"cyrl"_s, u"grek"_s}},
+         [](const FaceRecord &f) { return f.scripts.contains(u"cyrl"_s) && f.scripts.contains(u"grek"_s); }},
+        {"condensed to normal width", FontQuery{.minWidth = 3, .maxWidth = 5},
+         [](const FaceRecord &f) { return f.width >= 3 && f.width <= 5; }},
+        {"colour", FontQuery{.colour = true}, [](const FaceRecord &f) { return !f.colourFormats.isEmpty(); }},
+        {"CFF or bitmap only", FontQuery{.formats = {FaceRecord::Outline::Cff, FaceRecord::Outline::BitmapOnly}},
+         [](const FaceRecord &f) { return f.outline == FaceRecord::Outline::Cff || f.outline == FaceRecord::Outline::BitmapOnly; }},
+        {"duplicates: another file, same PostScript name and version", FontQuery{.duplicates = true},
+         [&](const FaceRecord &f) {
+             return std::any_of(all.cbegin(), all.cend(), [&](const FaceRecord &o) {
+                 return o.path != f.path && o.postScriptName == f.postScriptName && o.version == f.version;
+             });
+         }},
+        {"sans serif variable italics", FontQuery{.classifications = {C::SansSerif}, .italic = true, .variable = true},
+         [](const FaceRecord &f) { return f.classification == C::SansSerif && f.italic && !f.axes.isEmpty(); }},
     };
     for (const auto &c : cases) {
         QList<FaceRecord> expected;
         std::copy_if(all.cbegin(), all.cend(), std::back_inserter(expected), c.answers);
-        const QList<FaceRecord> answer = catalog.query(c.query);
+        const QList<FaceRecord> answer = catalog.query(c.query).faces();
         EXPECT_EQ(names(answer), names(expected)) << c.question;
         EXPECT_FALSE(expected.isEmpty() && answer.isEmpty() && QByteArray(c.question) != "light upright serifs or slabs")
             << c.question << ": a question nothing answers proves little";
     }
     // Whole records come back as they went in.
-    const QList<FaceRecord> mono = catalog.query(FontQuery{.text = u"DejaVuSansMono-Bold"_s});
+    const QList<FaceRecord> mono = catalog.query(FontQuery{.text = u"DejaVuSansMono-Bold"_s}).faces();
     ASSERT_FALSE(mono.isEmpty());
     const auto original = std::find_if(all.cbegin(), all.cend(), [&](const FaceRecord &f) { return f.path == mono.first().path; });
     ASSERT_NE(original, all.cend());
-    FaceRecord stored = mono.first();
-    stored.size = original->size;
-    stored.modified = original->modified;
-    EXPECT_EQ(stored, *original);
+    std::optional<FaceRecord> stored = catalog.face(original->path, original->faceIndex);
+    ASSERT_TRUE(stored);
+    EXPECT_EQ(stored->size, QFileInfo(original->path).size());
+    stored->size = original->size;
+    stored->modified = original->modified;
+    EXPECT_EQ(*stored, *original);
+}
+
+// The answer as a list draws it: families in the library's order, each family's faces
+// narrow to wide, light to heavy, upright first; counts that add up to what is shown.
+TEST(FontCatalog, AnswersComeAsSortedFamiliesWithCountsForTheirFilters)
+{
+    FontCatalog catalog(testRoot() + u"/cache/catalogue.sqlite"_s);
+    QList<FaceRecord> all;
+    for (const FileStamp &file : installedFonts()) {
+        const QList<FaceRecord> faces = FaceReader::read(file.path);
+        catalog.record(file, faces);
+        all += faces;
+    }
+    const FontQueryAnswer answer = catalog.query(FontQuery{});
+    ASSERT_EQ(answer.faceCount(), all.size());
+    const QCollator collator(QLocale::system());
+    for (qsizetype i = 1; i < answer.families.size(); ++i) {
+        EXPECT_LE(collator.compare(answer.families.at(i - 1).name, answer.families.at(i).name), 0)
+            << answer.families.at(i - 1).name.toStdString() << " before " << answer.families.at(i).name.toStdString();
+    }
+    for (const FontFamily &family : answer.families) {
+        for (qsizetype i = 0; i < family.faces.size(); ++i) {
+            const FaceRecord &face = family.faces.at(i);
+            EXPECT_EQ(face.family, family.name);
+            if (i == 0)
+                continue;
+            const FaceRecord &before = family.faces.at(i - 1);
+            EXPECT_LE(std::tie(before.width, before.weight, before.italic), std::tie(face.width, face.weight, face.italic))
+                << face.fullName.toStdString();
+        }
+    }
+    const auto dejavu = std::find_if(answer.families.cbegin(), answer.families.cend(),
+                                     [](const FontFamily &f) { return f.name == u"DejaVu Sans"_s; });
+    ASSERT_NE(dejavu, answer.families.cend());
+    EXPECT_GE(dejavu->faces.size(), 3) << "DejaVu Sans, its bold and the impostor that calls itself so";
+
+    // Counts of a narrower answer: each language and classification as its faces have them.
+    const FontQueryAnswer serifs = catalog.query(FontQuery{.text = u"serif"_s});
+    QHash<QString, int> languages;
+    QHash<FaceRecord::Classification, int> classes;
+    for (const FaceRecord &face : serifs.faces()) {
+        for (const QString &language : face.languages)
+            ++languages[language];
+        ++classes[face.classification];
+    }
+    EXPECT_FALSE(languages.isEmpty());
+    EXPECT_EQ(serifs.languageCounts, languages);
+    EXPECT_EQ(serifs.classificationCounts, classes);
+
+    // What only the caller knows narrows the answer and its counts alike.
+    const FontQueryAnswer bold = catalog.query(FontQuery{}, [](const FaceRecord &f) { return f.weight >= 700; });
+    EXPECT_EQ(bold.classificationCounts.value(FaceRecord::Classification::SansSerif),
+              std::count_if(all.cbegin(), all.cend(), [](const FaceRecord &f) {
+                  return f.weight >= 700 && f.classification == FaceRecord::Classification::SansSerif;
+              }));
+
+    // A question overtaken before it runs answers nothing, marked so.
+    const std::atomic_bool overtaken = true;
+    const FontQueryAnswer stopped = catalog.query(FontQuery{}, {}, &overtaken);
+    EXPECT_TRUE(stopped.cancelled);
+    EXPECT_TRUE(stopped.families.isEmpty());
 }
 
 TEST(FontCatalog, FilesAreReadAgainOnlyWhenTheyChange)
@@ -175,6 +255,6 @@ TEST(FontCatalog, ABrokenTooNewOrUnwritableDatabaseIsNeverInTheWay)
     // Nowhere to write: unavailable, every answer empty, nothing thrown.
     FontCatalog nowhere(u"/proc/self/morvane/catalogue.sqlite"_s);
     EXPECT_FALSE(nowhere.isAvailable());
-    EXPECT_TRUE(nowhere.query(FontQuery{.text = u"a"_s}).isEmpty());
+    EXPECT_TRUE(nowhere.query(FontQuery{.text = u"a"_s}).families.isEmpty());
     EXPECT_TRUE(nowhere.filesToRead({stampOf(QStringLiteral(MORVANE_TEST_FONTS "/Plain.ttf"))}).isEmpty());
 }

@@ -17,7 +17,7 @@ namespace {
 
 QList<FaceRecord> ask(AppState &store, const FontQuery &query)
 {
-    return QCoro::waitFor(store.queryFonts(query));
+    return QCoro::waitFor(store.queryFonts(query)).faces();
 }
 
 QStringList postScriptNames(const QList<FaceRecord> &faces)
@@ -71,6 +71,73 @@ TEST(Catalogue, ARefreshIndexesEveryFaceAndForgetsWhatIsGone)
     EXPECT_EQ(left.size(), 4);
     EXPECT_FALSE(left.contains(u"DejaVuSerif"_s)) << "a vanished file is gone";
     EXPECT_EQ(QSet<QString>(left.cbegin(), left.cend()).size(), left.size()) << "no face twice";
+}
+
+// Questions only the store can answer: licence tags on the files, a collection's files
+// and folders, active files that share a PostScript name, and how many faces each
+// source holds.
+TEST(Catalogue, TheStoreAnswersWhatOnlyItKnows)
+{
+    StoreFixture fixture;
+    AppState &store = *fixture.store;
+    const QString a = makeDir(fixture.library + u"/A"_s), b = makeDir(fixture.library + u"/B"_s);
+    const QString dejavu = u"/usr/share/fonts/truetype/dejavu/"_s, made = QStringLiteral(MORVANE_TEST_FONTS "/");
+    const QList<std::pair<QString, QString>> copies = {
+        {dejavu + u"DejaVuSans.ttf"_s, a + u"/DejaVuSans.ttf"_s}, {dejavu + u"DejaVuSansMono.ttf"_s, a + u"/Mono.ttf"_s},
+        {made + u"Impostor.ttf"_s, a + u"/Impostor.ttf"_s},       {dejavu + u"DejaVuSerif.ttf"_s, b + u"/DejaVuSerif.ttf"_s},
+        {made + u"Pair.ttc"_s, b + u"/Pair.ttc"_s}};
+    for (const auto &[from, to] : copies)
+        ASSERT_TRUE(QFile::copy(from, to)) << to.toStdString();
+    store.addSource(a);
+    store.addSource(b);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !store.isIndexing(); }, 20'000));
+    ASSERT_TRUE(store.waitForCatalogue(60'000));
+    store.setLicenseStatus(LicenseStatus::Licensed, a + u"/Mono.ttf"_s);
+    store.setLicenseStatus(LicenseStatus::Trial, b + u"/Pair.ttc"_s);
+    store.createCollection(u"Picked"_s);
+    const QUuid picked = store.collections().constLast().id;
+    store.addToCollection(picked, QList<FontNode>{FontNode::fontFile(a + u"/Mono.ttf"_s), FontNode::folder(b)});
+    store.batchProcess({FontNode::fontFile(a + u"/DejaVuSans.ttf"_s), FontNode::fontFile(a + u"/Impostor.ttf"_s)}, true,
+                       u"Activating"_s);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !store.isProcessing(); }));
+
+    const struct
+    {
+        const char *question;
+        FontQuery query;
+        QStringList answer;
+    } cases[] = {
+        {"licensed", FontQuery{.licenseStatuses = {LicenseStatus::Licensed}}, {u"DejaVuSansMono"_s}},
+        {"licensed or trial", FontQuery{.licenseStatuses = {LicenseStatus::Licensed, LicenseStatus::Trial}},
+         {u"CollectionFirst"_s, u"CollectionSecond"_s, u"DejaVuSansMono"_s}},
+        {"in the collection, by file and by folder", FontQuery{.collection = picked},
+         {u"CollectionFirst"_s, u"CollectionSecond"_s, u"DejaVuSansMono"_s, u"DejaVuSerif"_s}},
+        {"conflicts: two active files claim DejaVuSans", FontQuery{.conflicts = true}, {u"DejaVuSans"_s, u"DejaVuSans"_s}},
+        {"in the collection and trial", FontQuery{.licenseStatuses = {LicenseStatus::Trial}, .collection = picked},
+         {u"CollectionFirst"_s, u"CollectionSecond"_s}},
+        {"a collection that is gone", FontQuery{.collection = QUuid::createUuid()}, {}},
+    };
+    for (const auto &c : cases) {
+        QStringList answer = postScriptNames(ask(store, c.query));
+        answer.sort();
+        EXPECT_EQ(answer, c.answer) << c.question;
+    }
+    const FontQueryAnswer everything = QCoro::waitFor(store.queryFonts(FontQuery{}));
+    EXPECT_EQ(everything.sourceCounts.value(a), 3);
+    EXPECT_EQ(everything.sourceCounts.value(b), 3);
+
+    // One active impostor alone conflicts with nothing.
+    store.batchProcess({FontNode::fontFile(a + u"/Impostor.ttf"_s)}, false, u"Deactivating"_s);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !store.isProcessing(); }));
+    EXPECT_TRUE(ask(store, FontQuery{.conflicts = true}).isEmpty());
+
+    // A newer question overtakes an older one, which answers nothing.
+    QCoro::Task<FontQueryAnswer> older = store.queryFonts(FontQuery{});
+    const FontQueryAnswer newer = QCoro::waitFor(store.queryFonts(FontQuery{.text = u"serif"_s}));
+    EXPECT_EQ(newer.faceCount(), 1);
+    const FontQueryAnswer overtaken = QCoro::waitFor(std::move(older));
+    EXPECT_TRUE(overtaken.cancelled);
+    EXPECT_TRUE(overtaken.families.isEmpty());
 }
 
 // A cache folder nobody may write to: the catalogue is unavailable and says nothing

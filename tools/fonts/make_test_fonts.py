@@ -156,6 +156,28 @@ def drawing_fonts(out):
     fb.setupCPAL([[(0.0, 0.0, 1.0, 1.0)]])
     fb.save(os.path.join(out, "Colour.ttf"))
 
+    # PostScript (CFF) outlines, the other kind of OpenType file.
+    from fontTools.pens.t2CharStringPen import T2CharStringPen
+    pen = T2CharStringPen(600, None)
+    pen.moveTo((100, 0))
+    pen.lineTo((100, 700))
+    pen.lineTo((500, 700))
+    pen.lineTo((500, 0))
+    pen.closePath()
+    charstring = pen.getCharString()
+    fb = FontBuilder(1000, isTTF=False)
+    fb.setupGlyphOrder([".notdef", "A"])
+    fb.setupCharacterMap({0x41: "A"})
+    fb.setupCFF("PostScriptTest-Regular", {"FullName": "PostScript Test Regular"},
+                {".notdef": charstring, "A": charstring}, {})
+    fb.setupHorizontalMetrics({".notdef": (600, 100), "A": (600, 100)})
+    fb.setupHorizontalHeader(ascent=800, descent=-200)
+    fb.setupNameTable({"familyName": "PostScript Test", "styleName": "Regular", "fullName": "PostScript Test Regular",
+                       "psName": "PostScriptTest-Regular"})
+    fb.setupOS2(sTypoAscender=800, sTypoDescender=-200, usWinAscent=800, usWinDescent=200)
+    fb.setupPost()
+    fb.save(os.path.join(out, "Outlines.otf"))
+
 
 def drop_names(font, name_ids):
     table = font["name"]
