@@ -18,30 +18,39 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int kSchemaVersion = 2;
+constexpr int kSchemaVersion = 3;
 
-// Files by number, so each face row and index entry carries an integer rather than a
-// path; code point coverage once per distinct cmap (a family's styles share theirs).
+// Files by number, so each face row carries integers rather than a path; every text
+// once, by number (a family's licence and language list, a foundry's name), names apart
+// with a word index of their own; code point coverage once per distinct cmap.
 constexpr const char *kSchema = R"(
 CREATE TABLE files(id INTEGER PRIMARY KEY, path TEXT NOT NULL UNIQUE, size INTEGER NOT NULL, mtime INTEGER NOT NULL);
+CREATE TABLE names(id INTEGER PRIMARY KEY, hash INTEGER NOT NULL, text TEXT NOT NULL);
+CREATE INDEX names_hash ON names(hash);
+CREATE TABLE texts(id INTEGER PRIMARY KEY, hash INTEGER NOT NULL, text TEXT NOT NULL);
+CREATE INDEX texts_hash ON texts(hash);
 CREATE TABLE coverage(id INTEGER PRIMARY KEY, hash INTEGER NOT NULL, ranges BLOB NOT NULL);
 CREATE INDEX coverage_hash ON coverage(hash);
 CREATE TABLE faces(id INTEGER PRIMARY KEY, file INTEGER NOT NULL, face INTEGER NOT NULL,
-  family TEXT, style TEXT, full TEXT, ps TEXT, weight INTEGER, width INTEGER, italic INTEGER, mono INTEGER,
-  class INTEGER, foundry TEXT, designer TEXT, vendor TEXT, version TEXT, licence TEXT, licence_url TEXT,
-  outline INTEGER, axes TEXT, instances TEXT, colour TEXT, glyphs INTEGER, languages TEXT, scripts TEXT, coverage INTEGER);
+  family INTEGER, style INTEGER, full INTEGER, ps INTEGER, foundry INTEGER, designer INTEGER,
+  vendor INTEGER, version INTEGER, licence INTEGER, licence_url INTEGER, axes INTEGER, instances INTEGER,
+  colour INTEGER, languages INTEGER, scripts INTEGER,
+  weight INTEGER, width INTEGER, italic INTEGER, mono INTEGER, class INTEGER, outline INTEGER, glyphs INTEGER,
+  coverage INTEGER);
 CREATE INDEX faces_file ON faces(file);
-CREATE VIRTUAL TABLE faces_text USING fts5(family, style, full, ps, foundry, designer,
-  content='faces', content_rowid='id', tokenize='unicode61 remove_diacritics 2');
-CREATE TRIGGER faces_added AFTER INSERT ON faces BEGIN
-  INSERT INTO faces_text(rowid, family, style, full, ps, foundry, designer)
-  VALUES (new.id, new.family, new.style, new.full, new.ps, new.foundry, new.designer);
+CREATE VIRTUAL TABLE names_words USING fts5(text, content='names', content_rowid='id',
+  tokenize='unicode61 remove_diacritics 2');
+CREATE TRIGGER names_added AFTER INSERT ON names BEGIN
+  INSERT INTO names_words(rowid, text) VALUES (new.id, new.text);
 END;
-CREATE TRIGGER faces_removed AFTER DELETE ON faces BEGIN
-  INSERT INTO faces_text(faces_text, rowid, family, style, full, ps, foundry, designer)
-  VALUES ('delete', old.id, old.family, old.style, old.full, old.ps, old.foundry, old.designer);
+CREATE TRIGGER names_removed AFTER DELETE ON names BEGIN
+  INSERT INTO names_words(names_words, rowid, text) VALUES ('delete', old.id, old.text);
 END;
 )";
+
+constexpr const char *kFaceColumns =
+    "file, face, family, style, full, ps, foundry, designer, vendor, version, licence, licence_url, axes, instances, "
+    "colour, languages, scripts, weight, width, italic, mono, class, outline, glyphs, coverage";
 
 } // namespace
 
@@ -95,7 +104,7 @@ bool FontCatalog::open(const QString &path)
         return QFile::remove(path) && open(path);
     }
     const bool schemaOk = version == kSchemaVersion
-        || (version == 0 && exec("BEGIN") && exec(kSchema) && exec("PRAGMA user_version = 2") && exec("COMMIT"));
+        || (version == 0 && exec("BEGIN") && exec(kSchema) && exec(QByteArray("PRAGMA user_version = " + QByteArray::number(kSchemaVersion))) && exec("COMMIT"));
     if (!schemaOk) {
         sqlite3_close(m_db);
         m_db = nullptr;
@@ -135,6 +144,14 @@ QStringList FontCatalog::filesToRead(const QList<FileStamp> &seen)
     const std::lock_guard lock(m_mutex);
     if (!m_db)
         return {};
+    // The same files, sizes and times as at the last look, when all was recorded:
+    // nothing to compare row by row.
+    size_t digest = qHash(seen.size());
+    for (const FileStamp &file : seen)
+        digest = qHashMulti(digest, file.path, file.size, file.modified);
+    if (m_upToDate == digest)
+        return {};
+    m_upToDate = 0;
     struct Recorded
     {
         qint64 id, size, mtime;
@@ -163,28 +180,57 @@ QStringList FontCatalog::filesToRead(const QList<FileStamp> &seen)
                 drop->run();
                 drop->reset();
             }
+            m_index.removeFile(quint32(gone.id));
         }
-        // Coverage no face uses any more: left by files gone or changed since.
+        // Texts and coverage no face uses any more: left by files gone or changed since.
         exec("DELETE FROM coverage WHERE id NOT IN (SELECT coverage FROM faces)");
+        exec("DELETE FROM names WHERE id NOT IN (SELECT family FROM faces UNION SELECT style FROM faces "
+             "UNION SELECT full FROM faces UNION SELECT ps FROM faces UNION SELECT foundry FROM faces "
+             "UNION SELECT designer FROM faces)");
+        exec("DELETE FROM texts WHERE id NOT IN (SELECT vendor FROM faces UNION SELECT version FROM faces "
+             "UNION SELECT licence FROM faces UNION SELECT licence_url FROM faces UNION SELECT axes FROM faces "
+             "UNION SELECT instances FROM faces UNION SELECT colour FROM faces UNION SELECT languages FROM faces "
+             "UNION SELECT scripts FROM faces)");
         exec("COMMIT");
+        m_names.clear();
+        m_texts.clear();
+        m_coverage.clear();
     }
+    if (toRead.isEmpty())
+        m_upToDate = digest;
     return toRead;
 }
 
-qint64 FontCatalog::coverageId(const QByteArray &ranges)
+// The id of a text (or a cmap) in one of the tables of distinct values, added when new.
+quint32 FontCatalog::intern(const char *table, QHash<qint64, quint32> &known, const QByteArray &value, bool isText)
 {
-    const auto hash = qint64(qHashBits(ranges.constData(), size_t(ranges.size()), 0));
-    Statement find(m_db, "SELECT id, ranges FROM coverage WHERE hash = ?");
-    find.bind(1, hash);
-    while (find.step()) {
-        if (find.raw(1) == ranges)
-            return find.number(0);
+    // Known by a 64-bit hash alone: a licence text or a cmap is not kept twice in memory.
+    const auto hash = qint64(qHashBits(value.constData(), size_t(value.size()), 0));
+    const auto cached = known.constFind(hash);
+    if (cached != known.cend())
+        return *cached;
+    const QByteArray column = isText ? "text" : "ranges";
+    quint32 id = 0;
+    {
+        Statement find(m_db, "SELECT id, " + column + " FROM " + table + " WHERE hash = ?");
+        find.bind(1, hash);
+        while (id == 0 && find.step()) {
+            if (find.raw(1) == value)
+                id = quint32(find.number(0));
+        }
     }
-    Statement add(m_db, "INSERT INTO coverage(hash, ranges) VALUES (?, ?)");
-    add.bind(1, hash);
-    add.bind(2, ranges);
-    add.run();
-    return sqlite3_last_insert_rowid(m_db);
+    if (id == 0) {
+        Statement add(m_db, QByteArray("INSERT INTO ") + table + "(hash, " + column + ") VALUES (?, ?)");
+        add.bind(1, hash);
+        if (isText)
+            add.bind(2, QString::fromUtf8(value));
+        else
+            add.bind(2, value);
+        add.run();
+        id = quint32(sqlite3_last_insert_rowid(m_db));
+    }
+    known.insert(hash, id);
+    return id;
 }
 
 void FontCatalog::record(const FileStamp &file, const QList<FaceRecord> &faces)
@@ -192,6 +238,7 @@ void FontCatalog::record(const FileStamp &file, const QList<FaceRecord> &faces)
     const std::lock_guard lock(m_mutex);
     if (!m_db)
         return;
+    m_upToDate = 0;
     exec("BEGIN");
     qint64 fileId = 0;
     {
@@ -211,33 +258,66 @@ void FontCatalog::record(const FileStamp &file, const QList<FaceRecord> &faces)
         drop.bind(1, fileId);
         drop.run();
     }
-    Statement insert(m_db, "INSERT INTO faces(file, face, family, style, full, ps, weight, width, italic, mono, class, "
-                           "foundry, designer, vendor, version, licence, licence_url, outline, axes, instances, colour, "
-                           "glyphs, languages, scripts, coverage) "
-                           "VALUES (?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?)");
+    QList<IndexedFace> added;
+    Statement insert(m_db, QByteArray("INSERT INTO faces(") + kFaceColumns
+                               + ") VALUES (?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?)");
     for (const FaceRecord &r : faces) {
+        IndexedFace face;
+        face.file = quint32(fileId);
+        face.faceIndex = r.faceIndex;
+        const QString names[] = {r.family, r.style, r.fullName, r.postScriptName, r.foundry, r.designer};
+        for (int i = 0; i < IndexedFace::NameCount; ++i)
+            face.names[size_t(i)] = intern("names", m_names, names[i].toUtf8(), true);
+        // Instance names have spaces: one per line, the last line ended too.
+        const QString instances = r.namedInstances.isEmpty() ? QString() : r.namedInstances.join(u'\n') + u'\n';
+        const QString texts[] = {r.vendorId,       r.version,  r.licence,
+                                 r.licenceUrl,     r.axes.join(u' '), instances,
+                                 r.colourFormats.join(u' '), r.languages.join(u' '), r.scripts.join(u' ')};
+        for (int i = 0; i < IndexedFace::TextCount; ++i)
+            face.texts[size_t(i)] = intern("texts", m_texts, texts[i].toUtf8(), true);
+        face.coverage = intern("coverage", m_coverage, CatalogSql::encodeRanges(r.codePoints), false);
+        face.weight = qint16(r.weight);
+        face.width = qint8(r.width);
+        face.italic = r.italic;
+        face.monospaced = r.monospaced;
+        face.classification = quint8(r.classification);
+        face.outline = quint8(r.outline);
+        face.glyphs = qint32(r.glyphCount);
+
         int at = 0;
-        insert.bind(++at, fileId);
-        insert.bind(++at, qint64(r.faceIndex));
-        for (const QString *text : {&r.family, &r.style, &r.fullName, &r.postScriptName})
-            insert.bind(++at, *text);
-        for (const qint64 number : {qint64(r.weight), qint64(r.width), qint64(r.italic), qint64(r.monospaced),
-                                    qint64(r.classification)})
+        insert.bind(++at, qint64(face.file));
+        insert.bind(++at, qint64(face.faceIndex));
+        for (const quint32 id : face.names)
+            insert.bind(++at, qint64(id));
+        for (const quint32 id : face.texts)
+            insert.bind(++at, qint64(id));
+        for (const qint64 number : {qint64(face.weight), qint64(face.width), qint64(face.italic), qint64(face.monospaced),
+                                    qint64(face.classification), qint64(face.outline), qint64(face.glyphs),
+                                    qint64(face.coverage)})
             insert.bind(++at, number);
-        for (const QString *text : {&r.foundry, &r.designer, &r.vendorId, &r.version, &r.licence, &r.licenceUrl})
-            insert.bind(++at, *text);
-        insert.bind(++at, qint64(r.outline));
-        insert.bind(++at, r.axes.join(u' '));
-        insert.bind(++at, r.namedInstances.join(u'\n'));
-        insert.bind(++at, r.colourFormats.join(u' '));
-        insert.bind(++at, r.glyphCount);
-        insert.bind(++at, r.languages.join(u' '));
-        insert.bind(++at, r.scripts.join(u' '));
-        insert.bind(++at, coverageId(CatalogSql::encodeRanges(r.codePoints)));
         insert.run();
         insert.reset();
+        added.append(face);
+        if (m_index.isLoaded()) {
+            for (int i = 0; i < IndexedFace::NameCount; ++i)
+                m_index.setName(face.names[size_t(i)], names[i]);
+            for (int i = 0; i < IndexedFace::TextCount; ++i)
+                m_index.setText(face.texts[size_t(i)], texts[i]);
+        }
     }
-    exec("COMMIT");
+    if (!exec("COMMIT")) {
+        exec("ROLLBACK");
+        m_names.clear(); // ids handed out in the failed transaction are not in the database
+        m_texts.clear();
+        m_coverage.clear();
+        return;
+    }
+    if (m_index.isLoaded()) {
+        m_index.removeFacesOf(quint32(fileId));
+        m_index.setFile(quint32(fileId), {file.path, file.size, file.modified});
+        for (const IndexedFace &face : std::as_const(added))
+            m_index.add(face);
+    }
 }
 
 qsizetype FontCatalog::faceCount() const
@@ -247,4 +327,49 @@ qsizetype FontCatalog::faceCount() const
         return 0;
     Statement count(m_db, "SELECT count(*) FROM faces");
     return count.step() ? count.number(0) : 0;
+}
+
+// The faces, files and texts into memory, once; record() and filesToRead() keep it
+// current from then on.
+void FontCatalog::loadIndex() const
+{
+    if (m_index.isLoaded() || !m_db)
+        return;
+    m_index.clear();
+    {
+        Statement files(m_db, "SELECT id, path, size, mtime FROM files");
+        while (files.step())
+            m_index.setFile(quint32(files.number(0)), {files.text(1), files.number(2), files.number(3)});
+    }
+    {
+        Statement names(m_db, "SELECT id, text FROM names");
+        while (names.step())
+            m_index.setName(quint32(names.number(0)), names.text(1));
+    }
+    {
+        Statement texts(m_db, "SELECT id, text FROM texts");
+        while (texts.step())
+            m_index.setText(quint32(texts.number(0)), texts.text(1));
+    }
+    Statement faces(m_db, QByteArray("SELECT ") + kFaceColumns + " FROM faces");
+    while (faces.step()) {
+        IndexedFace face;
+        int at = 0;
+        face.file = quint32(faces.number(at++));
+        face.faceIndex = qint32(faces.number(at++));
+        for (quint32 &id : face.names)
+            id = quint32(faces.number(at++));
+        for (quint32 &id : face.texts)
+            id = quint32(faces.number(at++));
+        face.weight = qint16(faces.number(at++));
+        face.width = qint8(faces.number(at++));
+        face.italic = faces.number(at++) != 0;
+        face.monospaced = faces.number(at++) != 0;
+        face.classification = quint8(faces.number(at++));
+        face.outline = quint8(faces.number(at++));
+        face.glyphs = qint32(faces.number(at++));
+        face.coverage = quint32(faces.number(at++));
+        m_index.add(face);
+    }
+    m_index.setLoaded();
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "CatalogIndex.h"
 #include "LicenseStatus.h"
 #include "fonts/FaceRecord.h"
 
@@ -45,11 +46,26 @@ struct FontQuery
     bool conflicts = false; // active, and another active file has the same PostScript name
 };
 
+// A face as an answer lists it: enough to show, sort and act on a row of a long list
+// cheaply; FontCatalog::face() has the whole record.
+struct FoundFace
+{
+    QString path;
+    int faceIndex = 0;
+    QString style;
+    QString postScriptName;
+    int weight = 400;
+    int width = 5;
+    bool italic = false;
+    bool variable = false;
+    FaceRecord::Classification classification = FaceRecord::Classification::Unknown;
+};
+
 // A family of the answer, its faces by width, weight, then upright before italic.
 struct FontFamily
 {
     QString name;
-    QList<FaceRecord> faces;
+    QList<FoundFace> faces;
 };
 
 // What a query found: families in the library's collation order, and for the filter
@@ -64,7 +80,7 @@ struct FontQueryAnswer
     bool cancelled = false;           // a newer question came first
 
     qsizetype faceCount() const;
-    QList<FaceRecord> faces() const; // every face, family by family
+    QList<FoundFace> faces() const; // every face, family by family
 };
 
 // A file as the last scan saw it.
@@ -100,11 +116,13 @@ public:
     void record(const FileStamp &file, const QList<FaceRecord> &faces);
     qsizetype faceCount() const;
 
-    // The faces that answer, without their code points (ask face() for those). `keep`
+    // The faces that answer (ask face() for all a face's record holds). `keep`
     // asks what only the caller knows of each face; counts cover the faces it keeps.
-    // Setting `cancelled` stops the query at its next row or SQLite step.
-    using FaceFilter = std::function<bool(const FaceRecord &)>;
-    FontQueryAnswer query(const FontQuery &query, const FaceFilter &keep = {},
+    // Setting `cancelled` stops the query where it is. The first question loads the
+    // faces into memory; answers come from there.
+    using FaceFilter = std::function<bool(const QString &path, const QString &postScriptName)>;
+    // `countIn`: the folders (sources) whose faces the answer counts.
+    FontQueryAnswer query(const FontQuery &query, const FaceFilter &keep = {}, const QStringList &countIn = {},
                           const std::atomic_bool *cancelled = nullptr) const;
     // The whole record of one face, code points included.
     std::optional<FaceRecord> face(const QString &path, int faceIndex) const;
@@ -115,8 +133,16 @@ private:
     bool open(const QString &path);
     void setAside(const QString &path, const QString &why);
     bool exec(const char *sql) const;
-    qint64 coverageId(const QByteArray &ranges);
+    bool exec(const QByteArray &sql) const { return exec(sql.constData()); }
+    quint32 intern(const char *table, QHash<qint64, quint32> &known, const QByteArray &value, bool isText);
+    void loadIndex() const;
 
     sqlite3 *m_db = nullptr;
     mutable std::mutex m_mutex; // the indexing job and queries take turns
+    // Ids of texts and cmaps already in the database, for the indexing job.
+    QHash<qint64, quint32> m_names;
+    QHash<qint64, quint32> m_texts;
+    QHash<qint64, quint32> m_coverage;
+    mutable CatalogIndex m_index; // loaded by the first question
+    size_t m_upToDate = 0; // the files of the last look, when every one was recorded
 };

@@ -1,15 +1,18 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Asking the catalogue: the filters in SQL over the face table and its text index,
-// families gathered and sorted as the library sorts names.
+// Asking the catalogue: one pass over the faces in memory, with each distinct text
+// judged once (the word index says which names a word starts; a language list or a
+// cmap is looked at once however many faces share it), families sorted as the library
+// sorts names.
 #include "FontCatalog.h"
 
 #include "CatalogSql.h"
 #include "discovery/NameCollator.h"
 
+#include <QDir>
 #include <QLocale>
 
 #include <algorithm>
-#include <variant>
+#include <array>
 #include <vector>
 
 using namespace Qt::StringLiterals;
@@ -17,134 +20,42 @@ using CatalogSql::Statement;
 
 namespace {
 
-constexpr const char *kColumns =
-    "files.path, f.face, f.family, f.style, f.full, f.ps, f.weight, f.width, f.italic, f.mono, f.class, f.foundry, "
-    "f.designer, f.vendor, f.version, f.licence, f.licence_url, f.outline, f.axes, f.instances, f.colour, f.glyphs, "
-    "f.languages, f.scripts, f.coverage, files.size, files.mtime";
-constexpr int kLanguagesColumn = 22;
-constexpr int kCoverageColumn = 24;
-
-FaceRecord faceFrom(const Statement &row, CatalogSql::SharedTexts &shared)
-{
-    FaceRecord r;
-    r.path = row.text(0);
-    r.faceIndex = static_cast<int>(row.number(1));
-    r.family = shared.text(row.raw(2));
-    r.style = shared.text(row.raw(3));
-    r.fullName = row.text(4);
-    r.postScriptName = row.text(5);
-    r.weight = static_cast<int>(row.number(6));
-    r.width = static_cast<int>(row.number(7));
-    r.italic = row.number(8) != 0;
-    r.monospaced = row.number(9) != 0;
-    r.classification = static_cast<FaceRecord::Classification>(row.number(10));
-    r.foundry = shared.text(row.raw(11));
-    r.designer = shared.text(row.raw(12));
-    r.vendorId = shared.text(row.raw(13));
-    r.version = shared.text(row.raw(14));
-    r.licence = shared.text(row.raw(15));
-    r.licenceUrl = shared.text(row.raw(16));
-    r.outline = static_cast<FaceRecord::Outline>(row.number(17));
-    r.axes = shared.words(row.raw(18));
-    r.namedInstances = shared.words(row.raw(19), u'\n');
-    r.colourFormats = shared.words(row.raw(20));
-    r.glyphCount = row.number(21);
-    r.languages = shared.words(row.raw(kLanguagesColumn));
-    r.scripts = shared.words(row.raw(23));
-    r.size = row.number(25);
-    r.modified = row.number(26);
-    return r;
-}
-
-// Faces of a family: narrow to wide, light to heavy, upright before italic.
-bool styleBefore(const FaceRecord &a, const FaceRecord &b)
-{
-    return std::tie(a.width, a.weight, a.italic, a.style, a.path, a.faceIndex)
-           < std::tie(b.width, b.weight, b.italic, b.style, b.path, b.faceIndex);
-}
-
-int stopWhenCancelled(void *cancelled)
-{
-    return static_cast<const std::atomic_bool *>(cancelled)->load() ? 1 : 0;
-}
-
-// The query's clauses and their values, bound in the order the clauses come.
-class Where
+// A yes or no per distinct text, worked out when first asked.
+class Memo
 {
 public:
-    QByteArray sql;
-    void add(const QByteArray &clause, const QString &value)
+    explicit Memo(size_t size) : m_answers(size, -1) {}
+    template <typename Judge>
+    bool operator()(quint32 id, Judge judge)
     {
-        sql += clause;
-        m_values.append(value);
-    }
-    void add(const QByteArray &clause, qint64 value)
-    {
-        sql += clause;
-        m_values.append(value);
-    }
-    void bindTo(Statement &statement) const
-    {
-        int at = 0;
-        for (const std::variant<QString, qint64> &value : m_values) {
-            if (const auto *text = std::get_if<QString>(&value))
-                statement.bind(++at, *text);
-            else
-                statement.bind(++at, std::get<qint64>(value));
-        }
+        if (id >= m_answers.size())
+            return judge();
+        if (m_answers[id] < 0)
+            m_answers[id] = judge() ? 1 : 0;
+        return m_answers[id] == 1;
     }
 
 private:
-    QList<std::variant<QString, qint64>> m_values;
+    std::vector<qint8> m_answers;
 };
 
-Where whereFor(const FontQuery &query)
+bool containsAll(const QStringList &list, const QStringList &wanted)
 {
-    Where where;
-    // Each word a prefix of some word of the names or makers: "dej san" finds DejaVu Sans.
-    QStringList terms;
-    for (QString word : query.text.split(u' ', Qt::SkipEmptyParts)) {
-        word.remove(u'"');
-        if (!word.isEmpty())
-            terms.append(u'"' + word + u"\"*"_s);
-    }
-    if (!terms.isEmpty())
-        where.add(" AND f.id IN (SELECT rowid FROM faces_text WHERE faces_text MATCH ?)", terms.join(u' '));
-    // Whole words of the space-separated lists, as written (script tags have case).
-    for (const QString &language : query.languages)
-        where.add(" AND instr(' ' || f.languages || ' ', ?) > 0", u' ' + language + u' ');
-    for (const QString &script : query.scripts)
-        where.add(" AND instr(' ' || f.scripts || ' ', ?) > 0", u' ' + script + u' ');
-    const auto anyOf = [&](const char *column, const auto &values) {
-        if (values.isEmpty())
-            return;
-        where.sql += QByteArray(" AND ") + column + " IN (";
-        for (qsizetype i = 0; i < values.size(); ++i)
-            where.add(i ? ",?" : "?", qint64(values.at(i)));
-        where.sql += ")";
-    };
-    anyOf("f.class", query.classifications);
-    anyOf("f.outline", query.formats);
-    if (query.minWeight > 0)
-        where.add(" AND f.weight >= ?", qint64(query.minWeight));
-    if (query.maxWeight < 1000)
-        where.add(" AND f.weight <= ?", qint64(query.maxWeight));
-    if (query.minWidth > 1)
-        where.add(" AND f.width >= ?", qint64(query.minWidth));
-    if (query.maxWidth < 9)
-        where.add(" AND f.width <= ?", qint64(query.maxWidth));
-    if (query.italic)
-        where.add(" AND f.italic = ?", qint64(*query.italic));
-    if (query.monospaced)
-        where.add(" AND f.mono = ?", qint64(*query.monospaced));
-    if (query.variable)
-        where.sql += *query.variable ? " AND f.axes != ''" : " AND f.axes = ''";
-    if (query.colour)
-        where.sql += *query.colour ? " AND f.colour != ''" : " AND f.colour = ''";
-    if (query.duplicates)
-        where.sql += " AND (f.ps, f.version) IN (SELECT ps, version FROM faces WHERE ps != '' "
-                     "GROUP BY ps, version HAVING count(DISTINCT file) > 1)";
-    return where;
+    return std::all_of(wanted.cbegin(), wanted.cend(), [&](const QString &w) { return list.contains(w); });
+}
+
+template <typename Enum>
+quint32 maskOf(const QList<Enum> &values)
+{
+    quint32 mask = 0;
+    for (const Enum value : values)
+        mask |= 1u << quint32(value);
+    return mask;
+}
+
+bool isUnder(QStringView path, const QString &root)
+{
+    return path.startsWith(root) && (root == u"/"_s || path.size() == root.size() || path.at(root.size()) == u'/');
 }
 
 } // namespace
@@ -157,42 +68,76 @@ qsizetype FontQueryAnswer::faceCount() const
     return count;
 }
 
-QList<FaceRecord> FontQueryAnswer::faces() const
+QList<FoundFace> FontQueryAnswer::faces() const
 {
-    QList<FaceRecord> all;
+    QList<FoundFace> all;
     all.reserve(faceCount());
     for (const FontFamily &family : families)
         all += family.faces;
     return all;
 }
 
-FontQueryAnswer FontCatalog::query(const FontQuery &query, const FaceFilter &keep, const std::atomic_bool *cancelled) const
+FontQueryAnswer FontCatalog::query(const FontQuery &query, const FaceFilter &keep, const QStringList &countIn,
+                                   const std::atomic_bool *cancelled) const
 {
     const std::lock_guard lock(m_mutex);
     FontQueryAnswer answer;
     if (!m_db)
         return answer;
-    const Where where = whereFor(query);
-    Statement select(m_db, QByteArray("SELECT ") + kColumns + " FROM faces f JOIN files ON files.id = f.file WHERE 1"
-                               + where.sql);
-    if (!select)
-        return answer;
-    where.bindTo(select);
+    loadIndex();
+    const CatalogIndex &index = m_index;
+    const std::vector<IndexedFace> &faces = index.faces();
 
+    // Each word a prefix of some word of the face's names or makers: "dej san" finds
+    // DejaVu Sans. The word index says which distinct names each word starts.
+    std::vector<std::vector<bool>> namesOfWord;
+    for (QString word : query.text.split(u' ', Qt::SkipEmptyParts)) {
+        word.remove(u'"');
+        if (word.isEmpty())
+            continue;
+        std::vector<bool> hit(index.nameIdLimit(), false);
+        Statement match(m_db, "SELECT rowid FROM names_words WHERE names_words MATCH ?");
+        match.bind(1, u'"' + word + u"\"*"_s);
+        while (match.step()) {
+            const auto id = quint64(match.number(0));
+            if (id < hit.size())
+                hit[id] = true;
+        }
+        namesOfWord.push_back(std::move(hit));
+    }
+    Memo languagesMatch(index.textIdLimit()), scriptsMatch(index.textIdLimit());
+    const quint32 classes = maskOf(query.classifications), formats = maskOf(query.formats);
+
+    // Duplicates: a PostScript name and version that more than one file has.
+    QSet<quint64> duplicated;
+    if (query.duplicates) {
+        QHash<quint64, quint32> firstFile;
+        for (const IndexedFace &face : faces) {
+            if (face.file == 0 || index.name(face.names[IndexedFace::PostScript]).isEmpty())
+                continue;
+            const quint64 key = quint64(face.names[IndexedFace::PostScript]) << 32 | face.texts[IndexedFace::Version];
+            const auto first = firstFile.constFind(key);
+            if (first == firstFile.cend())
+                firstFile.insert(key, face.file);
+            else if (*first != face.file)
+                duplicated.insert(key);
+        }
+    }
+
+    // Required characters: each distinct cmap read from the database once.
     QList<char32_t> required;
     for (const char32_t c : query.requiredCharacters.toUcs4()) {
         if (!QChar::isSpace(c))
             required.append(c);
     }
-    // Families share their cmaps: each distinct coverage is looked at once.
-    QHash<qint64, bool> coverageAnswers;
+    QHash<quint32, bool> coverageAnswers;
     Statement coverage(m_db, "SELECT ranges FROM coverage WHERE id = ?");
-    const auto coversRequired = [&](qint64 id) {
+    const auto coversRequired = [&](quint32 id) {
         const auto known = coverageAnswers.constFind(id);
         if (known != coverageAnswers.cend())
             return *known;
         FaceRecord ranges;
-        coverage.bind(1, id);
+        coverage.bind(1, qint64(id));
         if (coverage.step())
             ranges.codePoints = CatalogSql::decodeRanges(coverage.bytes(0));
         coverage.reset();
@@ -201,44 +146,116 @@ FontQueryAnswer FontCatalog::query(const FontQuery &query, const FaceFilter &kee
         return covers;
     };
 
-    if (cancelled)
-        sqlite3_progress_handler(m_db, 1000, stopWhenCancelled, const_cast<std::atomic_bool *>(cancelled));
-    CatalogSql::SharedTexts shared;
-    QHash<QString, qsizetype> familyAt;
-    QHash<QByteArray, int> languageLists; // each distinct list of languages, and how many faces have it
-    while (select.step()) {
-        if (!required.isEmpty() && !coversRequired(select.number(kCoverageColumn)))
-            continue;
-        FaceRecord face = faceFrom(select, shared);
-        if (keep && !keep(face))
-            continue;
-        const QByteArray languages = select.raw(kLanguagesColumn);
-        ++languageLists[QByteArray(languages.constData(), languages.size())]; // a copy: the row goes
-        ++answer.classificationCounts[face.classification];
-        auto at = familyAt.constFind(face.family);
-        if (at == familyAt.cend()) {
-            at = familyAt.insert(face.family, answer.families.size());
-            answer.families.append({face.family, {}});
-        }
-        answer.families[*at].faces.append(std::move(face));
-        if (cancelled && cancelled->load())
-            break;
-    }
-    if (cancelled) {
-        sqlite3_progress_handler(m_db, 0, nullptr, nullptr);
-        if (cancelled->load())
+    std::vector<quint32> found;
+    for (quint32 at = 0; at < faces.size(); ++at) {
+        if (cancelled && (at & 4095) == 0 && cancelled->load())
             return FontQueryAnswer{.cancelled = true};
+        const IndexedFace &face = faces[at];
+        if (face.file == 0 || face.weight < query.minWeight || face.weight > query.maxWeight || face.width < query.minWidth
+            || face.width > query.maxWidth)
+            continue;
+        if ((query.italic && face.italic != *query.italic) || (query.monospaced && face.monospaced != *query.monospaced))
+            continue;
+        if ((classes && !(classes & (1u << face.classification))) || (formats && !(formats & (1u << face.outline))))
+            continue;
+        if (query.variable && index.text(face.texts[IndexedFace::Axes]).isEmpty() == *query.variable)
+            continue;
+        if (query.colour && index.text(face.texts[IndexedFace::Colour]).isEmpty() == *query.colour)
+            continue;
+        const bool wordsMatch = std::all_of(namesOfWord.cbegin(), namesOfWord.cend(), [&](const std::vector<bool> &hit) {
+            return std::any_of(face.names.cbegin(), face.names.cend(), [&](quint32 id) { return id < hit.size() && hit[id]; });
+        });
+        if (!wordsMatch)
+            continue;
+        const quint32 languages = face.texts[IndexedFace::Languages], scripts = face.texts[IndexedFace::Scripts];
+        if (!query.languages.isEmpty()
+            && !languagesMatch(languages, [&] { return containsAll(index.list(languages), query.languages); }))
+            continue;
+        if (!query.scripts.isEmpty() && !scriptsMatch(scripts, [&] { return containsAll(index.list(scripts), query.scripts); }))
+            continue;
+        if (query.duplicates
+            && !duplicated.contains(quint64(face.names[IndexedFace::PostScript]) << 32 | face.texts[IndexedFace::Version]))
+            continue;
+        if (!required.isEmpty() && !coversRequired(face.coverage))
+            continue;
+        if (keep) {
+            const CatalogIndex::File *file = index.file(face.file);
+            if (!file || !keep(file->path, index.name(face.names[IndexedFace::PostScript])))
+                continue;
+        }
+        found.push_back(at);
     }
-    for (auto it = languageLists.cbegin(); it != languageLists.cend(); ++it) {
-        for (const QString &language : shared.words(it.key()))
-            answer.languageCounts[language] += it.value();
+
+    // Counts for the filter menus: each distinct language list once.
+    std::vector<int> languageLists(index.textIdLimit(), 0);
+    std::array<int, 16> classCounts{};
+    QList<QString> roots;
+    for (const QString &folder : countIn)
+        roots.append(QDir::cleanPath(folder));
+    std::vector<int> rootCounts(size_t(roots.size()), 0);
+    // Which roots each folder is under, worked out once per folder.
+    std::vector<QList<qsizetype>> rootsOfFolder(roots.isEmpty() ? 0 : index.folderCount());
+    std::vector<bool> folderSeen(rootsOfFolder.size(), false);
+    for (const quint32 at : found) {
+        const IndexedFace &face = faces[at];
+        const quint32 languages = face.texts[IndexedFace::Languages];
+        if (languages < languageLists.size())
+            ++languageLists[languages];
+        ++classCounts[face.classification & 15];
+        const CatalogIndex::File *file = roots.isEmpty() ? nullptr : index.file(face.file);
+        if (!file)
+            continue;
+        if (!folderSeen[file->folder]) {
+            folderSeen[file->folder] = true;
+            for (qsizetype r = 0; r < roots.size(); ++r) {
+                if (isUnder(index.folder(file->folder), roots.at(r)))
+                    rootsOfFolder[file->folder].append(r);
+            }
+        }
+        for (const qsizetype r : std::as_const(rootsOfFolder[file->folder]))
+            ++rootCounts[size_t(r)];
     }
-    for (FontFamily &family : answer.families)
-        std::sort(family.faces.begin(), family.faces.end(), styleBefore);
-    std::vector<FontFamily> sorted(std::make_move_iterator(answer.families.begin()),
-                                   std::make_move_iterator(answer.families.end()));
-    NameCollator(QLocale()).stableSort(sorted, [](const FontFamily &family) { return QStringView(family.name); });
-    answer.families = QList<FontFamily>(std::make_move_iterator(sorted.begin()), std::make_move_iterator(sorted.end()));
+    for (quint32 id = 0; id < languageLists.size(); ++id) {
+        if (languageLists[id] == 0)
+            continue;
+        for (const QString &language : index.list(id))
+            answer.languageCounts[language] += languageLists[id];
+    }
+    for (size_t c = 0; c < classCounts.size(); ++c) {
+        if (classCounts[c])
+            answer.classificationCounts.insert(FaceRecord::Classification(c), classCounts[c]);
+    }
+    for (qsizetype r = 0; r < roots.size(); ++r) {
+        if (rootCounts[size_t(r)])
+            answer.sourceCounts.insert(countIn.at(r), rootCounts[size_t(r)]);
+    }
+
+    // Families in the library's order; in each, narrow to wide, light to heavy, upright first.
+    QHash<quint32, qsizetype> familyAt;
+    std::vector<std::pair<QString, std::vector<quint32>>> families;
+    for (const quint32 at : found) {
+        const quint32 family = faces[at].names[IndexedFace::Family];
+        auto slot = familyAt.constFind(family);
+        if (slot == familyAt.cend())
+            slot = familyAt.insert(family, qsizetype(families.size())), families.push_back({index.name(family), {}});
+        families[size_t(*slot)].second.push_back(at);
+    }
+    NameCollator(QLocale()).stableSort(families, [](const auto &family) { return QStringView(family.first); });
+    answer.families.reserve(qsizetype(families.size()));
+    for (auto &[name, positions] : families) {
+        std::stable_sort(positions.begin(), positions.end(), [&](quint32 a, quint32 b) {
+            const IndexedFace &x = faces[a], &y = faces[b];
+            if (std::tie(x.width, x.weight, x.italic) != std::tie(y.width, y.weight, y.italic))
+                return std::tie(x.width, x.weight, x.italic) < std::tie(y.width, y.weight, y.italic);
+            return x.names[IndexedFace::Style] != y.names[IndexedFace::Style]
+                   && index.name(x.names[IndexedFace::Style]) < index.name(y.names[IndexedFace::Style]);
+        });
+        FontFamily family{name, {}};
+        family.faces.reserve(qsizetype(positions.size()));
+        for (const quint32 at : positions)
+            family.faces.append(index.found(faces[at]));
+        answer.families.append(std::move(family));
+    }
     return answer;
 }
 
@@ -247,16 +264,23 @@ std::optional<FaceRecord> FontCatalog::face(const QString &path, int faceIndex) 
     const std::lock_guard lock(m_mutex);
     if (!m_db)
         return std::nullopt;
-    Statement select(m_db, QByteArray("SELECT ") + kColumns + ", coverage.ranges FROM faces f JOIN files ON files.id = f.file "
-                               "JOIN coverage ON coverage.id = f.coverage WHERE files.path = ? AND f.face = ?");
-    select.bind(1, path);
-    select.bind(2, qint64(faceIndex));
-    if (!select.step())
+    loadIndex();
+    Statement file(m_db, "SELECT id FROM files WHERE path = ?");
+    file.bind(1, path);
+    if (!file.step())
         return std::nullopt;
-    CatalogSql::SharedTexts shared;
-    FaceRecord record = faceFrom(select, shared);
-    record.codePoints = CatalogSql::decodeRanges(select.bytes(27));
-    return record;
+    for (const quint32 at : m_index.facesOf(quint32(file.number(0)))) {
+        const IndexedFace &face = m_index.faces()[at];
+        if (face.faceIndex != faceIndex)
+            continue;
+        FaceRecord record = m_index.record(face);
+        Statement ranges(m_db, "SELECT ranges FROM coverage WHERE id = ?");
+        ranges.bind(1, qint64(face.coverage));
+        if (ranges.step())
+            record.codePoints = CatalogSql::decodeRanges(ranges.bytes(0));
+        return record;
+    }
+    return std::nullopt;
 }
 
 QSet<QString> FontCatalog::sharedPostScriptNames(const QSet<QString> &paths) const
@@ -265,18 +289,18 @@ QSet<QString> FontCatalog::sharedPostScriptNames(const QSet<QString> &paths) con
     QSet<QString> shared;
     if (!m_db || paths.size() < 2)
         return shared;
-    QHash<QString, QString> firstFileOf; // PostScript name → a file that has it
-    Statement all(m_db, "SELECT files.path, f.ps FROM faces f JOIN files ON files.id = f.file WHERE f.ps != ''");
-    while (all.step()) {
-        const QString path = all.text(0);
-        if (!paths.contains(path))
+    loadIndex();
+    QHash<quint32, quint32> firstFileOf; // PostScript name → a file that has it
+    for (const IndexedFace &face : m_index.faces()) {
+        const CatalogIndex::File *file = face.file ? m_index.file(face.file) : nullptr;
+        const quint32 name = face.names[IndexedFace::PostScript];
+        if (!file || !paths.contains(file->path) || m_index.name(name).isEmpty())
             continue;
-        const QString name = all.text(1);
         const auto first = firstFileOf.constFind(name);
         if (first == firstFileOf.cend())
-            firstFileOf.insert(name, path);
-        else if (*first != path)
-            shared.insert(name);
+            firstFileOf.insert(name, face.file);
+        else if (*first != face.file)
+            shared.insert(m_index.name(name));
     }
     return shared;
 }

@@ -227,6 +227,8 @@ public:
     QCoro::Task<FontQueryAnswer> queryFonts(FontQuery query);
     // How long the catalogue lets a refresh stand before reading (benchmarks: none).
     void setCatalogueSettleTime(int msecs) { m_catalogueSettleMs = msecs; }
+    // Where the catalogue lives, before its first use (benchmarks keep several).
+    void setCatalogueFile(const QString &path) { m_catalogueFile = path; }
     // Waits (tests, benchmarks) until the running indexing job has ended.
     bool waitForCatalogue(int msecs);
 
@@ -338,6 +340,7 @@ private:
     quint64 m_queryGeneration = 0;
     std::shared_ptr<std::atomic_bool> m_queryCancelled = std::make_shared<std::atomic_bool>(false);
     int m_catalogueSettleMs = 1000;
+    QString m_catalogueFile = FontCatalog::defaultPath();
     // Set while a batch runs: activation is Morvane's first job, the catalogue waits.
     std::shared_ptr<std::atomic_bool> m_cataloguePaused = std::make_shared<std::atomic_bool>(false);
     std::shared_ptr<std::atomic<qint64>> m_catalogueQuietUntil = std::make_shared<std::atomic<qint64>>(0);

@@ -19,6 +19,10 @@
 #include <QtConcurrent/QtConcurrentMap>
 #include <QtConcurrent/QtConcurrentRun>
 
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -41,6 +45,44 @@ QThreadPool &indexers()
     pool.setMaxThreadCount(1);
     pool.setThreadPriority(QThread::IdlePriority);
     return pool;
+}
+
+// The size and time of each file, by stat(2) relative to its folder (no walk of the
+// whole path per file), in chunks on the readers' threads. Files gone are left out.
+QList<FileStamp> stampsOf(const QStringList &paths)
+{
+    constexpr qsizetype kStampChunk = 2048;
+    QList<QStringList> chunks;
+    for (qsizetype start = 0; start < paths.size(); start += kStampChunk)
+        chunks.append(paths.mid(start, kStampChunk));
+    const auto stampChunk = [](const QStringList &chunk) {
+        QList<FileStamp> stamps;
+        stamps.reserve(chunk.size());
+        int folderFd = -1;
+        QStringView folder;
+        for (const QString &path : chunk) {
+            const qsizetype slash = path.lastIndexOf(u'/');
+            if (slash < 0)
+                continue;
+            if (folderFd < 0 || QStringView(path).left(slash) != folder) {
+                if (folderFd >= 0)
+                    ::close(folderFd);
+                folder = QStringView(path).left(slash);
+                folderFd = ::open(QFile::encodeName(folder.toString()).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+            }
+            struct stat info{};
+            if (folderFd >= 0 && ::fstatat(folderFd, QFile::encodeName(path.mid(slash + 1)).constData(), &info, 0) == 0)
+                stamps.append({path, qint64(info.st_size), qint64(info.st_mtim.tv_sec)});
+        }
+        if (folderFd >= 0)
+            ::close(folderFd);
+        return stamps;
+    };
+    QList<FileStamp> stamps;
+    stamps.reserve(paths.size());
+    for (const QList<FileStamp> &chunk : QtConcurrent::blockingMapped(&readers(), chunks, stampChunk))
+        stamps += chunk;
+    return stamps;
 }
 
 } // namespace
@@ -69,7 +111,7 @@ void AppState::indexCatalogue()
     const CancellationToken cancellation = CancellationToken::create();
     m_catalogueCancellation = cancellation;
     if (!m_catalog)
-        m_catalog = std::make_shared<FontCatalog>();
+        m_catalog = std::make_shared<FontCatalog>(m_catalogueFile);
     // Refreshes come in bursts (a drive mounting, files being copied in): the catalogue
     // starts reading once one has stood for a second.
     m_catalogueQuietUntil->store(std::max(m_catalogueQuietUntil->load(), QDateTime::currentMSecsSinceEpoch() + m_catalogueSettleMs));
@@ -88,6 +130,8 @@ void AppState::indexCatalogue()
                 QThread::msleep(50);
         };
         waitYourTurn();
+        QElapsedTimer took;
+        took.start();
         // Every font the scan saw: in the sources, and collection members outside them.
         QStringList paths;
         QSet<QString> seen;
@@ -111,20 +155,12 @@ void AppState::indexCatalogue()
                 }
             }
         }
-        QElapsedTimer took;
-        took.start();
-        QList<FileStamp> stamps;
-        stamps.reserve(paths.size());
-        for (const QString &path : paths) {
-            if (stamps.size() % 4096 == 0)
-                waitYourTurn();
-            const QFileInfo info(path);
-            stamps.append({path, info.size(), info.lastModified().toSecsSinceEpoch()});
-        }
+        waitYourTurn();
+        const QList<FileStamp> stamps = stampsOf(paths);
         const QStringList toRead = catalog->filesToRead(stamps); // vanished files go here
         QHash<QString, FileStamp> byPath;
-        for (const FileStamp &stamp : std::as_const(stamps))
-            byPath.insert(stamp.path, stamp);
+        for (qsizetype i = 0; !toRead.isEmpty() && i < stamps.size(); ++i)
+            byPath.insert(stamps.at(i).path, stamps.at(i));
         const qsizetype total = toRead.size();
         const auto report = [this](bool working, qsizetype done, qsizetype all, bool changed) {
             QMetaObject::invokeMethod(
@@ -186,7 +222,7 @@ QCoro::Task<FontQueryAnswer> AppState::queryFonts(FontQuery query)
     m_queryCancelled = std::make_shared<std::atomic_bool>(false);
     const std::shared_ptr<std::atomic_bool> cancelled = m_queryCancelled;
     if (!m_catalog)
-        m_catalog = std::make_shared<FontCatalog>();
+        m_catalog = std::make_shared<FontCatalog>(m_catalogueFile);
     const std::shared_ptr<FontCatalog> catalog = m_catalog;
     QPointer<AppState> self(this);
     // What only the store knows, taken along (shared, not copied).
@@ -204,37 +240,33 @@ QCoro::Task<FontQueryAnswer> AppState::queryFonts(FontQuery query)
         sourceFolders.append(QDir::cleanPath(source.path));
     const QFuture<FontQueryAnswer> asked = QtConcurrent::run([catalog, query, activated, members, sourceFolders, cancelled] {
         const QSet<QString> conflicting = query.conflicts ? catalog->sharedPostScriptNames(activated) : QSet<QString>();
-        QHash<QString, int> bySource;
         QHash<QString, LicenseStatus> statusOf; // a .ttc's faces ask the file once
-        const auto keep = [&](const FaceRecord &face) {
-            if (query.active && activated.contains(face.path) != *query.active)
+        const auto keep = [&](const QString &path, const QString &postScriptName) {
+            if (query.active && activated.contains(path) != *query.active)
                 return false;
-            if (query.conflicts && (!activated.contains(face.path) || !conflicting.contains(face.postScriptName)))
+            if (query.conflicts && (!activated.contains(path) || !conflicting.contains(postScriptName)))
                 return false;
             if (!query.folders.isEmpty()
                 && std::none_of(query.folders.cbegin(), query.folders.cend(),
-                                [&](const QString &folder) { return isUnder(face.path, folder); }))
+                                [&](const QString &folder) { return isUnder(path, folder); }))
                 return false;
             if (query.collection && std::none_of(members.cbegin(), members.cend(), [&](const CollectionMember &member) {
-                    return member.isDirectory ? isUnder(face.path, member.path) : member.path == face.path;
+                    return member.isDirectory ? isUnder(path, member.path) : member.path == path;
                 }))
                 return false;
             if (!query.licenseStatuses.isEmpty()) {
-                auto status = statusOf.constFind(face.path);
+                auto status = statusOf.constFind(path);
                 if (status == statusOf.cend())
-                    status = statusOf.insert(face.path, License::from(FinderTagService::readTags(face.path)));
+                    status = statusOf.insert(path, License::from(FinderTagService::readTags(path)));
                 if (!query.licenseStatuses.contains(*status))
                     return false;
             }
-            for (const QString &folder : sourceFolders) {
-                if (isUnder(face.path, folder))
-                    ++bySource[folder];
-            }
             return true;
         };
-        FontQueryAnswer answer = catalog->query(query, keep, cancelled.get());
-        answer.sourceCounts = bySource;
-        return answer;
+        const bool asksTheStore = query.active || query.conflicts || !query.folders.isEmpty() || query.collection
+                                  || !query.licenseStatuses.isEmpty();
+        return catalog->query(query, asksTheStore ? FontCatalog::FaceFilter(keep) : FontCatalog::FaceFilter(), sourceFolders,
+                              cancelled.get());
     });
     FontQueryAnswer answer = co_await asked;
     if (!self || generation != m_queryGeneration)

@@ -40,10 +40,11 @@ QList<FileStamp> installedFonts()
     return files;
 }
 
-QStringList names(const QList<FaceRecord> &faces)
+template <typename Face>
+QStringList names(const QList<Face> &faces)
 {
     QStringList list;
-    for (const FaceRecord &face : faces)
+    for (const Face &face : faces)
         list.append(face.postScriptName);
     list.sort();
     return list;
@@ -112,13 +113,13 @@ TEST(FontCatalog, EachFilterAloneAndCombinedAnswersAsTheFacesDo)
     for (const auto &c : cases) {
         QList<FaceRecord> expected;
         std::copy_if(all.cbegin(), all.cend(), std::back_inserter(expected), c.answers);
-        const QList<FaceRecord> answer = catalog.query(c.query).faces();
+        const QList<FoundFace> answer = catalog.query(c.query).faces();
         EXPECT_EQ(names(answer), names(expected)) << c.question;
         EXPECT_FALSE(expected.isEmpty() && answer.isEmpty() && QByteArray(c.question) != "light upright serifs or slabs")
             << c.question << ": a question nothing answers proves little";
     }
     // Whole records come back as they went in.
-    const QList<FaceRecord> mono = catalog.query(FontQuery{.text = u"DejaVuSansMono-Bold"_s}).faces();
+    const QList<FoundFace> mono = catalog.query(FontQuery{.text = u"DejaVuSansMono-Bold"_s}).faces();
     ASSERT_FALSE(mono.isEmpty());
     const auto original = std::find_if(all.cbegin(), all.cend(), [&](const FaceRecord &f) { return f.path == mono.first().path; });
     ASSERT_NE(original, all.cend());
@@ -150,13 +151,13 @@ TEST(FontCatalog, AnswersComeAsSortedFamiliesWithCountsForTheirFilters)
     }
     for (const FontFamily &family : answer.families) {
         for (qsizetype i = 0; i < family.faces.size(); ++i) {
-            const FaceRecord &face = family.faces.at(i);
-            EXPECT_EQ(face.family, family.name);
+            const FoundFace &face = family.faces.at(i);
+            EXPECT_EQ(catalog.face(face.path, face.faceIndex).value_or(FaceRecord()).family, family.name);
             if (i == 0)
                 continue;
-            const FaceRecord &before = family.faces.at(i - 1);
+            const FoundFace &before = family.faces.at(i - 1);
             EXPECT_LE(std::tie(before.width, before.weight, before.italic), std::tie(face.width, face.weight, face.italic))
-                << face.fullName.toStdString();
+                << face.postScriptName.toStdString();
         }
     }
     const auto dejavu = std::find_if(answer.families.cbegin(), answer.families.cend(),
@@ -168,7 +169,8 @@ TEST(FontCatalog, AnswersComeAsSortedFamiliesWithCountsForTheirFilters)
     const FontQueryAnswer serifs = catalog.query(FontQuery{.text = u"serif"_s});
     QHash<QString, int> languages;
     QHash<FaceRecord::Classification, int> classes;
-    for (const FaceRecord &face : serifs.faces()) {
+    for (const FoundFace &found : serifs.faces()) {
+        const FaceRecord face = catalog.face(found.path, found.faceIndex).value_or(FaceRecord());
         for (const QString &language : face.languages)
             ++languages[language];
         ++classes[face.classification];
@@ -178,15 +180,20 @@ TEST(FontCatalog, AnswersComeAsSortedFamiliesWithCountsForTheirFilters)
     EXPECT_EQ(serifs.classificationCounts, classes);
 
     // What only the caller knows narrows the answer and its counts alike.
-    const FontQueryAnswer bold = catalog.query(FontQuery{}, [](const FaceRecord &f) { return f.weight >= 700; });
-    EXPECT_EQ(bold.classificationCounts.value(FaceRecord::Classification::SansSerif),
-              std::count_if(all.cbegin(), all.cend(), [](const FaceRecord &f) {
-                  return f.weight >= 700 && f.classification == FaceRecord::Classification::SansSerif;
+    const auto inDejaVu = [](const QString &path) { return path.contains(u"/dejavu/"_s); };
+    const FontQueryAnswer dejavuOnly =
+        catalog.query(FontQuery{}, [&](const QString &path, const QString &) { return inDejaVu(path); }, {u"/usr/share/fonts"_s});
+    const auto dejavuFaces = std::count_if(all.cbegin(), all.cend(), [&](const FaceRecord &f) { return inDejaVu(f.path); });
+    EXPECT_EQ(dejavuOnly.faceCount(), dejavuFaces);
+    EXPECT_EQ(dejavuOnly.classificationCounts.value(FaceRecord::Classification::SansSerif),
+              std::count_if(all.cbegin(), all.cend(), [&](const FaceRecord &f) {
+                  return inDejaVu(f.path) && f.classification == FaceRecord::Classification::SansSerif;
               }));
+    EXPECT_EQ(dejavuOnly.sourceCounts, (QHash<QString, int>{{u"/usr/share/fonts"_s, int(dejavuFaces)}}));
 
     // A question overtaken before it runs answers nothing, marked so.
     const std::atomic_bool overtaken = true;
-    const FontQueryAnswer stopped = catalog.query(FontQuery{}, {}, &overtaken);
+    const FontQueryAnswer stopped = catalog.query(FontQuery{}, {}, {}, &overtaken);
     EXPECT_TRUE(stopped.cancelled);
     EXPECT_TRUE(stopped.families.isEmpty());
 }
@@ -205,11 +212,23 @@ TEST(FontCatalog, FilesAreReadAgainOnlyWhenTheyChange)
     for (const FileStamp &file : seen)
         catalog.record(file, FaceReader::read(file.path));
     EXPECT_TRUE(catalog.filesToRead(seen).isEmpty()) << "nothing changed, nothing read";
+    EXPECT_EQ(catalog.query(FontQuery{.text = u"morvane"_s}).faceCount(), 3); // answers from memory from here on
+
+    // A file replaced in place by another font: read again, its old face gone from the answers.
+    ASSERT_TRUE(QFile::remove(folder + u"/a.ttf"_s));
+    ASSERT_TRUE(QFile::copy(QStringLiteral(MORVANE_TEST_FONTS "/Pair.ttc"), folder + u"/a.ttf"_s));
+    seen[0] = stampOf(folder + u"/a.ttf"_s);
+    seen[0].modified += 1; // same second as the copy before
+    EXPECT_EQ(catalog.filesToRead(seen), QStringList{folder + u"/a.ttf"_s});
+    catalog.record(seen[0], FaceReader::read(seen[0].path));
+    EXPECT_EQ(catalog.query(FontQuery{.text = u"morvane"_s}).faceCount(), 2);
+    EXPECT_EQ(catalog.query(FontQuery{.text = u"collection"_s}).faceCount(), 2);
 
     seen[1].modified += 60; // touched
     seen.removeAt(2);       // gone
     EXPECT_EQ(catalog.filesToRead(seen), QStringList{folder + u"/b.ttf"_s});
-    EXPECT_EQ(catalog.faceCount(), 2) << "the gone file's face went with it";
+    EXPECT_EQ(catalog.faceCount(), 3) << "the gone file's face went with it";
+    EXPECT_EQ(catalog.query(FontQuery{.text = u"morvane"_s}).faceCount(), 1);
 
     // Unreadable is remembered, and not tried again until it changes.
     const QString bad = writeFile(folder + u"/bad.ttf"_s, "not a font");

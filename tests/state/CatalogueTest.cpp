@@ -6,7 +6,9 @@
 
 #include <QCoroTask>
 #include <QFile>
+#include <QSemaphore>
 #include <QSignalSpy>
+#include <QThreadPool>
 #include <QStandardPaths>
 #include <QTest>
 
@@ -15,15 +17,15 @@ using namespace TestSupport;
 
 namespace {
 
-QList<FaceRecord> ask(AppState &store, const FontQuery &query)
+QList<FoundFace> ask(AppState &store, const FontQuery &query)
 {
     return QCoro::waitFor(store.queryFonts(query)).faces();
 }
 
-QStringList postScriptNames(const QList<FaceRecord> &faces)
+QStringList postScriptNames(const QList<FoundFace> &faces)
 {
     QStringList names;
-    for (const FaceRecord &face : faces)
+    for (const FoundFace &face : faces)
         names.append(face.postScriptName);
     return names;
 }
@@ -131,9 +133,16 @@ TEST(Catalogue, TheStoreAnswersWhatOnlyItKnows)
     ASSERT_TRUE(QTest::qWaitFor([&] { return !store.isProcessing(); }));
     EXPECT_TRUE(ask(store, FontQuery{.conflicts = true}).isEmpty());
 
-    // A newer question overtakes an older one, which answers nothing.
+    // A newer question overtakes an older one still waiting, which answers nothing. The
+    // pool's threads are held busy so that the older one can't finish first.
+    QSemaphore release;
+    const int threads = QThreadPool::globalInstance()->maxThreadCount();
+    for (int i = 0; i < threads; ++i)
+        QThreadPool::globalInstance()->start([&] { release.acquire(); });
     QCoro::Task<FontQueryAnswer> older = store.queryFonts(FontQuery{});
-    const FontQueryAnswer newer = QCoro::waitFor(store.queryFonts(FontQuery{.text = u"serif"_s}));
+    QCoro::Task<FontQueryAnswer> newerTask = store.queryFonts(FontQuery{.text = u"serif"_s});
+    release.release(threads);
+    const FontQueryAnswer newer = QCoro::waitFor(std::move(newerTask));
     EXPECT_EQ(newer.faceCount(), 1);
     const FontQueryAnswer overtaken = QCoro::waitFor(std::move(older));
     EXPECT_TRUE(overtaken.cancelled);
