@@ -231,24 +231,29 @@ FontQueryAnswer FontCatalog::query(const FontQuery &query, const FaceFilter &kee
     }
 
     // Families in the library's order; in each, narrow to wide, light to heavy, upright first.
-    QHash<quint32, qsizetype> familyAt;
+    std::vector<qint32> familyAt(index.nameIdLimit(), -1);
     std::vector<std::pair<QString, std::vector<quint32>>> families;
     for (const quint32 at : found) {
         const quint32 family = faces[at].names[IndexedFace::Family];
-        auto slot = familyAt.constFind(family);
-        if (slot == familyAt.cend())
-            slot = familyAt.insert(family, qsizetype(families.size())), families.push_back({index.name(family), {}});
-        families[size_t(*slot)].second.push_back(at);
+        if (familyAt[family] < 0) {
+            familyAt[family] = qint32(families.size());
+            families.push_back({index.name(family), {}});
+        }
+        families[size_t(familyAt[family])].second.push_back(at);
     }
     NameCollator(QLocale()).stableSort(families, [](const auto &family) { return QStringView(family.first); });
     answer.families.reserve(qsizetype(families.size()));
     for (auto &[name, positions] : families) {
-        std::stable_sort(positions.begin(), positions.end(), [&](quint32 a, quint32 b) {
+        std::sort(positions.begin(), positions.end(), [&](quint32 a, quint32 b) {
             const IndexedFace &x = faces[a], &y = faces[b];
             if (std::tie(x.width, x.weight, x.italic) != std::tie(y.width, y.weight, y.italic))
                 return std::tie(x.width, x.weight, x.italic) < std::tie(y.width, y.weight, y.italic);
-            return x.names[IndexedFace::Style] != y.names[IndexedFace::Style]
-                   && index.name(x.names[IndexedFace::Style]) < index.name(y.names[IndexedFace::Style]);
+            if (x.names[IndexedFace::Style] != y.names[IndexedFace::Style]) {
+                const int styles = index.name(x.names[IndexedFace::Style]).compare(index.name(y.names[IndexedFace::Style]));
+                if (styles != 0)
+                    return styles < 0;
+            }
+            return a < b; // as indexed: the same answer every time
         });
         FontFamily family{name, {}};
         family.faces.reserve(qsizetype(positions.size()));
