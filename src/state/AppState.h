@@ -97,6 +97,7 @@ public:
     // Asynchronous: ignored while a batch runs or the library is indexed; save when done.
     QCoro::Task<> toggleActivation(FontNode node);
     QCoro::Task<> toggleCollectionActivation(FontCollection collection);
+    // Every active font, in the sources or not (collection folders outside them too).
     QCoro::Task<> deactivateAllFonts();
     // The one worker behind them all: chunks of 8, one background job each, in turn.
     QCoro::Task<> batchProcess(QList<FontNode> fonts, bool activate, QString label);

@@ -183,14 +183,38 @@ QCoro::Task<> AppState::deactivateAllFonts()
 {
     if (m_isProcessing || m_isIndexing)
         co_return;
-    // Only what the library shows: active paths outside every source stay as they are.
+    // "All" is every active font: the sources' first, in their order, then those of
+    // collection folders and files outside them, then any other active path (a font
+    // activated from a folder since removed from the library).
     QList<FontNode> active;
+    QSet<QString> taken;
+    const auto take = [&](const FontNode &font) {
+        if (m_activatedFonts.contains(font.path()) && !taken.contains(font.path())) {
+            taken.insert(font.path());
+            active.append(font);
+        }
+    };
     for (const FolderSource &source : std::as_const(m_sources)) {
-        for (const FontNode &font : m_fileSystemService->allFonts(QDir::cleanPath(source.path))) {
-            if (m_activatedFonts.contains(font.path()))
-                active.append(font);
+        for (const FontNode &font : m_fileSystemService->allFonts(QDir::cleanPath(source.path)))
+            take(font);
+    }
+    for (const FontCollection &collection : std::as_const(m_collections)) {
+        for (const CollectionMember &member : collection.members) {
+            if (!member.isDirectory)
+                take(FontNode::fontFile(member.path));
+            else
+                for (const FontNode &font : m_fileSystemService->allFonts(QDir::cleanPath(member.path)))
+                    take(font);
         }
     }
+    QStringList others;
+    for (const QString &path : std::as_const(m_activatedFonts)) {
+        if (!taken.contains(path))
+            others.append(path);
+    }
+    others.sort();
+    for (const QString &path : std::as_const(others))
+        take(FontNode::fontFile(path));
     // Nothing waits to come back either: the user asked for nothing active.
     const bool hadWaiting = !m_waitingActivations.isEmpty();
     setWaitingActivations({});

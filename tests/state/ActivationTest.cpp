@@ -126,17 +126,28 @@ TEST_F(Activation, CollectionsAndDeactivateAllFollowTheSameRule)
     EXPECT_EQ(store->collectionActivationState(collection()), ActivationState::Active);
     EXPECT_EQ(store->activatedFonts().size(), 4);
 
-    // Deactivate all: only fonts the sources show; an active path elsewhere stays.
-    store->batchProcess({FontNode::fromPath(testRoot() + u"/Outside/x.otf"_s)}, true, u"Activating"_s);
+    // Deactivate all means all: the sources' fonts first, then a collection folder's
+    // outside every source, then any other active path.
+    const QString outside = makeDir(testRoot() + u"/Outside"_s);
+    for (const QString &name : {u"x.otf"_s, u"y.otf"_s})
+        writeFile(outside + u'/' + name, "font");
+    store->addToCollection(id, FontNode::folder(outside));
+    store->refreshFileSystem(); // the collection's folder is scanned with the sources
+    ASSERT_TRUE(QTest::qWaitFor([this] { return !store->isIndexing(); }, 20'000));
+    store->batchProcess({FontNode::fontFile(outside + u"/x.otf"_s), FontNode::fontFile(testRoot() + u"/Gone/z.otf"_s)}, true,
+                        u"Activating"_s);
     ASSERT_TRUE(waitUntilIdle());
-    EXPECT_EQ(store->collectionActivationState(collection()), ActivationState::Active);
+    EXPECT_EQ(store->activatedFonts().size(), 6);
+    const qsizetype before = activation.calls().size();
     store->deactivateAllFonts();
     ASSERT_TRUE(waitUntilIdle());
-    EXPECT_EQ(store->activatedFonts(), QSet<QString>{testRoot() + u"/Outside/x.otf"_s});
+    EXPECT_TRUE(store->activatedFonts().isEmpty());
+    EXPECT_EQ(activation.calls().mid(before + 4), (QStringList{u'-' + outside + u"/x.otf"_s, u'-' + testRoot() + u"/Gone/z.otf"_s}))
+        << "the library's own fonts first";
     EXPECT_EQ(store->collectionActivationState(collection()), ActivationState::Inactive);
     EXPECT_EQ(written().loadActivatedFonts(), store->activatedFonts());
 
-    // Nothing active under any source: nothing runs and nothing is saved.
+    // Nothing active anywhere: nothing runs and nothing is saved.
     QSignalSpy processing(store.get(), &AppState::isProcessingChanged);
     persistence.saveActivatedFonts({u"/marker.otf"_s});
     store->deactivateAllFonts();
