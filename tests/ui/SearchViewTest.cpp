@@ -10,6 +10,9 @@
 #include "ui/search/SearchResultDelegate.h"
 #include "ui/search/SearchResultsModel.h"
 #include "ui/search/SearchResultsView.h"
+#include "ui/common/Symbols.h"
+#include "ui/sidebar/SidebarDelegate.h"
+#include "ui/sidebar/SidebarList.h"
 #include "ui/sidebar/SidebarModel.h"
 #include "ui/sidebar/SidebarView.h"
 #include "ui/window/ToolbarInputField.h"
@@ -274,4 +277,36 @@ TEST_F(SearchView, HitsOfOneNameSayWhereTheyLive)
     }
     places.sort();
     EXPECT_EQ(places, (QStringList{u"Fonts/Foundry A"_s, u"Fonts/Foundry B"_s}));
+}
+
+// Read right to left, sidebar rows and search hits mirror: the round button on the
+// right is where a click toggles, and the words start at the right.
+TEST_F(SearchView, RightToLeftMirrorsSidebarRowsAndHits)
+{
+    window->setLayoutDirection(Qt::RightToLeft);
+    const auto wordsOnlyRight = [](const QImage &row) {
+        const QColor background = row.pixelColor(row.width() / 2, 2); // above the words, inside the row
+        for (int x = 16; x < row.width() / 4; ++x) { // past the rounded corner
+            for (int y = 4; y < row.height() - 4; ++y) {
+                if (Symbols::contrast(row.pixelColor(x, y), background) > 1.5)
+                    return false;
+            }
+        }
+        return true;
+    };
+    SidebarList *sources = window->sidebar().sourcesList();
+    const QRect sourceRow = sources->visualRect(sources->model()->index(0, 0));
+    const SidebarDelegate::Layout source = SidebarDelegate::layout(sourceRow, int(SidebarModel::Kind::Source), Qt::RightToLeft);
+    EXPECT_GT(source.button.left(), sourceRow.center().x());
+    EXPECT_TRUE(wordsOnlyRight(sources->viewport()->grab(sourceRow).toImage()));
+    QTest::mouseClick(sources->viewport(), Qt::LeftButton, {}, source.button.center().toPoint());
+    ASSERT_TRUE(QTest::qWaitFor([&] { return store().activatedFonts().size() == 4 && !store().isProcessing(); }));
+
+    type(u"serif"_s);
+    ASSERT_TRUE(searched());
+    const SearchResultDelegate::Layout hit = SearchResultDelegate::layout(row(0), list()->font(), Qt::RightToLeft);
+    EXPECT_GT(hit.button.left(), row(0).center().x());
+    EXPECT_TRUE(wordsOnlyRight(list()->viewport()->grab(row(0)).toImage()));
+    QTest::mouseClick(list()->viewport(), Qt::LeftButton, {}, hit.button.center().toPoint());
+    ASSERT_TRUE(QTest::qWaitFor([&] { return store().activatedFonts().size() == 3 && !store().isProcessing(); }));
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/browser/FontNodeDelegate.h"
 
+#include "ui/common/Reading.h"
 #include "ui/common/RowButton.h"
 #include "ui/common/LicenseColours.h"
 #include "ui/common/RowBackground.h"
@@ -66,11 +67,7 @@ QString FontNodeDelegate::buttonToolTip(int activationState)
 FontNodeDelegate::Layout FontNodeDelegate::layout(const QRect &row, bool isFolder, Qt::LayoutDirection direction)
 {
     Layout parts = layout(row, isFolder);
-    if (direction == Qt::RightToLeft) {
-        const qreal axis = row.left() + row.right() + 1;
-        for (QRectF *part : {&parts.background, &parts.button, &parts.icon, &parts.text, &parts.chevron})
-            part->moveLeft(axis - part->right());
-    }
+    Reading::mirror(row, direction, {&parts.background, &parts.button, &parts.icon, &parts.text, &parts.chevron});
     return parts;
 }
 
@@ -118,7 +115,7 @@ void FontNodeDelegate::paint(QPainter *painter, const QStyleOptionViewItem &opti
     painter->setFont(option.font);
     const QString name = index.data(Qt::DisplayRole).toString();
     const QString shown = option.fontMetrics.elidedText(name, Qt::ElideMiddle, static_cast<int>(parts.text.width()));
-    painter->drawText(parts.text, Qt::AlignVCenter | Qt::AlignLeft | Qt::TextSingleLine, shown);
+    painter->drawText(parts.text, Qt::AlignVCenter | Reading::leading(option.direction) | Qt::TextSingleLine, shown);
     painter->restore();
 }
 

@@ -3,6 +3,7 @@
 
 #include "ui/collection/CollectionMemberModel.h"
 #include "ui/common/LicenseColours.h"
+#include "ui/common/Reading.h"
 #include "ui/common/RowBackground.h"
 #include "ui/common/RowButton.h"
 #include "ui/common/Symbols.h"
@@ -19,7 +20,7 @@ void CollectionMemberDelegate::paint(QPainter *painter, const QStyleOptionViewIt
     const QPalette &palette = option.palette;
     const bool selected = option.state & QStyle::State_Selected;
     const bool emphasised = selected && option.widget && option.widget->hasFocus();
-    const FontNodeDelegate::Layout parts = layout(option.rect);
+    const FontNodeDelegate::Layout parts = layout(option.rect, option.direction);
     const bool missing = index.data(CollectionMemberModel::MissingRole).toBool();
     painter->save();
     painter->setRenderHint(QPainter::Antialiasing);
@@ -43,11 +44,12 @@ void CollectionMemberDelegate::paint(QPainter *painter, const QStyleOptionViewIt
     } else {
         Symbols::drawFontFile(*painter, parts.icon, emphasised ? onAccent : Symbols::secondary(palette));
     }
-    const QRectF text = parts.text.adjusted(0, 0, -6, 0);
+    const QRectF text = option.direction == Qt::RightToLeft ? parts.text.adjusted(6, 0, 0, 0) : parts.text.adjusted(0, 0, -6, 0);
+    const Qt::Alignment leading = Reading::leading(option.direction);
     painter->setFont(option.font);
     painter->setPen(emphasised ? onAccent : palette.color(QPalette::WindowText));
     const QRectF nameRect(text.left(), text.top(), text.width(), text.height() / 2);
-    painter->drawText(nameRect, Qt::AlignLeft | Qt::AlignBottom | Qt::TextSingleLine,
+    painter->drawText(nameRect, leading | Qt::AlignBottom | Qt::TextSingleLine,
                       option.fontMetrics.elidedText(index.data().toString(), Qt::ElideMiddle, int(text.width())));
     QFont caption = option.font;
     caption.setPointSizeF(TextStyles::captionSize(option.font));
@@ -56,7 +58,7 @@ void CollectionMemberDelegate::paint(QPainter *painter, const QStyleOptionViewIt
     const QString folder = index.data(CollectionMemberModel::FolderRole).toString();
     const QString line = missing ? u"Missing · "_s + folder : folder;
     painter->drawText(QRectF(text.left(), text.center().y() + 1, text.width(), text.height() / 2),
-                      Qt::AlignLeft | Qt::AlignTop | Qt::TextSingleLine,
+                      leading | Qt::AlignTop | Qt::TextSingleLine,
                       QFontMetrics(caption).elidedText(line, Qt::ElideMiddle, int(text.width())));
     painter->restore();
 }
@@ -66,7 +68,7 @@ bool CollectionMemberDelegate::editorEvent(QEvent *event, QAbstractItemModel *, 
 {
     if (index.data(CollectionMemberModel::ActivationRole).toInt() < 0)
         return false; // a missing member has no button
-    const auto hit = RowButton::hit(event, layout(option.rect).button);
+    const auto hit = RowButton::hit(event, layout(option.rect, option.direction).button);
     if (hit == RowButton::Hit::Click)
         Q_EMIT activationClicked(index);
     return hit != RowButton::Hit::Outside;

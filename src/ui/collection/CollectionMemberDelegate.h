@@ -14,7 +14,10 @@ class CollectionMemberDelegate : public QStyledItemDelegate
 
 public:
     static constexpr int kRowHeight = 40;
-    static FontNodeDelegate::Layout layout(const QRect &row) { return FontNodeDelegate::layout(row, false); }
+    static FontNodeDelegate::Layout layout(const QRect &row, Qt::LayoutDirection direction = Qt::LeftToRight)
+    {
+        return FontNodeDelegate::layout(row, false, direction);
+    }
 
     using QStyledItemDelegate::QStyledItemDelegate;
     QSize sizeHint(const QStyleOptionViewItem &, const QModelIndex &) const override { return {300, kRowHeight}; }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/search/SearchResultDelegate.h"
 
+#include "ui/common/Reading.h"
 #include "ui/common/RowButton.h"
 
 #include "ui/common/RowBackground.h"
@@ -44,7 +45,7 @@ QFont SearchResultDelegate::countFont(const QFont &base)
     return font;
 }
 
-SearchResultDelegate::Layout SearchResultDelegate::layout(const QRect &row, const QFont &font)
+SearchResultDelegate::Layout SearchResultDelegate::layout(const QRect &row, const QFont &font, Qt::LayoutDirection direction)
 {
     const QRectF r(row);
     Layout parts;
@@ -61,6 +62,7 @@ SearchResultDelegate::Layout SearchResultDelegate::layout(const QRect &row, cons
     const qreal top = middle - (nameHeight + countHeight) / 2;
     parts.name = QRectF(x, top, width, nameHeight);
     parts.count = QRectF(x, top + nameHeight, width, countHeight);
+    Reading::mirror(row, direction, {&parts.background, &parts.button, &parts.icon, &parts.name, &parts.count});
     return parts;
 }
 
@@ -73,7 +75,7 @@ QSize SearchResultDelegate::sizeHint(const QStyleOptionViewItem &option, const Q
 void SearchResultDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const
 {
     const QPalette &palette = option.palette;
-    const Layout parts = layout(option.rect, option.font);
+    const Layout parts = layout(option.rect, option.font, option.direction);
     painter->save();
     painter->setRenderHint(QPainter::Antialiasing);
     RowBackground::paint(*painter, parts.background, palette,
@@ -85,13 +87,13 @@ void SearchResultDelegate::paint(QPainter *painter, const QStyleOptionViewItem &
     painter->setPen(palette.color(QPalette::Text));
     painter->setFont(nameFont(option.font));
     const QString name = index.data(Qt::DisplayRole).toString();
-    painter->drawText(parts.name, Qt::AlignLeft | Qt::AlignVCenter,
+    painter->drawText(parts.name, Reading::leading(option.direction) | Qt::AlignVCenter,
                       QFontMetricsF(painter->font()).elidedText(name, Qt::ElideMiddle, parts.name.width()));
     painter->setPen(Symbols::secondary(palette));
     painter->setFont(countFont(option.font));
     const QString line = index.data(SearchResultsModel::CountTextRole).toString() + u" \u00b7 "_s
                          + index.data(SearchResultsModel::LocationRole).toString();
-    painter->drawText(parts.count, Qt::AlignLeft | Qt::AlignVCenter,
+    painter->drawText(parts.count, Reading::leading(option.direction) | Qt::AlignVCenter,
                       QFontMetricsF(painter->font()).elidedText(line, Qt::ElideMiddle, parts.count.width()));
     painter->restore();
 }
@@ -99,7 +101,7 @@ void SearchResultDelegate::paint(QPainter *painter, const QStyleOptionViewItem &
 bool SearchResultDelegate::helpEvent(QHelpEvent *event, QAbstractItemView *view, const QStyleOptionViewItem &option,
                                 const QModelIndex &index)
 {
-    if (event->type() == QEvent::ToolTip && layout(option.rect, option.font).button.contains(event->pos())) {
+    if (event->type() == QEvent::ToolTip && layout(option.rect, option.font, option.direction).button.contains(event->pos())) {
         QToolTip::showText(event->globalPos(),
                            FontNodeDelegate::buttonToolTip(index.data(SearchResultsModel::ActivationRole).toInt()), view);
         return true;
@@ -110,7 +112,7 @@ bool SearchResultDelegate::helpEvent(QHelpEvent *event, QAbstractItemView *view,
 bool SearchResultDelegate::editorEvent(QEvent *event, QAbstractItemModel *, const QStyleOptionViewItem &option,
                                        const QModelIndex &index)
 {
-    const auto hit = RowButton::hit(event, layout(option.rect, option.font).button);
+    const auto hit = RowButton::hit(event, layout(option.rect, option.font, option.direction).button);
     if (hit == RowButton::Hit::Click)
         Q_EMIT activationClicked(index);
     return hit != RowButton::Hit::Outside;

@@ -20,7 +20,7 @@ public:
         QRectF name;
         QRectF count;
     };
-    static Layout layout(const QRect &row, const QFont &font);
+    static Layout layout(const QRect &row, const QFont &font, Qt::LayoutDirection direction = Qt::LeftToRight);
     static QFont nameFont(const QFont &base);
     static QFont countFont(const QFont &base);
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/sidebar/SidebarDelegate.h"
 
+#include "ui/common/Reading.h"
 #include "ui/common/RowButton.h"
 
 #include "ui/common/RowBackground.h"
@@ -60,7 +61,7 @@ QImage forAppearance(const QImage &image, const QPalette &palette)
 
 } // namespace
 
-SidebarDelegate::Layout SidebarDelegate::layout(const QRect &row, int kind)
+SidebarDelegate::Layout SidebarDelegate::layout(const QRect &row, int kind, Qt::LayoutDirection direction)
 {
     const QRectF r(row);
     Layout parts;
@@ -75,6 +76,7 @@ SidebarDelegate::Layout SidebarDelegate::layout(const QRect &row, int kind)
     const qreal width = std::max<qreal>(0, r.right() - kPadding - 4 - x);
     parts.name = QRectF(x, r.top() + 3, width, r.height() / 2 - 1);
     parts.caption = QRectF(x, middle + 1, width, r.height() / 2 - 4);
+    Reading::mirror(row, direction, {&parts.background, &parts.button, &parts.icon, &parts.name, &parts.caption});
     return parts;
 }
 
@@ -92,7 +94,7 @@ void SidebarDelegate::paint(QPainter *painter, const QStyleOptionViewItem &optio
     const QPalette &palette = option.palette;
     const bool selected = option.state & QStyle::State_Selected;
     const bool emphasised = selected && m_emphasised;
-    const Layout parts = layout(option.rect, static_cast<int>(kind));
+    const Layout parts = layout(option.rect, static_cast<int>(kind), option.direction);
     painter->save();
     painter->setRenderHint(QPainter::Antialiasing);
     RowBackground::paint(*painter, parts.background, palette,
@@ -116,13 +118,14 @@ void SidebarDelegate::paint(QPainter *painter, const QStyleOptionViewItem &optio
     painter->setPen(emphasised ? onAccent : palette.color(QPalette::WindowText));
     const QString name = option.fontMetrics.elidedText(index.data().toString(), Qt::ElideRight,
                                                        static_cast<int>(parts.name.width()));
-    painter->drawText(parts.name, Qt::AlignLeft | Qt::AlignBottom | Qt::TextSingleLine, name);
+    const Qt::Alignment leading = Reading::leading(option.direction);
+    painter->drawText(parts.name, leading | Qt::AlignBottom | Qt::TextSingleLine, name);
     QFont caption = option.font;
     caption.setPointSizeF(TextStyles::captionSize(option.font));
     painter->setFont(caption);
     QColor captionColour = emphasised ? onAccent : Symbols::secondary(palette);
     painter->setPen(captionColour);
-    painter->drawText(parts.caption, Qt::AlignLeft | Qt::AlignTop | Qt::TextSingleLine,
+    painter->drawText(parts.caption, leading | Qt::AlignTop | Qt::TextSingleLine,
                       index.data(SidebarModel::CaptionRole).toString());
     painter->restore();
 }
@@ -185,7 +188,7 @@ QWidget *SidebarDelegate::createEditor(QWidget *parent, const QStyleOptionViewIt
 
 void SidebarDelegate::updateEditorGeometry(QWidget *editor, const QStyleOptionViewItem &option, const QModelIndex &index) const
 {
-    const Layout parts = layout(option.rect, index.data(SidebarModel::KindRole).toInt());
+    const Layout parts = layout(option.rect, index.data(SidebarModel::KindRole).toInt(), option.direction);
     const int height = editor->sizeHint().height();
     editor->setGeometry(QRectF(parts.name.left() - 2, option.rect.center().y() - height / 2.0, parts.name.width() + 2,
                                height).toRect());
@@ -197,7 +200,7 @@ bool SidebarDelegate::helpEvent(QHelpEvent *event, QAbstractItemView *view, cons
     const Kind kind = kindOf(index);
     if (event->type() != QEvent::ToolTip || kind == Kind::Placeholder)
         return QStyledItemDelegate::helpEvent(event, view, option, index);
-    const Layout parts = layout(option.rect, static_cast<int>(kind));
+    const Layout parts = layout(option.rect, static_cast<int>(kind), option.direction);
     const QString tip = parts.button.contains(event->pos())
         ? FontNodeDelegate::buttonToolTip(index.data(SidebarModel::ActivationRole).toInt())
         : index.data().toString();
@@ -211,7 +214,7 @@ bool SidebarDelegate::editorEvent(QEvent *event, QAbstractItemModel *, const QSt
     const Kind kind = kindOf(index);
     if (kind == Kind::Placeholder)
         return false;
-    const auto hit = RowButton::hit(event, layout(option.rect, static_cast<int>(kind)).button);
+    const auto hit = RowButton::hit(event, layout(option.rect, static_cast<int>(kind), option.direction).button);
     if (hit == RowButton::Hit::Click)
         Q_EMIT activationClicked(index);
     return hit != RowButton::Hit::Outside;

@@ -20,7 +20,7 @@ public:
         QRectF name;
         QRectF caption;
     };
-    static Layout layout(const QRect &row, int kind);
+    static Layout layout(const QRect &row, int kind, Qt::LayoutDirection direction = Qt::LeftToRight);
     // A collection's icon: its custom image stretched to the box, the amber star for
     // Favorites, or the purple stack.
     static void drawCollectionIcon(QPainter &painter, const QRectF &box, const QImage &custom, bool favorites,
