@@ -207,29 +207,51 @@ TEST_F(Browser, ClicksSelectAndTheButtonTogglesWithoutSelecting)
     const QModelIndex folderA = column(0)->nodeModel()->index(0);
     EXPECT_EQ(folderA.data(FontNodeListModel::ActivationRole).toInt(), static_cast<int>(ActivationState::Mixed));
     EXPECT_EQ(FontNodeDelegate::buttonToolTip(folderA.data(FontNodeListModel::ActivationRole).toInt()), u"Activate All"_s);
-    // What a screen reader hears of each button: checked, mixed or unchecked.
+    // What a screen reader hears of each row: its button checked, mixed or unchecked, and
+    // a folder expandable, expanded while open in the next column.
+    const auto cellOf = [&](int columnIndex, const QString &name) -> QAccessibleInterface * {
+        const FontNodeListModel *rows = column(columnIndex)->nodeModel();
+        int row = -1;
+        for (int i = 0; i < rows->rowCount(); ++i)
+            row = rows->node(i).name() == name ? i : row;
+        QAccessibleInterface *list = QAccessible::queryAccessibleInterface(column(columnIndex));
+        return list && row >= 0 ? list->child(row) : nullptr;
+    };
     const struct
     {
         int column;
         QString row;
         bool checked;
         bool mixed;
-    } heard[] = {{1, u"a2.ttf"_s, true, false}, {0, u"A"_s, false, true}, {1, u"a1.ttf"_s, false, false}};
+        bool expandable;
+    } heard[] = {{1, u"a2.ttf"_s, true, false, false}, {0, u"A"_s, false, true, true}, {1, u"a1.ttf"_s, false, false, false}};
     for (const auto &expected : heard) {
-        const FontNodeListModel *rows = column(expected.column)->nodeModel();
-        int row = -1;
-        for (int i = 0; i < rows->rowCount(); ++i)
-            row = rows->node(i).name() == expected.row ? i : row;
-        QAccessibleInterface *list = QAccessible::queryAccessibleInterface(column(expected.column));
-        ASSERT_TRUE(list && row >= 0);
-        QAccessibleInterface *cell = list->child(row);
-        ASSERT_TRUE(cell);
+        QAccessibleInterface *cell = cellOf(expected.column, expected.row);
+        ASSERT_TRUE(cell) << expected.row.toStdString();
+        const QAccessible::State state = cell->state();
         EXPECT_EQ(cell->text(QAccessible::Name), expected.row);
-        EXPECT_TRUE(cell->state().checkable) << expected.row.toStdString();
-        EXPECT_EQ(bool(cell->state().checked), expected.checked) << expected.row.toStdString();
-        // Qt 6.4's item cells don't pass "partly checked" on: the description says "mixed".
-        EXPECT_EQ(cell->text(QAccessible::Description).contains(u"mixed"_s), expected.mixed) << expected.row.toStdString();
+        EXPECT_TRUE(state.checkable) << expected.row.toStdString();
+        EXPECT_EQ(bool(state.checked), expected.checked) << expected.row.toStdString();
+        EXPECT_EQ(bool(state.checkStateMixed), expected.mixed) << expected.row.toStdString();
+        EXPECT_EQ(bool(state.expandable), expected.expandable) << expected.row.toStdString();
+        EXPECT_EQ(bool(state.expanded), expected.expandable) << "A is open: " << expected.row.toStdString();
     }
+    // Its actions: "Toggle" is the button, "Press" chooses the row.
+    QAccessibleInterface *a1 = cellOf(1, u"a1.ttf"_s);
+    ASSERT_TRUE(a1 && a1->actionInterface());
+    a1->actionInterface()->doAction(QAccessibleActionInterface::toggleAction());
+    ASSERT_TRUE(waitUntilIdle());
+    EXPECT_TRUE(store.activatedFonts().contains(library + u"/A/a1.ttf"_s));
+    QAccessibleInterface *b = cellOf(0, u"B"_s);
+    ASSERT_TRUE(b && b->actionInterface());
+    b->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+    EXPECT_EQ(path(), u"B"_s);
+    EXPECT_TRUE(cellOf(0, u"B"_s)->state().expanded);
+    EXPECT_FALSE(cellOf(0, u"A"_s)->state().expanded);
+    click(0, u"A"_s);
+    click(1, u"a1.ttf"_s);
+    clickButton(1, u"a1.ttf"_s);
+    ASSERT_TRUE(waitUntilIdle());
 
     // The folder's button makes a mixed folder fully active; Space on the focused
     // column toggles its selected row.

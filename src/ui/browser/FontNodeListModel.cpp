@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/browser/FontNodeListModel.h"
+#include "ui/common/RowListAccessible.h"
 #include "ui/common/RowButton.h"
 
 #include "ui/common/Drops.h"
@@ -95,6 +96,7 @@ QVariant FontNodeListModel::data(const QModelIndex &index, int role) const
     case Qt::CheckStateRole:
         return RowButton::checkState(static_cast<int>(m_state.activationState(node)));
     case IsFolderRole:
+    case RowListAccessible::ExpandableRole:
         return node.isDirectory();
     case LicenseRole:
         // A font file's icon is never coloured by a label.

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/browser/SingleColumnView.h"
+#include "ui/common/RowListAccessible.h"
 
 #include "ui/browser/FontNodeListModel.h"
 #include "ui/common/ContextMenus.h"
@@ -24,6 +25,7 @@ SingleColumnView::SingleColumnView(AppState &state, int columnIndex, QWidget *pa
     , m_model(new FontNodeListModel(state, this))
     , m_row(new FontNodeDelegate(this))
 {
+    RowListAccessible::enable(this);
     setModel(m_model);
     setItemDelegate(m_row);
     setFixedWidth(kWidth);
@@ -98,7 +100,13 @@ void SingleColumnView::showEvent(QShowEvent *event)
 void SingleColumnView::pressRow(const QModelIndex &index)
 {
     // Only the left button chooses; a right press leaves the menu to show beside the selection.
-    if (!(QGuiApplication::mouseButtons() & Qt::LeftButton) || !index.isValid())
+    if (QGuiApplication::mouseButtons() & Qt::LeftButton)
+        chooseRow(index);
+}
+
+void SingleColumnView::chooseRow(const QModelIndex &index)
+{
+    if (!index.isValid())
         return;
     m_typeAhead.reset();
     m_state.selectNode(m_model->node(index.row()), m_columnIndex);

@@ -41,6 +41,10 @@ protected:
     void keyPressEvent(QKeyEvent *event) override;
     void showEvent(QShowEvent *event) override;
 
+public:
+    // Chooses the row as a click does (a screen reader's "Press").
+    Q_INVOKABLE void chooseRow(const QModelIndex &index);
+
 private:
     // Letters typed within a second of each other select the next row they begin.
     bool typeAhead(const QString &text);

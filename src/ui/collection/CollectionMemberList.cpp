@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/collection/CollectionMemberList.h"
+#include "ui/common/RowListAccessible.h"
 
 #include "ui/collection/CollectionMemberDelegate.h"
 #include "ui/collection/CollectionMemberModel.h"
@@ -20,6 +21,7 @@ CollectionMemberList::CollectionMemberList(AppState &state, QUuid collectionId, 
     , m_collectionId(collectionId)
     , m_model(new CollectionMemberModel(state, collectionId, this))
 {
+    RowListAccessible::enable(this);
     setAccessibleName(u"Members"_s);
     setModel(m_model);
     auto *delegate = new CollectionMemberDelegate(this);

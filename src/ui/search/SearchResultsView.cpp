@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/search/SearchResultsView.h"
+#include "ui/common/RowListAccessible.h"
 
 #include "ui/common/BusyIndicator.h"
 #include "ui/search/SearchResultDelegate.h"
@@ -76,6 +77,7 @@ SearchResultsList::SearchResultsList(AppState &state, SearchResultsModel *model,
     , m_state(state)
     , m_model(model)
 {
+    RowListAccessible::enable(this);
     setModel(model);
     auto *delegate = new SearchResultDelegate(this);
     setItemDelegate(delegate);

@@ -17,6 +17,8 @@ class SearchResultsList : public QListView
 
 public:
     SearchResultsList(AppState &state, SearchResultsModel *model, QWidget *parent = nullptr);
+    // Opens the hit as a click does (a screen reader's "Press").
+    Q_INVOKABLE void chooseRow(const QModelIndex &index) { open(index.row()); }
 
 protected:
     void keyPressEvent(QKeyEvent *event) override;

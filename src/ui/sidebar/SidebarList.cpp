@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/sidebar/SidebarList.h"
+#include "ui/common/RowListAccessible.h"
 
 #include "ui/common/ContextMenus.h"
 #include "ui/common/Drops.h"
@@ -28,6 +29,7 @@ SidebarList::SidebarList(SidebarView &sidebar, AppState &state, SidebarModel *mo
     , m_delegate(new SidebarDelegate(this))
     , m_collections(collections)
 {
+    RowListAccessible::enable(this);
     setAccessibleName(collections ? u"Collections"_s : u"Sources"_s);
     // Only this section's rows: screen readers see no others.
     m_section->setSourceModel(model);
