@@ -10,7 +10,14 @@ QUuid SidebarItem::payloadId() const
 
 size_t qHash(const SidebarItem &item, size_t seed) noexcept
 {
-    return qHashMulti(seed, item.isSource() ? 0 : 1, item.payloadId());
+    return qHashMulti(seed, item.kindIndex(), item.payloadId());
+}
+
+LibraryView LibraryView::of(Kind kind)
+{
+    static const QUuid all = QUuid::fromString(u"{6d6f7276-616e-6500-0000-000000000001}");
+    static const QUuid active = QUuid::fromString(u"{6d6f7276-616e-6500-0000-000000000002}");
+    return LibraryView{kind, kind == AllFonts ? all : active};
 }
 
 FolderSearchResult FolderSearchResult::make(const FontNode &folder, const FolderSource &source,

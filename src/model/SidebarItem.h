@@ -6,18 +6,32 @@
 
 #include <variant>
 
-// The sidebar's selection: a source or a collection. Equal when of the same kind
-// with the same id, so a renamed collection still matches the older selection.
+// One of the library's own lists of every font, above the sources.
+struct LibraryView
+{
+    enum Kind { AllFonts, ActiveFonts };
+    Kind kind = AllFonts;
+    QUuid id{}; // fixed per kind, so that items compare as sources and collections do
+
+    static LibraryView of(Kind kind);
+};
+
+// The sidebar's selection: a library view, a source or a collection. Equal when of the
+// same kind with the same id, so a renamed collection still matches the older selection.
 class SidebarItem
 {
 public:
     explicit SidebarItem(FolderSource source) : m_payload(std::move(source)) {}
     explicit SidebarItem(FontCollection collection) : m_payload(std::move(collection)) {}
+    explicit SidebarItem(LibraryView view) : m_payload(view) {}
 
     bool isSource() const { return m_payload.index() == 0; }
     bool isCollection() const { return m_payload.index() == 1; }
+    bool isLibrary() const { return m_payload.index() == 2; }
+    int kindIndex() const { return int(m_payload.index()); }
     const FolderSource *source() const { return std::get_if<FolderSource>(&m_payload); }
     const FontCollection *collection() const { return std::get_if<FontCollection>(&m_payload); }
+    const LibraryView *library() const { return std::get_if<LibraryView>(&m_payload); }
     QUuid payloadId() const;
 
     friend bool operator==(const SidebarItem &a, const SidebarItem &b)
@@ -26,7 +40,7 @@ public:
     }
 
 private:
-    std::variant<FolderSource, FontCollection> m_payload;
+    std::variant<FolderSource, FontCollection, LibraryView> m_payload;
 };
 
 size_t qHash(const SidebarItem &item, size_t seed = 0) noexcept;

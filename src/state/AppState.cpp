@@ -38,6 +38,9 @@ AppState::AppState(FontActivating &fontActivationService, PersistenceService &pe
     connect(&m_stallTimer, &QTimer::timeout, this, [this] { setIsProcessingStalled(true); });
     m_saveRetry.setInterval(kSaveRetryMs);
     connect(&m_saveRetry, &QTimer::timeout, this, [this] { m_persistenceService.retryFailedSaves(); });
+    // The library's own lists say how many faces they hold.
+    connect(this, &AppState::catalogueChanged, this, &AppState::countLibrary);
+    connect(this, &AppState::activatedFontsChanged, this, &AppState::countLibrary);
     m_mountWatcher = new MountWatcher(this);
     connect(m_mountWatcher, &MountWatcher::mountsChanged, this, [this] {
         if (m_hasLoaded && !m_sources.isEmpty())

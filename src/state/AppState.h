@@ -63,6 +63,7 @@ public:
     const QList<QList<FontNode>> &cachedColumns() const { return m_cachedColumns; } // always buildColumns()
     std::optional<FolderSource> selectedSource() const;         // looked up afresh by id
     std::optional<FontCollection> selectedCollection() const;   // looked up afresh by id
+    std::optional<LibraryView> selectedLibraryView() const;
     std::optional<FontNode> selectedFont() const;               // path ends in a font
     QList<QList<FontNode>> buildColumns() const;
     std::optional<FontNode> selectedNode(int column) const;
@@ -226,6 +227,10 @@ public:
     // Runs off the interface thread; a newer query stops an older one, which answers
     // nothing (marked cancelled).
     QCoro::Task<FontQueryAnswer> queryFonts(FontQuery query);
+    // The faces the library's own lists hold ("All Fonts", "Active Fonts"); -1 until the
+    // catalogue has answered. Counted again shortly after the catalogue or the active
+    // fonts change.
+    qsizetype libraryFaceCount(LibraryView::Kind kind) const;
     // How long the catalogue lets a refresh stand before reading (benchmarks: none).
     void setCatalogueSettleTime(int msecs) { m_catalogueSettleMs = msecs; }
     // Where the catalogue lives, before its first use (benchmarks keep several).
@@ -236,6 +241,7 @@ public:
 Q_SIGNALS:
     void catalogueProgressChanged();
     void catalogueChanged(); // more faces indexed, or some dropped
+    void libraryCountsChanged();
     void sourcesChanged();
     void collectionsChanged();
     void sidebarSelectionChanged();
@@ -341,6 +347,10 @@ private:
     quint64 m_queryGeneration = 0;
     std::shared_ptr<std::atomic_bool> m_queryCancelled = std::make_shared<std::atomic_bool>(false);
     int m_catalogueSettleMs = 1000;
+    qsizetype m_allFaces = -1;
+    qsizetype m_activeFaces = -1;
+    QTimer *m_countLibrary = nullptr; // gathers bursts of changes into one count
+    void countLibrary();
     QString m_catalogueFile = FontCatalog::defaultPath();
     // Set while a batch runs: activation is Morvane's first job, the catalogue waits.
     std::shared_ptr<std::atomic_bool> m_cataloguePaused = std::make_shared<std::atomic_bool>(false);

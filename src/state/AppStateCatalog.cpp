@@ -10,6 +10,8 @@
 #include <QDateTime>
 #include <QDir>
 #include <QElapsedTimer>
+#include <QFutureWatcher>
+#include <QTimer>
 #include <QFileInfo>
 #include <QLocale>
 #include <QPointer>
@@ -272,4 +274,46 @@ QCoro::Task<FontQueryAnswer> AppState::queryFonts(FontQuery query)
     if (!self || generation != m_queryGeneration)
         co_return FontQueryAnswer{.cancelled = true}; // a newer question is being answered
     co_return answer;
+}
+
+qsizetype AppState::libraryFaceCount(LibraryView::Kind kind) const
+{
+    return kind == LibraryView::AllFonts ? m_allFaces : m_activeFaces;
+}
+
+// Both counts in one pass over the catalogue, off the interface thread; queries of the
+// lists are not disturbed (this is no query of theirs to cancel).
+void AppState::countLibrary()
+{
+    if (!m_countLibrary) {
+        m_countLibrary = new QTimer(this);
+        m_countLibrary->setSingleShot(true);
+        m_countLibrary->setInterval(250);
+        connect(m_countLibrary, &QTimer::timeout, this, [this] {
+            if (!m_catalog)
+                m_catalog = std::make_shared<FontCatalog>(m_catalogueFile);
+            const std::shared_ptr<FontCatalog> catalog = m_catalog;
+            const QSet<QString> activated = m_activatedFonts;
+            QPointer<AppState> self(this);
+            auto *watcher = new QFutureWatcher<std::pair<qsizetype, qsizetype>>(this);
+            connect(watcher, &QFutureWatcherBase::finished, this, [this, self, watcher] {
+                const auto [all, active] = watcher->result();
+                watcher->deleteLater();
+                if (!self || (all == m_allFaces && active == m_activeFaces))
+                    return;
+                m_allFaces = all;
+                m_activeFaces = active;
+                Q_EMIT libraryCountsChanged();
+            });
+            watcher->setFuture(QtConcurrent::run([catalog, activated] {
+                qsizetype active = 0;
+                const FontQueryAnswer all = catalog->query(FontQuery{}, [&](const QString &path, const QString &) {
+                    active += activated.contains(path) ? 1 : 0;
+                    return true;
+                });
+                return std::pair<qsizetype, qsizetype>(all.faceCount(), active);
+            }));
+        });
+    }
+    m_countLibrary->start();
 }

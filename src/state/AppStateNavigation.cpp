@@ -31,6 +31,13 @@ std::optional<FontCollection> AppState::selectedCollection() const
     return selected(m_sidebarSelection, m_sidebarSelection && m_sidebarSelection->isCollection(), m_collections);
 }
 
+std::optional<LibraryView> AppState::selectedLibraryView() const
+{
+    if (m_sidebarSelection && m_sidebarSelection->isLibrary())
+        return *m_sidebarSelection->library();
+    return std::nullopt;
+}
+
 std::optional<FontNode> AppState::selectedFont() const
 {
     if (m_navigationPath.isEmpty() || !m_navigationPath.constLast().isFont())

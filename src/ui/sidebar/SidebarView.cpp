@@ -3,6 +3,7 @@
 
 #include "ui/common/TextStyles.h"
 #include "ui/sidebar/FolderChoosers.h"
+#include "ui/sidebar/LibraryList.h"
 #include "ui/sidebar/SidebarDelegate.h"
 #include "ui/sidebar/SidebarList.h"
 #include "ui/sidebar/SidebarModel.h"
@@ -21,6 +22,7 @@ SidebarView::SidebarView(AppState &state, QWidget *parent)
     : QWidget(parent)
     , m_state(state)
     , m_model(new SidebarModel(state, this))
+    , m_library(new LibraryList(state, this))
     , m_sources(new SidebarList(*this, state, m_model, false))
     , m_collections(new SidebarList(*this, state, m_model, true))
 {
@@ -30,7 +32,10 @@ SidebarView::SidebarView(AppState &state, QWidget *parent)
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 6, 0, 0);
     layout->setSpacing(0);
-    layout->addWidget(header(u"Sources"_s, u"Add a font folder source"_s, 0, &SidebarView::addSources));
+    layout->addWidget(header(tr("Library"), QString(), 0, nullptr));
+    layout->addWidget(m_library);
+    layout->addWidget(header(u"Sources"_s, u"Add a font folder source"_s, SidebarDelegate::kCollectionsHeaderGap,
+                             &SidebarView::addSources));
     layout->addWidget(m_sources);
     layout->addWidget(header(u"Collections"_s, u"New Collection"_s, SidebarDelegate::kCollectionsHeaderGap,
                              &SidebarView::newCollection));
@@ -76,6 +81,8 @@ QWidget *SidebarView::header(const QString &title, const QString &tip, int gap, 
     TextStyles::applySecondary(label);
     layout->addWidget(label);
     layout->addStretch(1);
+    if (!add)
+        return bar; // a section nobody adds to
     auto *button = new QToolButton(bar);
     button->setText(u"+"_s);
     button->setAutoRaise(true);
@@ -116,7 +123,9 @@ void SidebarView::syncSelection()
         m_state.setProgrammaticNavTarget(std::nullopt);
     m_sources->syncSelection(reveal);
     m_collections->syncSelection(reveal);
-    setFocusProxy(selection && selection->isCollection() ? m_collections : m_sources);
+    setFocusProxy(selection && selection->isCollection() ? static_cast<QWidget *>(m_collections)
+                  : selection && selection->isLibrary()  ? static_cast<QWidget *>(m_library)
+                                                         : m_sources);
 }
 
 void SidebarView::addSources()

@@ -8,10 +8,11 @@
 #include <functional>
 
 class AppState;
+class LibraryList;
 class SidebarModel;
 
-// The sidebar: "Sources" and "Collections", each a header with its add button above
-// its list. The highlighted row is the store's sidebar selection, both ways. A click on
+// The sidebar: "Library" (All Fonts, Active Fonts), then "Sources" and "Collections",
+// each a header with its add button above its list. The highlighted row is the store's sidebar selection, both ways. A click on
 // a row's round button toggles the source's root folder or the whole collection. Files
 // and folders dropped on a collection are added to it.
 class SidebarView : public QWidget
@@ -26,6 +27,7 @@ public:
     static constexpr int kMaximumWidth = 260;
 
     SidebarModel *sidebarModel() const { return m_model; }
+    LibraryList *libraryList() const { return m_library; }
     SidebarList *sourcesList() const { return m_sources; }
     SidebarList *collectionsList() const { return m_collections; }
     // The sidebar's last stop for Tab: the "New Collection" button.
@@ -60,6 +62,7 @@ private:
 
     AppState &m_state;
     SidebarModel *m_model;
+    LibraryList *m_library;
     SidebarList *m_sources;
     SidebarList *m_collections;
     QWidget *m_lastTabStop = nullptr;

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/window/MainWindow.h"
+
+#include "ui/fontlist/FontListView.h"
 #include "ui/window/MessageArea.h"
 #include "ui/common/WheelGuard.h"
 
@@ -222,6 +224,13 @@ void MainWindow::showDetail()
     } else if ((collection = m_state->selectedCollection())) {
         showCollection(collection->id);
         return;
+    } else if (const std::optional<LibraryView> library = m_state->selectedLibraryView()) {
+        if (!m_fontList) {
+            m_fontList = new FontListView(*m_state, m_detail);
+            m_detail->addWidget(m_fontList);
+        }
+        m_fontList->setLibraryView(library->kind);
+        m_detail->setCurrentWidget(m_fontList);
     } else {
         m_detail->setCurrentWidget(m_empty);
     }

@@ -10,6 +10,7 @@ class AppState;
 class CollectionView;
 class ColumnBrowserView;
 class EmptyStateView;
+class FontListView;
 class FontActivating;
 class PersistenceService;
 class ProcessingOverlay;
@@ -44,6 +45,7 @@ public:
     ToolbarInputField &searchField() { return *m_search; }
     SearchResultsView &searchResults() { return *m_results; }
     EmptyStateView &emptyState() { return *m_empty; }
+    FontListView *fontList() const { return m_fontList; }
     ReindexingStrip &reindexingStrip() { return *m_strip; }
     ProcessingOverlay &overlay() { return *m_overlay; }
     QSplitter &splitter() { return *m_split; }
@@ -101,5 +103,6 @@ private:
     ColumnBrowserView *m_browser = nullptr;
     EmptyStateView *m_empty = nullptr;
     CollectionView *m_collection = nullptr;
+    FontListView *m_fontList = nullptr; // made when first shown
     ProcessingOverlay *m_overlay = nullptr;
 };

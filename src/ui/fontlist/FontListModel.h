@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "model/ActivationState.h"
+#include "services/FontCatalog.h"
+
+#include <QAbstractItemModel>
+
+class AppState;
+
+// The font list's rows: a row per family of a catalogue answer, in its order, and under
+// each a row per face. A family is active when all its faces' files are, mixed when some.
+class FontListModel : public QAbstractItemModel
+{
+    Q_OBJECT
+
+public:
+    enum Role {
+        ActivationRole = Qt::UserRole + 1, // ActivationState as int
+        CaptionRole,                       // a family's "8 styles"
+        PathRole,                          // the file of the face drawn (a family: its regular face)
+        FaceIndexRole,
+        IsFamilyRole,
+    };
+
+    explicit FontListModel(AppState &state, QObject *parent = nullptr);
+
+    void setAnswer(FontQueryAnswer answer);
+    const FontQueryAnswer &answer() const { return m_answer; }
+
+    QModelIndex index(int row, int column, const QModelIndex &parent = {}) const override;
+    QModelIndex parent(const QModelIndex &child) const override;
+    int rowCount(const QModelIndex &parent = {}) const override;
+    int columnCount(const QModelIndex &parent = {}) const override;
+    QVariant data(const QModelIndex &index, int role) const override;
+    Qt::ItemFlags flags(const QModelIndex &index) const override;
+
+    // The files a row stands for: a face's one, a family's every one.
+    QStringList pathsOf(const QModelIndex &index) const;
+    ActivationState activation(const QModelIndex &index) const;
+    // The face that draws a family: the upright regular width closest to weight 400.
+    static const FoundFace &regularFace(const FontFamily &family);
+
+private:
+    const FontFamily *familyOf(const QModelIndex &index) const;
+    const FoundFace *faceOf(const QModelIndex &index) const;
+
+    AppState &m_state;
+    FontQueryAnswer m_answer;
+};

@@ -1,0 +1,151 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "ui/fontlist/FontListView.h"
+
+#include "state/AppState.h"
+#include "ui/common/TextStyles.h"
+#include "ui/fontlist/FontListDelegate.h"
+#include "ui/fontlist/FontListModel.h"
+#include "ui/fontlist/FontSampleCache.h"
+
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QLocale>
+#include <QPointer>
+#include <QTimer>
+#include <QVBoxLayout>
+
+using namespace Qt::StringLiterals;
+
+void FontListTree::keyPressEvent(QKeyEvent *event)
+{
+    const QModelIndex current = currentIndex();
+    if (current.isValid() && event->modifiers() == Qt::NoModifier) {
+        if (event->key() == Qt::Key_Space) {
+            Q_EMIT toggleRequested(current);
+            return;
+        }
+        if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
+            Q_EMIT openRequested(current);
+            return;
+        }
+    }
+    QTreeView::keyPressEvent(event);
+}
+
+FontQuery FontListView::queryFor(const QString &filter, LibraryView::Kind kind)
+{
+    FontQuery query;
+    QString words = filter;
+    // "…" in quotes: characters the face must map.
+    const qsizetype open = words.indexOf(u'"');
+    if (open >= 0) {
+        const qsizetype close = words.indexOf(u'"', open + 1);
+        const qsizetype end = close < 0 ? words.size() : close;
+        query.requiredCharacters = words.mid(open + 1, end - open - 1);
+        words.remove(open, (close < 0 ? words.size() : close + 1) - open);
+    }
+    query.text = words.simplified();
+    if (kind == LibraryView::ActiveFonts)
+        query.active = true;
+    return query;
+}
+
+FontListView::FontListView(AppState &state, QWidget *parent)
+    : QWidget(parent)
+    , m_state(state)
+    , m_filter(new QLineEdit(this))
+    , m_count(new QLabel(this))
+    , m_tree(new FontListTree(this))
+    , m_model(new FontListModel(state, this))
+    , m_samples(new FontSampleCache(this))
+    , m_delegate(new FontListDelegate(*m_samples, this))
+    , m_askSoon(new QTimer(this))
+{
+    setAccessibleName(tr("Font list"));
+    m_filter->setPlaceholderText(tr("Filter fonts…"));
+    m_filter->setAccessibleName(tr("Filter fonts"));
+    m_filter->setClearButtonEnabled(true);
+    TextStyles::applySecondary(m_count);
+    auto *bar = new QHBoxLayout;
+    bar->setContentsMargins(8, 6, 8, 6);
+    bar->addWidget(m_filter, 1);
+    bar->addWidget(m_count);
+    m_tree->setModel(m_model);
+    m_tree->setItemDelegate(m_delegate);
+    m_tree->setHeaderHidden(true);
+    m_tree->setUniformRowHeights(true);
+    m_tree->setAccessibleName(tr("Fonts"));
+    m_tree->setSelectionMode(QAbstractItemView::ExtendedSelection);
+    m_tree->setMouseTracking(true);
+    m_delegate->setSample(QString(), 24); // each face's own name until a text is chosen
+    auto *layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addLayout(bar);
+    layout->addWidget(m_tree, 1);
+    setFocusProxy(m_tree);
+
+    m_askSoon->setSingleShot(true);
+    m_askSoon->setInterval(120);
+    connect(m_askSoon, &QTimer::timeout, this, &FontListView::ask);
+    connect(m_filter, &QLineEdit::textChanged, m_askSoon, qOverload<>(&QTimer::start));
+    // More fonts indexed, or (for Active Fonts) others activated: the answer is asked again.
+    connect(&state, &AppState::catalogueChanged, m_askSoon, qOverload<>(&QTimer::start));
+    connect(&state, &AppState::activatedFontsChanged, this, [this] {
+        if (m_kind == LibraryView::ActiveFonts)
+            m_askSoon->start();
+    });
+    connect(m_samples, &FontSampleCache::sampleReady, m_tree->viewport(), qOverload<>(&QWidget::update));
+    connect(m_delegate, &FontListDelegate::activationClicked, this, &FontListView::toggle);
+    connect(m_tree, &FontListTree::toggleRequested, this, &FontListView::toggle);
+    connect(m_tree, &FontListTree::openRequested, this, &FontListView::open);
+    ask();
+}
+
+void FontListView::setLibraryView(LibraryView::Kind kind)
+{
+    if (m_kind == kind)
+        return;
+    m_kind = kind;
+    ask();
+}
+
+void FontListView::ask()
+{
+    m_askSoon->stop();
+    m_querying = true;
+    QPointer<FontListView> self(this);
+    m_state.queryFonts(queryFor(m_filter->text(), m_kind)).then([self](const FontQueryAnswer &answer) {
+        if (FontListView *view = self.data(); view && !answer.cancelled) // else a newer question is on its way
+            view->answered(answer);
+    });
+}
+
+void FontListView::answered(const FontQueryAnswer &answer)
+{
+    m_querying = false;
+    const QLocale locale;
+    m_count->setText(tr("%1 families, %2 faces").arg(locale.toString(answer.families.size()), locale.toString(answer.faceCount())));
+    m_model->setAnswer(answer);
+}
+
+void FontListView::toggle(const QModelIndex &index)
+{
+    const QStringList paths = m_model->pathsOf(index);
+    if (paths.isEmpty())
+        return;
+    QList<FontNode> fonts;
+    for (const QString &path : paths)
+        fonts.append(FontNode::fontFile(path));
+    const bool activate = m_model->activation(index) != ActivationState::Active;
+    m_state.batchProcess(fonts, activate, activate ? u"Activating"_s : u"Deactivating"_s);
+}
+
+void FontListView::open(const QModelIndex &index)
+{
+    const QString path = index.data(FontListModel::PathRole).toString();
+    if (!path.isEmpty())
+        m_state.navigateToMember(CollectionMember{path, false});
+}

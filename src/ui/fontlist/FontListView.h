@@ -1,0 +1,74 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "model/SidebarItem.h"
+#include "services/FontCatalog.h"
+
+#include <QTreeView>
+#include <QWidget>
+
+class AppState;
+class FontListDelegate;
+class FontListModel;
+class FontSampleCache;
+class QLabel;
+class QLineEdit;
+class QTimer;
+
+// The tree of the font list: Space toggles the chosen row's activation, Enter shows the
+// face's file in its source's browser; arrows, Right and Left (open, close) are the tree's.
+class FontListTree : public QTreeView
+{
+    Q_OBJECT
+
+public:
+    using QTreeView::QTreeView;
+
+Q_SIGNALS:
+    void toggleRequested(const QModelIndex &index);
+    void openRequested(const QModelIndex &index);
+
+protected:
+    void keyPressEvent(QKeyEvent *event) override;
+};
+
+// "All Fonts" or "Active Fonts": the catalogue's families, each drawn in its own face,
+// narrowed by a filter field ("Filter fonts…"; text in quotes must be mapped character
+// by character), with the number of families and faces shown.
+class FontListView : public QWidget
+{
+    Q_OBJECT
+
+public:
+    FontListView(AppState &state, QWidget *parent = nullptr);
+
+    void setLibraryView(LibraryView::Kind kind);
+    LibraryView::Kind libraryView() const { return m_kind; }
+
+    QLineEdit *filterField() const { return m_filter; }
+    QLabel *countLabel() const { return m_count; }
+    FontListTree *tree() const { return m_tree; }
+    FontListModel *model() const { return m_model; }
+    FontSampleCache *samples() const { return m_samples; }
+    bool isQuerying() const { return m_querying; }
+
+    // The question the field asks: words to match, and quoted characters to be mapped.
+    static FontQuery queryFor(const QString &filter, LibraryView::Kind kind);
+
+private:
+    void ask();
+    void answered(const FontQueryAnswer &answer);
+    void toggle(const QModelIndex &index);
+    void open(const QModelIndex &index);
+
+    AppState &m_state;
+    LibraryView::Kind m_kind = LibraryView::AllFonts;
+    QLineEdit *m_filter;
+    QLabel *m_count;
+    FontListTree *m_tree;
+    FontListModel *m_model;
+    FontSampleCache *m_samples;
+    FontListDelegate *m_delegate;
+    QTimer *m_askSoon;
+    bool m_querying = false;
+};

@@ -1,0 +1,95 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "ui/fontlist/FontSampleCache.h"
+
+#include "fonts/MappedFile.h"
+#include "fonts/SampleRenderer.h"
+
+#include <QCoreApplication>
+#include <QPainter>
+#include <QThread>
+
+#include <cmath>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int kCacheKilobytes = 64 * 1024;
+constexpr int kWidestSample = 4096; // pixels: a row shows far less
+
+QString keyOf(const QString &path, int faceIndex, const QString &text, int pixelSize, const QColor &colour)
+{
+    return path + u'\x1f' + QString::number(faceIndex) + u'\x1f' + QString::number(pixelSize) + u'\x1f'
+           + QString::number(colour.rgba(), 16) + u'\x1f' + text;
+}
+
+} // namespace
+
+FontSampleCache::FontSampleCache(QObject *parent)
+    : QObject(parent)
+    , m_images(kCacheKilobytes)
+{
+    // Rows come and go as the list scrolls: drawing yields to the interface.
+    m_pool.setThreadPriority(QThread::LowPriority);
+}
+
+FontSampleCache::~FontSampleCache()
+{
+    m_pool.clear();
+    m_pool.waitForDone();
+}
+
+QImage FontSampleCache::draw(const QString &path, const QString &text, int pixelSize, const QColor &colour)
+{
+    const std::shared_ptr<const MappedFile> file = MappedFile::open(path);
+    const std::unique_ptr<SampleRenderer> renderer = file ? SampleRenderer::open(file) : nullptr;
+    if (!renderer || text.isEmpty())
+        return {};
+    const QList<ShapedLine> lines = renderer->layout(text);
+    if (lines.isEmpty() || lines.first().glyphs.isEmpty())
+        return {};
+    const ShapedLine &line = lines.first();
+    const double scale = pixelSize / renderer->unitsPerEm();
+    const int width = std::min(kWidestSample, int(std::ceil(line.width * scale)) + 2);
+    const int height = int(std::ceil((renderer->ascent() + renderer->descent()) * scale)) + 2;
+    if (width <= 2 || height <= 2 || height > 4 * pixelSize)
+        return {};
+    QImage image(width, height, QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    QPainter painter(&image);
+    painter.setRenderHint(QPainter::Antialiasing);
+    renderer->paint(painter, line, QPointF(1, 1 + renderer->ascent() * scale), pixelSize, colour);
+    painter.end();
+    return image;
+}
+
+FontSampleCache::Sample FontSampleCache::sample(const QString &path, int faceIndex, const QString &text, int pixelSize,
+                                                const QColor &colour)
+{
+    const QString key = keyOf(path, faceIndex, text, pixelSize, colour);
+    if (const QImage *image = m_images.object(key))
+        return {State::Ready, *image};
+    if (m_failed.contains(key))
+        return {State::Failed, {}};
+    if (!m_drawing.contains(key)) {
+        m_drawing.insert(key);
+        // The pool is drained before the cache goes, and an answer posted to a cache that
+        // has gone is dropped with it.
+        m_pool.start([this, key, path, text, pixelSize, colour] {
+            QImage image = draw(path, text, pixelSize, colour);
+            QMetaObject::invokeMethod(
+                this, [this, key, path, image = std::move(image)] { finished(key, path, image); }, Qt::QueuedConnection);
+        });
+    }
+    return {State::Drawing, {}};
+}
+
+void FontSampleCache::finished(const QString &key, const QString &path, const QImage &image)
+{
+    m_drawing.remove(key);
+    if (image.isNull())
+        m_failed.insert(key);
+    else
+        m_images.insert(key, new QImage(image), std::max<qsizetype>(1, image.sizeInBytes() / 1024));
+    Q_EMIT sampleReady(path);
+}
