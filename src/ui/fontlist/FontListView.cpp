@@ -127,7 +127,9 @@ void FontListView::answered(const FontQueryAnswer &answer)
 {
     m_querying = false;
     const QLocale locale;
-    m_count->setText(tr("%1 families, %2 faces").arg(locale.toString(answer.families.size()), locale.toString(answer.faceCount())));
+    const qsizetype families = answer.families.size(), faces = answer.faceCount();
+    m_count->setText((families == 1 ? tr("1 family") : tr("%1 families").arg(locale.toString(families))) + u", "_s
+                     + (faces == 1 ? tr("1 face") : tr("%1 faces").arg(locale.toString(faces))));
     m_model->setAnswer(answer);
 }
 

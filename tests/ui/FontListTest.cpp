@@ -1,0 +1,172 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The font list through the real window: "All Fonts" shows the catalogue's families as
+// its query returns them, each drawn from its own file; the filter narrows them; keys open,
+// close and toggle; "Active Fonts" holds only what is active; the sidebar counts faces.
+#include "TestSupport.h"
+#include "WindowFixture.h"
+
+#include "state/AppState.h"
+#include "ui/fontlist/FontListModel.h"
+#include "ui/fontlist/FontListView.h"
+#include "ui/fontlist/FontSampleCache.h"
+#include "ui/sidebar/LibraryList.h"
+#include "ui/sidebar/SidebarView.h"
+#include "ui/window/MainWindow.h"
+
+#include <QCoroTask>
+#include <QFile>
+#include <QLabel>
+#include <QLineEdit>
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
+using namespace WindowFixture;
+
+namespace {
+
+class FontList : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        library = TestSupport::makeDir(TestSupport::testRoot() + u"/Fonts"_s);
+        const QString dejavu = u"/usr/share/fonts/truetype/dejavu/"_s;
+        for (const QString &name : {u"DejaVuSans.ttf"_s, u"DejaVuSans-Bold.ttf"_s, u"DejaVuSansMono.ttf"_s, u"DejaVuSerif.ttf"_s})
+            ASSERT_TRUE(QFile::copy(dejavu + name, TestSupport::makeDir(library + u"/DejaVu"_s) + u'/' + name));
+        ASSERT_TRUE(QFile::copy(QStringLiteral(MORVANE_TEST_FONTS "/Impostor.ttf"),
+                                TestSupport::makeDir(library + u"/Odd"_s) + u"/Impostor.ttf"_s));
+        saveOneSource(library);
+        window = openWindow();
+        ASSERT_TRUE(store().waitForCatalogue(60'000));
+    }
+
+    AppState &store() { return window->state(); }
+    LibraryList *libraryList() { return window->sidebar().libraryList(); }
+    void choose(LibraryView::Kind kind)
+    {
+        const QRect row = libraryList()->visualRect(libraryList()->model()->index(int(kind), 0));
+        QTest::mouseClick(libraryList()->viewport(), Qt::LeftButton, {}, row.center());
+    }
+    FontListView *list() { return window->fontList(); }
+    // The families the list shows, once its answer has come.
+    QStringList families()
+    {
+        EXPECT_TRUE(QTest::qWaitFor([&] { return list() && !list()->isQuerying(); }, 10'000));
+        QStringList names;
+        const FontListModel *model = list()->model();
+        for (int row = 0; row < model->rowCount(); ++row)
+            names.append(model->index(row, 0).data().toString());
+        return names;
+    }
+
+    QString library;
+    std::unique_ptr<MainWindow> window;
+};
+
+} // namespace
+
+TEST_F(FontList, AllFontsShowsTheCataloguesFamiliesAndTheFilterNarrowsThem)
+{
+    choose(LibraryView::AllFonts);
+    ASSERT_TRUE(list());
+    EXPECT_EQ(window->detail(), list());
+    EXPECT_EQ(families(), (QStringList{u"DejaVu Sans"_s, u"DejaVu Sans Mono"_s, u"DejaVu Serif"_s}));
+    EXPECT_EQ(list()->countLabel()->text(), u"3 families, 5 faces"_s) << "the impostor is a third DejaVu Sans face";
+    EXPECT_EQ(list()->model()->index(0, 0).data(FontListModel::CaptionRole).toString(), u"3 styles"_s);
+    EXPECT_EQ(list()->model()->index(1, 0).data(FontListModel::CaptionRole).toString(), u"1 style"_s);
+    // The sidebar says how many faces each list holds.
+    ASSERT_TRUE(QTest::qWaitFor([&] { return store().libraryFaceCount(LibraryView::AllFonts) == 5; }));
+    EXPECT_EQ(libraryList()->model()->index(0, 0).data(Qt::AccessibleDescriptionRole).toString(), u"5 fonts"_s);
+
+    const struct
+    {
+        QString filter;
+        QStringList families;
+    } cases[] = {
+        {u"mono"_s, {u"DejaVu Sans Mono"_s}},
+        {u"SÉRIF"_s, {u"DejaVu Serif"_s}},
+        {u"dejavu \"Ő\""_s, {u"DejaVu Sans"_s, u"DejaVu Sans Mono"_s, u"DejaVu Serif"_s}},
+        {u"\"Ő\""_s, {u"DejaVu Sans"_s, u"DejaVu Sans Mono"_s, u"DejaVu Serif"_s}},
+        {u"nothing like it"_s, {}},
+        {QString(), {u"DejaVu Sans"_s, u"DejaVu Sans Mono"_s, u"DejaVu Serif"_s}},
+    };
+    for (const auto &c : cases) {
+        list()->filterField()->setText(c.filter);
+        EXPECT_TRUE(QTest::qWaitFor([&] { return !list()->isQuerying(); })) << c.filter.toStdString();
+        EXPECT_TRUE(QTest::qWaitFor([&] { return families() == c.families; }, 3000))
+            << c.filter.toStdString() << ": " << families().join(u", "_s).toStdString();
+    }
+    // The impostor maps no "Ő": with it the DejaVu Sans family keeps its two real faces.
+    list()->filterField()->setText(u"\"Ő\""_s);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return list()->countLabel()->text() == u"3 families, 4 faces"_s; }));
+}
+
+TEST_F(FontList, KeysOpenCloseAndToggleAndActiveFontsHoldsTheActive)
+{
+    choose(LibraryView::AllFonts);
+    ASSERT_EQ(families().value(0), u"DejaVu Sans"_s);
+    FontListTree *tree = list()->tree();
+    tree->setFocus();
+    tree->setCurrentIndex(list()->model()->index(0, 0));
+    QTest::keyClick(tree, Qt::Key_Right);
+    EXPECT_TRUE(tree->isExpanded(list()->model()->index(0, 0))) << "Right opens the family";
+    QTest::keyClick(tree, Qt::Key_Left);
+    EXPECT_FALSE(tree->isExpanded(list()->model()->index(0, 0))) << "Left closes it";
+
+    // Space toggles the whole family: every face's file, then none.
+    QTest::keyClick(tree, Qt::Key_Space);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return store().activatedFonts().size() == 3 && !store().isProcessing(); }));
+    EXPECT_EQ(list()->model()->index(0, 0).data(Qt::CheckStateRole).toInt(), int(Qt::Checked));
+    // One face off: the family is mixed.
+    QTest::keyClick(tree, Qt::Key_Right);
+    QTest::keyClick(tree, Qt::Key_Down);
+    const QModelIndex face = tree->currentIndex();
+    ASSERT_EQ(face.parent(), list()->model()->index(0, 0));
+    QTest::keyClick(tree, Qt::Key_Space);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return store().activatedFonts().size() == 2 && !store().isProcessing(); }));
+    EXPECT_EQ(list()->model()->index(0, 0).data(Qt::CheckStateRole).toInt(), int(Qt::PartiallyChecked));
+
+    // "Active Fonts": only the two active faces, and their count in the sidebar.
+    choose(LibraryView::ActiveFonts);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return list()->countLabel()->text() == u"1 family, 2 faces"_s; }))
+        << list()->countLabel()->text().toStdString();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return store().libraryFaceCount(LibraryView::ActiveFonts) == 2; }));
+
+    // Enter on a face shows its file in its source's browser.
+    tree = list()->tree();
+    tree->setFocus();
+    tree->expand(list()->model()->index(0, 0));
+    tree->setCurrentIndex(list()->model()->index(0, 0, list()->model()->index(0, 0)));
+    const QString file = tree->currentIndex().data(FontListModel::PathRole).toString();
+    QTest::keyClick(tree, Qt::Key_Return);
+    ASSERT_TRUE(store().selectedFont());
+    EXPECT_EQ(store().selectedFont()->path(), file);
+    EXPECT_TRUE(store().selectedSource());
+}
+
+// Samples come from the exact file: the impostor that calls itself DejaVu Sans draws its
+// own empty boxes, not DejaVu's letters; a file that is no font draws nothing, and the
+// cache says it can't.
+TEST_F(FontList, SamplesAreDrawnFromTheExactFile)
+{
+    const QImage real = FontSampleCache::draw(library + u"/DejaVu/DejaVuSans.ttf"_s, u"Handgloves"_s, 32, Qt::black);
+    const QImage impostor = FontSampleCache::draw(library + u"/Odd/Impostor.ttf"_s, u"Handgloves"_s, 32, Qt::black);
+    ASSERT_FALSE(real.isNull());
+    ASSERT_FALSE(impostor.isNull());
+    EXPECT_NE(real, impostor);
+    EXPECT_NE(real.size(), impostor.size()) << "boxes are not letters";
+
+    FontSampleCache cache;
+    const QString garbage = QStringLiteral(MORVANE_TEST_FONTS "/Garbage.otf");
+    EXPECT_EQ(cache.sample(garbage, 0, u"Handgloves"_s, 32, Qt::black).state, FontSampleCache::State::Drawing);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !cache.isDrawing(); }));
+    EXPECT_EQ(cache.sample(garbage, 0, u"Handgloves"_s, 32, Qt::black).state, FontSampleCache::State::Failed);
+    EXPECT_EQ(cache.sample(library + u"/DejaVu/DejaVuSans.ttf"_s, 0, u"Handgloves"_s, 32, Qt::black).state,
+              FontSampleCache::State::Drawing);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !cache.isDrawing(); }));
+    const FontSampleCache::Sample drawn = cache.sample(library + u"/DejaVu/DejaVuSans.ttf"_s, 0, u"Handgloves"_s, 32, Qt::black);
+    EXPECT_EQ(drawn.state, FontSampleCache::State::Ready);
+    EXPECT_EQ(drawn.image, real);
+}
