@@ -288,6 +288,16 @@ void PersistenceService::setPreviewText(const QString &text)
     m_preferences->setPreviewText(text);
 }
 
+double PersistenceService::listSize() const
+{
+    return m_preferences->listSize();
+}
+
+void PersistenceService::setListSize(double size)
+{
+    m_preferences->setListSize(size);
+}
+
 double PersistenceService::previewSize() const
 {
     return m_preferences->previewSize();

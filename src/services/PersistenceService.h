@@ -93,6 +93,8 @@ public:
     void setPreviewText(const QString &text);
     double previewSize() const;
     void setPreviewSize(double size);
+    double listSize() const;
+    void setListSize(double size);
     QByteArray windowGeometry() const;
     int sidebarWidth() const;
     void setWindowLayout(const QByteArray &geometry, int sidebarWidth);

@@ -4,6 +4,8 @@
 #include "SaveQueue.h"
 
 #include <QSettings>
+
+#include <algorithm>
 #include <QStandardPaths>
 
 using namespace Qt::StringLiterals;
@@ -56,7 +58,29 @@ double Preferences::previewSize() const
 namespace {
 constexpr const char *kGeometryKey = "morvane_window_geometry";
 constexpr const char *kSidebarKey = "morvane_sidebar_width";
+constexpr const char *kListSizeKey = "morvane_list_size";
 } // namespace
+
+double Preferences::listSize() const
+{
+    {
+        const std::lock_guard lock(m_unsaved->mutex);
+        if (m_unsaved->listSize)
+            return *m_unsaved->listSize;
+    }
+    bool ok = false;
+    const double size = QSettings(settingsPath(), QSettings::IniFormat).value(QLatin1StringView(kListSizeKey)).toDouble(&ok);
+    return ok && size >= 12 && size <= 96 ? size : defaultListSize; // a hand-edited value out of range is not kept
+}
+
+void Preferences::setListSize(double size)
+{
+    {
+        const std::lock_guard lock(m_unsaved->mutex);
+        m_unsaved->listSize = std::clamp(size, 12.0, 96.0);
+    }
+    scheduleWrite();
+}
 
 QByteArray Preferences::windowGeometry() const
 {
@@ -117,12 +141,14 @@ void Preferences::scheduleWrite()
             std::optional<double> size;
             std::optional<QByteArray> geometry;
             std::optional<int> sidebar;
+            std::optional<double> listSize;
             {
                 const std::lock_guard lock(unsaved->mutex);
                 text = unsaved->text;
                 size = unsaved->size;
                 geometry = unsaved->geometry;
                 sidebar = unsaved->sidebarWidth;
+                listSize = unsaved->listSize;
             }
             if (text)
                 settings.setValue(QLatin1StringView(previewTextKey), *text);
@@ -132,6 +158,8 @@ void Preferences::scheduleWrite()
                 settings.setValue(QLatin1StringView(kGeometryKey), *geometry);
             if (sidebar)
                 settings.setValue(QLatin1StringView(kSidebarKey), *sidebar);
+            if (listSize)
+                settings.setValue(QLatin1StringView(kListSizeKey), *listSize);
             settings.sync();
             if (settings.status() != QSettings::NoError)
                 return u"can't write %1"_s.arg(path);
@@ -145,6 +173,8 @@ void Preferences::scheduleWrite()
                 unsaved->geometry.reset();
             if (unsaved->sidebarWidth == sidebar)
                 unsaved->sidebarWidth.reset();
+            if (unsaved->listSize == listSize)
+                unsaved->listSize.reset();
             return std::nullopt;
         },
         u"Failed to save preferences: "_s, 500ms);

@@ -31,6 +31,10 @@ public:
     double previewSize() const;
     void setPreviewSize(double size);
     QString settingsPath() const;
+    // The font list's sample size in points, 12 to 96.
+    static constexpr double defaultListSize = 24.0;
+    double listSize() const;
+    void setListSize(double size);
     // Where the window was and how wide its sidebar, as the window last left them:
     // opaque bytes the window makes and reads, empty and 0 when never saved.
     QByteArray windowGeometry() const;
@@ -45,6 +49,7 @@ private:
         std::optional<double> size;
         std::optional<QByteArray> geometry;
         std::optional<int> sidebarWidth;
+        std::optional<double> listSize;
     };
     void scheduleWrite();
 

@@ -135,6 +135,9 @@ public:
     const QString &previewText() const { return m_previewText; }
     void setPreviewText(const QString &text);
     double previewSize() const { return m_previewSize; }
+    // The font list's own sample size, saved with the preferences.
+    double listSize() const { return m_persistenceService.listSize(); }
+    void setListSize(double size) { m_persistenceService.setListSize(size); }
     void setPreviewSize(double size);
 
     // ---- Folder search ------------------------------------------------------------

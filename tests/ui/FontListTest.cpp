@@ -6,6 +6,7 @@
 #include "WindowFixture.h"
 
 #include "state/AppState.h"
+#include "ui/fontlist/FontFilterBar.h"
 #include "ui/fontlist/FontListModel.h"
 #include "ui/fontlist/FontListView.h"
 #include "ui/fontlist/FontSampleCache.h"
@@ -17,6 +18,11 @@
 #include <QFile>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMenu>
+#include <QSlider>
+#include <QToolButton>
+
+#include <functional>
 #include <QTest>
 
 #include <gtest/gtest.h>
@@ -169,4 +175,78 @@ TEST_F(FontList, SamplesAreDrawnFromTheExactFile)
     const FontSampleCache::Sample drawn = cache.sample(library + u"/DejaVu/DejaVuSans.ttf"_s, 0, u"Handgloves"_s, 32, Qt::black);
     EXPECT_EQ(drawn.state, FontSampleCache::State::Ready);
     EXPECT_EQ(drawn.image, real);
+}
+
+// The filter bar's menus and toggles, alone and together, narrow the list as the
+// catalogue answers; one language chosen draws its sample; "Names" draws each name.
+TEST_F(FontList, TheFilterBarNarrowsTheListAndALanguageDrawsItsSample)
+{
+    choose(LibraryView::AllFonts);
+    ASSERT_EQ(families().size(), 3);
+    FontFilterBar *bar = list()->filterBar();
+    const auto pick = [&](const QString &menuButton, const QString &item) {
+        QMenu *menu = bar->button(menuButton)->menu();
+        Q_EMIT menu->aboutToShow(); // as opening it does: the language and source menus fill then
+        for (QAction *action : menu->actions()) {
+            if (action->text() == item || action->data().toString() == item) {
+                action->trigger();
+                return true;
+            }
+        }
+        return false;
+    };
+    // What the catalogue answers, asked directly of the database the store keeps.
+    const FontCatalog catalogue;
+    const auto answerTo = [&](const FontQuery &query) {
+        QStringList names;
+        for (const FontFamily &family : catalogue.query(query).families)
+            names.append(family.name);
+        return names;
+    };
+    using C = FaceRecord::Classification;
+    const struct
+    {
+        const char *what;
+        std::function<void()> act;
+        FontQuery query; // the same question, put directly
+    } cases[] = {
+        {"slab serif", [&] { ASSERT_TRUE(pick(u"Classification"_s, u"Slab Serif"_s)); }, FontQuery{.classifications = {C::SlabSerif}}},
+        {"slab serif or sans serif", [&] { ASSERT_TRUE(pick(u"Classification"_s, u"Sans Serif"_s)); },
+         FontQuery{.classifications = {C::SlabSerif, C::SansSerif}}},
+        {"and bold", [&] { ASSERT_TRUE(pick(u"Weight"_s, u"Semibold to Black (600–900)"_s)); },
+         FontQuery{.classifications = {C::SlabSerif, C::SansSerif}, .minWeight = 550}},
+        {"cleared", [&] { bar->button(u"Clear Filters"_s)->click(); }, FontQuery{}},
+        {"monospaced", [&] { bar->button(u"Monospaced"_s)->click(); }, FontQuery{.monospaced = true}},
+        {"monospaced, cleared", [&] { bar->button(u"Monospaced"_s)->click(); }, FontQuery{}},
+        {"in the source", [&] { ASSERT_TRUE(pick(u"Source"_s, library)); }, FontQuery{}},
+        {"Hungarian", [&] { ASSERT_TRUE(pick(u"Language"_s, u"hu"_s)); }, FontQuery{.languages = {u"hu"_s}}},
+    };
+    QStringList before;
+    for (const auto &c : cases) {
+        c.act();
+        const QStringList expected = answerTo(c.query);
+        EXPECT_TRUE(QTest::qWaitFor([&] { return families() == expected; }, 3000))
+            << c.what << ": " << families().join(u", "_s).toStdString() << " for " << expected.join(u", "_s).toStdString();
+        EXPECT_TRUE(expected != before || QByteArray(c.what).contains("source") || QByteArray(c.what).contains("Hungarian"))
+            << c.what << " changes nothing: it proves little";
+        before = expected;
+    }
+    // The impostor maps no Hungarian letters: with "hu" the DejaVu Sans family is its two real faces.
+    EXPECT_EQ(list()->model()->index(0, 0).data(FontListModel::CaptionRole).toString(), u"2 styles"_s);
+    EXPECT_EQ(list()->sampleText(), u"Árvíztűrő tükörfúrógép"_s);
+    EXPECT_TRUE(bar->button(u"Language"_s)->text().endsWith(u"(1)"_s));
+    // The language menu reads each language by its names and counts, and finds by either.
+    Q_EMIT bar->languageMenu()->aboutToShow();
+    const QStringList items = [&] {
+        QStringList texts;
+        for (const QAction *action : bar->languageMenu()->actions())
+            texts.append(action->text());
+        return texts;
+    }();
+    EXPECT_TRUE(items.contains(u"magyar — Hungarian (hu)  4"_s)) << items.mid(0, 5).join(u" | "_s).toStdString();
+
+    list()->namesButton()->click();
+    EXPECT_TRUE(list()->sampleText().isEmpty()) << "each font's own name";
+    list()->sizeSlider()->setValue(48);
+    EXPECT_EQ(store().listSize(), 48.0);
 }

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/fontlist/FontListView.h"
 
+#include "fonts/LanguageSamples.h"
 #include "state/AppState.h"
+#include "ui/fontlist/FontFilterBar.h"
 #include "ui/common/TextStyles.h"
 #include "ui/fontlist/FontListDelegate.h"
 #include "ui/fontlist/FontListModel.h"
@@ -13,6 +15,8 @@
 #include <QLineEdit>
 #include <QLocale>
 #include <QPointer>
+#include <QSlider>
+#include <QToolButton>
 #include <QTimer>
 #include <QVBoxLayout>
 
@@ -57,6 +61,9 @@ FontListView::FontListView(AppState &state, QWidget *parent)
     , m_state(state)
     , m_filter(new QLineEdit(this))
     , m_count(new QLabel(this))
+    , m_bar(new FontFilterBar(state, this))
+    , m_size(new QSlider(Qt::Horizontal, this))
+    , m_names(new QToolButton(this))
     , m_tree(new FontListTree(this))
     , m_model(new FontListModel(state, this))
     , m_samples(new FontSampleCache(this))
@@ -68,9 +75,21 @@ FontListView::FontListView(AppState &state, QWidget *parent)
     m_filter->setAccessibleName(tr("Filter fonts"));
     m_filter->setClearButtonEnabled(true);
     TextStyles::applySecondary(m_count);
+    m_size->setRange(12, 96);
+    m_size->setValue(int(std::lround(state.listSize())));
+    m_size->setFixedWidth(120);
+    m_size->setAccessibleName(tr("Sample size"));
+    m_size->setToolTip(tr("Sample size"));
+    m_names->setText(tr("Names"));
+    m_names->setAccessibleName(tr("Show each font's name"));
+    m_names->setToolTip(tr("Show each font's name"));
+    m_names->setCheckable(true);
+    m_names->setAutoRaise(true);
     auto *bar = new QHBoxLayout;
     bar->setContentsMargins(8, 6, 8, 6);
     bar->addWidget(m_filter, 1);
+    bar->addWidget(m_names);
+    bar->addWidget(m_size);
     bar->addWidget(m_count);
     m_tree->setModel(m_model);
     m_tree->setItemDelegate(m_delegate);
@@ -79,11 +98,11 @@ FontListView::FontListView(AppState &state, QWidget *parent)
     m_tree->setAccessibleName(tr("Fonts"));
     m_tree->setSelectionMode(QAbstractItemView::ExtendedSelection);
     m_tree->setMouseTracking(true);
-    m_delegate->setSample(QString(), 24); // each face's own name until a text is chosen
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
     layout->addLayout(bar);
+    layout->addWidget(m_bar);
     layout->addWidget(m_tree, 1);
     setFocusProxy(m_tree);
 
@@ -91,6 +110,17 @@ FontListView::FontListView(AppState &state, QWidget *parent)
     m_askSoon->setInterval(120);
     connect(m_askSoon, &QTimer::timeout, this, &FontListView::ask);
     connect(m_filter, &QLineEdit::textChanged, m_askSoon, qOverload<>(&QTimer::start));
+    connect(m_bar, &FontFilterBar::changed, this, [this] {
+        updateSample(); // one language chosen: its sample
+        ask();
+    });
+    connect(m_size, &QSlider::valueChanged, this, [this](int points) {
+        m_state.setListSize(points);
+        updateSample();
+    });
+    connect(m_names, &QToolButton::toggled, this, &FontListView::updateSample);
+    connect(&state, &AppState::previewTextChanged, this, &FontListView::updateSample);
+    updateSample();
     // More fonts indexed, or (for Active Fonts) others activated: the answer is asked again.
     connect(&state, &AppState::catalogueChanged, m_askSoon, qOverload<>(&QTimer::start));
     connect(&state, &AppState::activatedFontsChanged, this, [this] {
@@ -102,6 +132,27 @@ FontListView::FontListView(AppState &state, QWidget *parent)
     connect(m_tree, &FontListTree::toggleRequested, this, &FontListView::toggle);
     connect(m_tree, &FontListTree::openRequested, this, &FontListView::open);
     ask();
+}
+
+QString FontListView::sampleText() const
+{
+    if (m_names->isChecked())
+        return {};
+    const QString language = m_bar->singleLanguage();
+    if (!language.isEmpty()) {
+        const QString sample = LanguageSamples::sampleFor(language);
+        if (!sample.isEmpty())
+            return sample;
+    }
+    return m_state.previewText();
+}
+
+void FontListView::updateSample()
+{
+    const int pixels = int(std::lround(m_size->value() * logicalDpiY() / 72.0));
+    m_delegate->setSample(sampleText(), pixels);
+    m_tree->doItemsLayout(); // rows take the new size
+    m_tree->viewport()->update();
 }
 
 void FontListView::setLibraryView(LibraryView::Kind kind)
@@ -117,7 +168,9 @@ void FontListView::ask()
     m_askSoon->stop();
     m_querying = true;
     QPointer<FontListView> self(this);
-    m_state.queryFonts(queryFor(m_filter->text(), m_kind)).then([self](const FontQueryAnswer &answer) {
+    FontQuery query = queryFor(m_filter->text(), m_kind);
+    m_bar->apply(query);
+    m_state.queryFonts(query).then([self](const FontQueryAnswer &answer) {
         if (FontListView *view = self.data(); view && !answer.cancelled) // else a newer question is on its way
             view->answered(answer);
     });
@@ -130,6 +183,7 @@ void FontListView::answered(const FontQueryAnswer &answer)
     const qsizetype families = answer.families.size(), faces = answer.faceCount();
     m_count->setText((families == 1 ? tr("1 family") : tr("%1 families").arg(locale.toString(families))) + u", "_s
                      + (faces == 1 ? tr("1 face") : tr("%1 faces").arg(locale.toString(faces))));
+    m_bar->setCounts(answer);
     m_model->setAnswer(answer);
 }
 

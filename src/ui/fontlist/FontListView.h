@@ -8,12 +8,15 @@
 #include <QWidget>
 
 class AppState;
+class FontFilterBar;
 class FontListDelegate;
 class FontListModel;
 class FontSampleCache;
 class QLabel;
 class QLineEdit;
+class QSlider;
 class QTimer;
+class QToolButton;
 
 // The tree of the font list: Space toggles the chosen row's activation, Enter shows the
 // face's file in its source's browser; arrows, Right and Left (open, close) are the tree's.
@@ -34,7 +37,9 @@ protected:
 
 // "All Fonts" or "Active Fonts": the catalogue's families, each drawn in its own face,
 // narrowed by a filter field ("Filter fonts…"; text in quotes must be mapped character
-// by character), with the number of families and faces shown.
+// by character) and the filter bar's menus, with the number of families and faces shown.
+// The rows draw the preview text at the list's own size (saved), each font's name when
+// "Names" is on, or with one language chosen that language's sample.
 class FontListView : public QWidget
 {
     Q_OBJECT
@@ -46,6 +51,11 @@ public:
     LibraryView::Kind libraryView() const { return m_kind; }
 
     QLineEdit *filterField() const { return m_filter; }
+    FontFilterBar *filterBar() const { return m_bar; }
+    QSlider *sizeSlider() const { return m_size; }
+    QToolButton *namesButton() const { return m_names; }
+    // What the rows draw now: empty for each font's own name.
+    QString sampleText() const;
     QLabel *countLabel() const { return m_count; }
     FontListTree *tree() const { return m_tree; }
     FontListModel *model() const { return m_model; }
@@ -58,6 +68,7 @@ public:
 private:
     void ask();
     void answered(const FontQueryAnswer &answer);
+    void updateSample();
     void toggle(const QModelIndex &index);
     void open(const QModelIndex &index);
 
@@ -65,6 +76,9 @@ private:
     LibraryView::Kind m_kind = LibraryView::AllFonts;
     QLineEdit *m_filter;
     QLabel *m_count;
+    FontFilterBar *m_bar;
+    QSlider *m_size;
+    QToolButton *m_names;
     FontListTree *m_tree;
     FontListModel *m_model;
     FontSampleCache *m_samples;
