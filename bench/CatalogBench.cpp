@@ -3,6 +3,7 @@
 // fc-cache on the same folder, a refresh of 100,000 unchanged ones, queries over them,
 // and the database's size per face.
 #include "BenchFigures.h"
+#include "CatalogStore.h"
 #include "FontCorpus.h"
 
 #include "state/AppState.h"
@@ -18,48 +19,49 @@
 
 using namespace Qt::StringLiterals;
 
-namespace {
-
-// A store of its own over one corpus folder, with its own catalogue file. The second's
-// pause a refresh gets before indexing is waiting, not work: none here.
-class CatalogStore
+CatalogStore::CatalogStore(const QString &name, const QString &folder)
+    : m_persistence(BenchFigures::dataDirectory() + u"/catalog-store-"_s + name)
+    , m_store(m_activation, m_persistence)
 {
-public:
-    CatalogStore(const QString &name, const QString &folder)
-        : m_persistence(BenchFigures::dataDirectory() + u"/catalog-store-"_s + name)
-        , m_store(m_activation, m_persistence)
-    {
-        m_store.setCatalogueFile(catalogueFile(name));
-        m_store.setCatalogueSettleTime(0);
-        m_store.setSourcesForTesting({FolderSource{QUuid::createUuid(), folder, name}});
-    }
-    static QString catalogueFile(const QString &name)
-    {
-        return BenchFigures::dataDirectory() + u"/catalog-"_s + name + u".sqlite"_s;
-    }
-    AppState &store() { return m_store; }
+    m_store.setCatalogueFile(catalogueFile(name));
+    m_store.setCatalogueSettleTime(0);
+    m_store.setSourcesForTesting({FolderSource{QUuid::createUuid(), folder, name}});
+}
 
-    // A refresh, until the catalogue has read what it found.
-    void refreshAndIndex()
-    {
-        QEventLoop loop;
-        bool refreshed = false;
-        const auto check = [&] {
-            if (refreshed && !m_store.isIndexing() && !m_store.isCataloguing())
-                loop.quit();
-        };
-        QObject::connect(&m_store, &AppState::catalogueProgressChanged, &loop, check);
-        QObject::connect(&m_store, &AppState::isIndexingChanged, &loop, check);
-        m_store.refreshFileSystem();
-        refreshed = true;
-        loop.exec();
-    }
+QString CatalogStore::catalogueFile(const QString &name)
+{
+    return BenchFigures::dataDirectory() + u"/catalog-"_s + name + u".sqlite"_s;
+}
 
-private:
-    BenchFigures::NoActivation m_activation;
-    PersistenceService m_persistence;
-    AppState m_store;
-};
+void CatalogStore::refreshAndIndex()
+{
+    QEventLoop loop;
+    bool refreshed = false;
+    const auto check = [&] {
+        if (refreshed && !m_store.isIndexing() && !m_store.isCataloguing())
+            loop.quit();
+    };
+    QObject::connect(&m_store, &AppState::catalogueProgressChanged, &loop, check);
+    QObject::connect(&m_store, &AppState::isIndexingChanged, &loop, check);
+    m_store.refreshFileSystem();
+    refreshed = true;
+    loop.exec();
+}
+
+CatalogStore &CatalogStore::library100k()
+{
+    static CatalogStore *bench = [] {
+        FontCorpus::fonts(u"store/Active"_s, 10'000);
+        FontCorpus::fonts(u"store/Batch"_s, 10'000);
+        FontCorpus::fonts(u"store/More"_s, 80'000);
+        auto *made = new CatalogStore(u"100k"_s, BenchFigures::dataDirectory() + u"/fonts/store"_s);
+        made->refreshAndIndex();
+        return made;
+    }();
+    return *bench;
+}
+
+namespace {
 
 QString folderOf(const QStringList &fonts)
 {
@@ -111,23 +113,9 @@ void catalogFcCache2000(benchmark::State &state)
 BENCHMARK(catalogFcCache2000)->Unit(benchmark::kMillisecond)->Iterations(1)->Repetitions(3)
     ->ComputeStatistics("min", BenchFigures::fastest)->ReportAggregatesOnly(true);
 
-// The activation benchmarks' 100,000 links to real fonts, indexed once and kept.
-CatalogStore &store100k()
-{
-    static CatalogStore *bench = [] {
-        FontCorpus::fonts(u"store/Active"_s, 10'000);
-        FontCorpus::fonts(u"store/Batch"_s, 10'000);
-        FontCorpus::fonts(u"store/More"_s, 80'000);
-        auto *made = new CatalogStore(u"100k"_s, BenchFigures::dataDirectory() + u"/fonts/store"_s);
-        made->refreshAndIndex();
-        return made;
-    }();
-    return *bench;
-}
-
 void catalogRefresh100kUnchanged(benchmark::State &state)
 {
-    CatalogStore &bench = store100k();
+    CatalogStore &bench = CatalogStore::library100k();
     for (auto _ : state)
         bench.refreshAndIndex();
 }
@@ -136,7 +124,7 @@ BENCHMARK(catalogRefresh100kUnchanged)->Unit(benchmark::kMillisecond)->Iteration
 
 void ask(benchmark::State &state, const FontQuery &query)
 {
-    AppState &store = store100k().store();
+    AppState &store = CatalogStore::library100k().store();
     qsizetype found = 0;
     for (auto _ : state)
         found = QCoro::waitFor(store.queryFonts(query)).faceCount();

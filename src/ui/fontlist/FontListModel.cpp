@@ -5,6 +5,7 @@
 #include "ui/common/RowButton.h"
 
 #include <QCoreApplication>
+#include <QSet>
 
 using namespace Qt::StringLiterals;
 
@@ -36,6 +37,7 @@ FontListModel::FontListModel(AppState &state, QObject *parent)
     , m_state(state)
 {
     connect(&state, &AppState::activatedFontsChanged, this, [this] {
+        m_familyStates.assign(m_familyStates.size(), -1);
         if (rowCount() > 0)
             Q_EMIT dataChanged(index(0, 0), index(rowCount() - 1, 0), {ActivationRole, Qt::CheckStateRole});
         // Open families' faces repaint with them.
@@ -52,6 +54,7 @@ void FontListModel::setAnswer(FontQueryAnswer answer)
 {
     beginResetModel();
     m_answer = std::move(answer);
+    m_familyStates.assign(size_t(m_answer.families.size()), -1);
     endResetModel();
 }
 
@@ -119,9 +122,12 @@ QStringList FontListModel::pathsOf(const QModelIndex &index) const
     QStringList paths;
     if (index.isValid() && index.internalId() == kFamilyRow) {
         if (const FontFamily *family = familyOf(index)) {
+            QSet<QString> seen; // a collection file's faces share it
             for (const FoundFace &face : family->faces) {
-                if (!paths.contains(face.path))
+                if (!seen.contains(face.path)) {
+                    seen.insert(face.path);
                     paths.append(face.path);
+                }
             }
         }
     } else if (const FoundFace *face = faceOf(index)) {
@@ -132,12 +138,22 @@ QStringList FontListModel::pathsOf(const QModelIndex &index) const
 
 ActivationState FontListModel::activation(const QModelIndex &index) const
 {
+    // A family's state is counted once per change of the active fonts, not per paint.
+    const bool isFamily = index.isValid() && index.internalId() == kFamilyRow;
+    if (isFamily && size_t(index.row()) < m_familyStates.size() && m_familyStates[size_t(index.row())] >= 0)
+        return ActivationState(m_familyStates[size_t(index.row())]);
     const QStringList paths = pathsOf(index);
     const auto active = std::count_if(paths.cbegin(), paths.cend(),
                                       [&](const QString &path) { return m_state.activatedFonts().contains(path); });
-    if (active == 0)
-        return ActivationState::Inactive;
-    return active == paths.size() ? ActivationState::Active : ActivationState::Mixed;
+    const ActivationState state = active == 0 ? ActivationState::Inactive
+                                  : active == paths.size() ? ActivationState::Active
+                                                           : ActivationState::Mixed;
+    if (isFamily) {
+        if (m_familyStates.size() != size_t(m_answer.families.size()))
+            m_familyStates.assign(size_t(m_answer.families.size()), -1);
+        m_familyStates[size_t(index.row())] = qint8(state);
+    }
+    return state;
 }
 
 QVariant FontListModel::data(const QModelIndex &index, int role) const

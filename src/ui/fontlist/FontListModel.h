@@ -6,6 +6,8 @@
 
 #include <QAbstractItemModel>
 
+#include <vector>
+
 class AppState;
 
 // The font list's rows: a row per family of a catalogue answer, in its order, and under
@@ -47,4 +49,5 @@ private:
 
     AppState &m_state;
     FontQueryAnswer m_answer;
+    mutable std::vector<qint8> m_familyStates; // -1: not counted since the last change
 };
