@@ -184,6 +184,17 @@ def main():
                   "the results stay after Clear")
             check(field.queryText().getText(0, -1) == "", "the field keeps its text after Clear")
 
+        # The font list: every control it shows has a name too.
+        every = find(app, pyatspi.ROLE_LIST_ITEM, "All Fonts")
+        if check(every is not None, "no All Fonts in the sidebar"):
+            act(every, "Press")
+            filter_field = wait_for(lambda: find(app, pyatspi.ROLE_TEXT, "Filter fonts"))
+            check(filter_field is not None, "All Fonts shows no field named Filter fonts")
+            check(wait_for(lambda: find(app, pyatspi.ROLE_SLIDER, "Sample size")) is not None, "no Sample size slider")
+            unnamed = [node.getRoleName() for node in walk(app)
+                       if showing(node) and node.getRole() in NAMED_ROLES and not node.name]
+            check(not unnamed, "font list controls without a name: %s" % unnamed)
+
         command = find(app, pyatspi.ROLE_MENU_ITEM, "New Collection", visible=False)
         if check(command is not None, "no New Collection menu item"):
             command.queryAction().doAction(0)

@@ -3,6 +3,7 @@
 
 #include "state/AppState.h"
 #include "ui/common/Reading.h"
+#include "ui/common/RowListAccessible.h"
 #include "ui/common/RowBackground.h"
 #include "ui/common/Symbols.h"
 #include "ui/common/TextStyles.h"
@@ -98,6 +99,7 @@ LibraryList::LibraryList(AppState &state, QWidget *parent)
     : QListView(parent)
     , m_state(state)
 {
+    RowListAccessible::enable(this);
     setAccessibleName(tr("Library"));
     setModel(new LibraryModel(state, this));
     setItemDelegate(new LibraryDelegate(this));
