@@ -14,6 +14,7 @@
 #include "ui/sidebar/SidebarView.h"
 #include "ui/window/MainWindow.h"
 
+#include <QContextMenuEvent>
 #include <QCoroTask>
 #include <QFile>
 #include <QLabel>
@@ -249,4 +250,38 @@ TEST_F(FontList, TheFilterBarNarrowsTheListAndALanguageDrawsItsSample)
     EXPECT_TRUE(list()->sampleText().isEmpty()) << "each font's own name";
     list()->sizeSlider()->setValue(48);
     EXPECT_EQ(store().listSize(), 48.0);
+}
+
+// A row's menu is its face file's, as in the browser: a right click on a family offers
+// its regular face, the menu key the current row's.
+TEST_F(FontList, ARowsMenuIsItsFilesMenu)
+{
+    choose(LibraryView::AllFonts);
+    ASSERT_EQ(families().value(2), u"DejaVu Serif"_s);
+    FontListTree *tree = list()->tree();
+    const auto menuAt = [&](QContextMenuEvent::Reason reason, const QPoint &at) {
+        QContextMenuEvent event(reason, at, tree->viewport()->mapToGlobal(at));
+        QCoreApplication::sendEvent(tree->viewport(), &event);
+        const QList<QMenu *> menus = tree->findChildren<QMenu *>(Qt::FindDirectChildrenOnly);
+        return menus.isEmpty() ? nullptr : menus.constLast();
+    };
+    const QModelIndex serif = list()->model()->index(2, 0);
+    QMenu *menu = menuAt(QContextMenuEvent::Mouse, tree->visualRect(serif).center());
+    ASSERT_TRUE(menu);
+    QStringList texts;
+    for (const QAction *action : menu->actions())
+        texts.append(QString(action->text()).remove(u'&'));
+    ASSERT_TRUE(texts.contains(u"Activate Font"_s)) << texts.join(u", "_s).toStdString();
+    menu->actions().at(int(texts.indexOf(u"Activate Font"_s)))->trigger();
+    menu->close();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !store().isProcessing(); }));
+    EXPECT_EQ(store().activatedFonts(), QSet<QString>{library + u"/DejaVu/DejaVuSerif.ttf"_s});
+
+    // The menu key: the current row's, which the right click didn't change.
+    tree->setCurrentIndex(list()->model()->index(1, 0));
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    menu = menuAt(QContextMenuEvent::Keyboard, {});
+    ASSERT_TRUE(menu);
+    EXPECT_EQ(menu->accessibleName(), u"DejaVuSansMono.ttf"_s);
+    menu->close();
 }

@@ -4,13 +4,16 @@
 #include "fonts/LanguageSamples.h"
 #include "state/AppState.h"
 #include "ui/fontlist/FontFilterBar.h"
+#include "ui/common/ContextMenus.h"
 #include "ui/common/TextStyles.h"
 #include "ui/fontlist/FontListDelegate.h"
 #include "ui/fontlist/FontListModel.h"
 #include "ui/fontlist/FontSampleCache.h"
 
 #include <QHBoxLayout>
+#include <QContextMenuEvent>
 #include <QKeyEvent>
+#include <QMenu>
 #include <QLabel>
 #include <QLineEdit>
 #include <QLocale>
@@ -21,6 +24,29 @@
 #include <QVBoxLayout>
 
 using namespace Qt::StringLiterals;
+
+FontListTree::FontListTree(AppState &state, QWidget *parent)
+    : QTreeView(parent)
+    , m_state(state)
+{
+}
+
+void FontListTree::contextMenuEvent(QContextMenuEvent *event)
+{
+    QModelIndex index = indexAt(event->pos());
+    QPoint at = event->globalPos();
+    if (event->reason() == QContextMenuEvent::Keyboard) {
+        index = currentIndex();
+        at = viewport()->mapToGlobal(visualRect(index).center());
+    }
+    const QString path = index.data(FontListModel::PathRole).toString();
+    if (path.isEmpty())
+        return;
+    QMenu *menu = ContextMenus::buildNodeMenu(m_state, FontNode::fontFile(path), this);
+    connect(menu, &QMenu::aboutToHide, menu, &QObject::deleteLater); // a chosen action has run by then
+    menu->popup(at);
+    event->accept();
+}
 
 void FontListTree::keyPressEvent(QKeyEvent *event)
 {
@@ -64,7 +90,7 @@ FontListView::FontListView(AppState &state, QWidget *parent)
     , m_bar(new FontFilterBar(state, this))
     , m_size(new QSlider(Qt::Horizontal, this))
     , m_names(new QToolButton(this))
-    , m_tree(new FontListTree(this))
+    , m_tree(new FontListTree(state, this))
     , m_model(new FontListModel(state, this))
     , m_samples(new FontSampleCache(this))
     , m_delegate(new FontListDelegate(*m_samples, this))

@@ -25,7 +25,7 @@ class FontListTree : public QTreeView
     Q_OBJECT
 
 public:
-    using QTreeView::QTreeView;
+    FontListTree(AppState &state, QWidget *parent = nullptr);
 
 Q_SIGNALS:
     void toggleRequested(const QModelIndex &index);
@@ -33,6 +33,11 @@ Q_SIGNALS:
 
 protected:
     void keyPressEvent(QKeyEvent *event) override;
+    // The menu of the face's file (a family: its regular face's), as the browser's row has.
+    void contextMenuEvent(QContextMenuEvent *event) override;
+
+private:
+    AppState &m_state;
 };
 
 // "All Fonts" or "Active Fonts": the catalogue's families, each drawn in its own face,
