@@ -230,6 +230,12 @@ public:
     // Runs off the interface thread; a newer query stops an older one, which answers
     // nothing (marked cancelled).
     QCoro::Task<FontQueryAnswer> queryFonts(FontQuery query);
+    // The same question as a future, for views (a view's own coroutine that awaits a
+    // store coroutine and then ends can free the awaited one twice in this QCoro). A
+    // newer question makes this one answer `cancelled`.
+    QFuture<FontQueryAnswer> askFonts(FontQuery query);
+    // How many faces answer, asked beside the lists' questions (it cancels none of them).
+    QFuture<qsizetype> countFonts(FontQuery query);
     // The faces the library's own lists hold ("All Fonts", "Active Fonts"); -1 until the
     // catalogue has answered. Counted again shortly after the catalogue or the active
     // fonts change.

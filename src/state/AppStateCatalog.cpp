@@ -219,14 +219,23 @@ bool isUnder(const QString &path, const QString &folder)
 
 QCoro::Task<FontQueryAnswer> AppState::queryFonts(FontQuery query)
 {
-    const quint64 generation = ++m_queryGeneration;
+    const quint64 generation = m_queryGeneration + 1;
+    QPointer<AppState> self(this);
+    FontQueryAnswer answer = co_await askFonts(std::move(query));
+    if (!self || generation != m_queryGeneration)
+        co_return FontQueryAnswer{.cancelled = true}; // a newer question is being answered
+    co_return answer;
+}
+
+QFuture<FontQueryAnswer> AppState::askFonts(FontQuery query)
+{
+    ++m_queryGeneration;
     m_queryCancelled->store(true); // the older question stops where it is
     m_queryCancelled = std::make_shared<std::atomic_bool>(false);
     const std::shared_ptr<std::atomic_bool> cancelled = m_queryCancelled;
     if (!m_catalog)
         m_catalog = std::make_shared<FontCatalog>(m_catalogueFile);
     const std::shared_ptr<FontCatalog> catalog = m_catalog;
-    QPointer<AppState> self(this);
     // What only the store knows, taken along (shared, not copied).
     const bool needsActive = query.active || query.conflicts;
     const QSet<QString> activated = needsActive ? m_activatedFonts : QSet<QString>();
@@ -240,7 +249,7 @@ QCoro::Task<FontQueryAnswer> AppState::queryFonts(FontQuery query)
     QStringList sourceFolders;
     for (const FolderSource &source : std::as_const(m_sources))
         sourceFolders.append(QDir::cleanPath(source.path));
-    const QFuture<FontQueryAnswer> asked = QtConcurrent::run([catalog, query, activated, members, sourceFolders, cancelled] {
+    return QtConcurrent::run([catalog, query, activated, members, sourceFolders, cancelled] {
         const QSet<QString> conflicting = query.conflicts ? catalog->sharedPostScriptNames(activated) : QSet<QString>();
         QHash<QString, LicenseStatus> statusOf; // a .ttc's faces ask the file once
         const auto keep = [&](const QString &path, const QString &postScriptName) {
@@ -270,10 +279,14 @@ QCoro::Task<FontQueryAnswer> AppState::queryFonts(FontQuery query)
         return catalog->query(query, asksTheStore ? FontCatalog::FaceFilter(keep) : FontCatalog::FaceFilter(), sourceFolders,
                               cancelled.get());
     });
-    FontQueryAnswer answer = co_await asked;
-    if (!self || generation != m_queryGeneration)
-        co_return FontQueryAnswer{.cancelled = true}; // a newer question is being answered
-    co_return answer;
+}
+
+QFuture<qsizetype> AppState::countFonts(FontQuery query)
+{
+    if (!m_catalog)
+        m_catalog = std::make_shared<FontCatalog>(m_catalogueFile);
+    const std::shared_ptr<FontCatalog> catalog = m_catalog;
+    return QtConcurrent::run([catalog, query] { return catalog->query(query).faceCount(); });
 }
 
 qsizetype AppState::libraryFaceCount(LibraryView::Kind kind) const

@@ -10,7 +10,9 @@
 #include "ui/fontlist/FontListModel.h"
 #include "ui/fontlist/FontListView.h"
 #include "ui/fontlist/FontSampleCache.h"
+#include "ui/search/SearchResultsView.h"
 #include "ui/sidebar/LibraryList.h"
+#include "ui/window/ToolbarInputField.h"
 #include "ui/sidebar/SidebarView.h"
 #include "ui/window/MainWindow.h"
 
@@ -20,6 +22,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
+#include <QPushButton>
 #include <QSlider>
 #include <QToolButton>
 
@@ -284,4 +287,30 @@ TEST_F(FontList, ARowsMenuIsItsFilesMenu)
     ASSERT_TRUE(menu);
     EXPECT_EQ(menu->accessibleName(), u"DejaVuSansMono.ttf"_s);
     menu->close();
+}
+
+// The folder search says how many fonts are named like its words; that line opens All
+// Fonts with them.
+TEST_F(FontList, TheFolderSearchOffersTheFontsNamedLikeIt)
+{
+    QLineEdit *search = window->searchField().lineEdit();
+    QTest::keyClicks(search, u"dejavu"_s);
+    SearchResultsView &results = window->searchResults();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !results.fontsLink()->isHidden(); }, 5000));
+    EXPECT_EQ(results.fontsLink()->text(), u"5 fonts named like “dejavu”"_s);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return results.currentWidget() == results.list(); }))
+        << "the folder DejaVu and the line above it";
+    QTest::mouseClick(results.fontsLink(), Qt::LeftButton);
+    ASSERT_TRUE(list());
+    EXPECT_EQ(window->detail(), list());
+    EXPECT_FALSE(store().isSearching());
+    EXPECT_EQ(store().selectedLibraryView()->kind, LibraryView::AllFonts);
+    EXPECT_EQ(list()->filterField()->text(), u"dejavu"_s);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return families().size() == 3; }));
+
+    // Words no font has: no line.
+    window->searchField().lineEdit()->setFocus();
+    QTest::keyClicks(window->searchField().lineEdit(), u"Odd"_s);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return store().isSearching() && !store().isSearchingFolders(); }, 5000));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return results.fontsLink()->isHidden(); }, 2000));
 }

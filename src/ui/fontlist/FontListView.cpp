@@ -12,6 +12,7 @@
 
 #include <QHBoxLayout>
 #include <QContextMenuEvent>
+#include <QFutureWatcher>
 #include <QKeyEvent>
 #include <QMenu>
 #include <QLabel>
@@ -193,13 +194,19 @@ void FontListView::ask()
 {
     m_askSoon->stop();
     m_querying = true;
-    QPointer<FontListView> self(this);
     FontQuery query = queryFor(m_filter->text(), m_kind);
     m_bar->apply(query);
-    m_state.queryFonts(query).then([self](const FontQueryAnswer &answer) {
-        if (FontListView *view = self.data(); view && !answer.cancelled) // else a newer question is on its way
-            view->answered(answer);
+    // Only the newest question's answer is shown: an older watcher goes with its answer.
+    delete m_asking;
+    m_asking = new QFutureWatcher<FontQueryAnswer>(this);
+    connect(m_asking, &QFutureWatcherBase::finished, this, [this, watcher = m_asking] {
+        const FontQueryAnswer answer = watcher->result();
+        watcher->deleteLater();
+        m_asking = nullptr;
+        if (!answer.cancelled)
+            answered(answer);
     });
+    m_asking->setFuture(m_state.askFonts(query));
 }
 
 void FontListView::answered(const FontQueryAnswer &answer)

@@ -4,6 +4,7 @@
 #include "model/SidebarItem.h"
 #include "services/FontCatalog.h"
 
+#include <QFutureWatcher>
 #include <QTreeView>
 #include <QWidget>
 
@@ -89,5 +90,6 @@ private:
     FontSampleCache *m_samples;
     FontListDelegate *m_delegate;
     QTimer *m_askSoon;
+    QFutureWatcher<FontQueryAnswer> *m_asking = nullptr; // the newest question
     bool m_querying = false;
 };

@@ -10,7 +10,11 @@
 
 #include "state/AppState.h"
 
+#include <QFutureWatcher>
 #include <QKeyEvent>
+#include <QLocale>
+#include <QPointer>
+#include <QPushButton>
 #include <QLabel>
 #include <QPainter>
 #include <QVBoxLayout>
@@ -144,21 +148,76 @@ SearchResultsView::SearchResultsView(AppState &state, QWidget *parent)
                           {new MagnifierPicture(this), styledLabel(u"No matching folders"_s, this, 15, false),
                            styledLabel(u"Try a different search term."_s, this, 13, true)},
                           8);
+    // Above the folders, the fonts whose names match: a line of its own in the list's top margin.
+    m_fontsLink = new QPushButton(m_list);
+    m_fontsLink->setFlat(true);
+    m_fontsLink->setStyleSheet(u"QPushButton { text-align: left; color: palette(link); padding: 2px 8px; }"_s);
+    m_list->setTopLine(m_fontsLink);
+    m_fontsLink->setCursor(Qt::PointingHandCursor);
+    m_fontsLink->hide();
+    connect(m_fontsLink, &QPushButton::clicked, this, [this] { Q_EMIT fontsRequested(m_state.searchQuery()); });
     addWidget(m_progress);
     addWidget(m_list);
     addWidget(m_empty);
+    connect(&state, &AppState::searchQueryChanged, this, &SearchResultsView::countFonts);
     connect(&state, &AppState::isSearchingFoldersChanged, this, &SearchResultsView::refresh);
     connect(&state, &AppState::isIndexingChanged, this, &SearchResultsView::refresh);
     connect(&state, &AppState::searchResultsChanged, this, &SearchResultsView::refresh);
     refresh();
 }
 
+void SearchResultsList::setTopLine(QWidget *line)
+{
+    m_topLine = line;
+    updateTopLine();
+}
+
+void SearchResultsList::updateTopLine()
+{
+    const int height = m_topLine && !m_topLine->isHidden() ? m_topLine->sizeHint().height() + 4 : 0;
+    setViewportMargins(0, height, 0, 0);
+    if (m_topLine)
+        m_topLine->setGeometry(2, 2, std::max(0, width() - 4), std::max(0, height - 4));
+}
+
+void SearchResultsList::resizeEvent(QResizeEvent *event)
+{
+    QListView::resizeEvent(event);
+    updateTopLine();
+}
+
+void SearchResultsView::countFonts()
+{
+    const QString text = m_state.searchQuery().trimmed();
+    const quint64 generation = ++m_countGeneration;
+    if (text.isEmpty()) {
+        m_fontsLink->hide();
+        m_list->updateTopLine();
+        return;
+    }
+    auto *watcher = new QFutureWatcher<qsizetype>(this);
+    connect(watcher, &QFutureWatcherBase::finished, this, [this, watcher, generation, text] {
+        const qsizetype count = watcher->result();
+        watcher->deleteLater();
+        if (generation != m_countGeneration)
+            return; // the field has moved on
+        m_fontsLink->setVisible(count > 0);
+        const QLocale locale;
+        m_fontsLink->setText(count == 1 ? tr("1 font named like “%1”").arg(text)
+                                        : tr("%1 fonts named like “%2”").arg(locale.toString(count), text));
+        m_fontsLink->setAccessibleName(m_fontsLink->text());
+        m_list->updateTopLine();
+        refresh();
+    });
+    watcher->setFuture(m_state.countFonts(FontQuery{.text = text}));
+}
+
 void SearchResultsView::refresh()
 {
     if (m_state.isSearchingFolders() || m_state.isIndexing())
         setCurrentWidget(m_progress);
-    else if (!m_state.searchResults().isEmpty())
-        setCurrentWidget(m_list);
+    else if (!m_state.searchResults().isEmpty() || !m_fontsLink->isHidden())
+        setCurrentWidget(m_list); // folders, or only fonts, named like it
     else
         setCurrentWidget(m_empty);
 }

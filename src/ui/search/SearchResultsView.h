@@ -6,6 +6,7 @@
 
 class AppState;
 class QLabel;
+class QPushButton;
 class SearchResultsModel;
 
 // The hits as a list. A click on a row's button toggles the folder's activation; a
@@ -19,12 +20,17 @@ public:
     SearchResultsList(AppState &state, SearchResultsModel *model, QWidget *parent = nullptr);
     // Opens the hit as a click does (a screen reader's "Press").
     Q_INVOKABLE void chooseRow(const QModelIndex &index) { open(index.row()); }
+    // A line of the view's own above the hits, as wide as the list (hidden: no room).
+    void setTopLine(QWidget *line);
+    void updateTopLine();
 
 protected:
     void keyPressEvent(QKeyEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
 
 private:
     void open(int row);
+    QWidget *m_topLine = nullptr;
 
     AppState &m_state;
     SearchResultsModel *m_model;
@@ -43,13 +49,21 @@ public:
     SearchResultsList *list() const { return m_list; }
     QWidget *progressPage() const { return m_progress; }
     QWidget *emptyPage() const { return m_empty; }
+    // "12 fonts named like “dejavu”": opens All Fonts with that text. Hidden when none are.
+    QPushButton *fontsLink() const { return m_fontsLink; }
+
+Q_SIGNALS:
+    void fontsRequested(const QString &text);
 
 private:
     void refresh();
+    void countFonts();
 
     AppState &m_state;
     SearchResultsModel *m_model;
     SearchResultsList *m_list;
     QWidget *m_progress;
     QWidget *m_empty;
+    QPushButton *m_fontsLink;
+    quint64 m_countGeneration = 0;
 };

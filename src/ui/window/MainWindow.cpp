@@ -2,6 +2,8 @@
 #include "ui/window/MainWindow.h"
 
 #include "ui/fontlist/FontListView.h"
+
+#include <QLineEdit>
 #include "ui/window/MessageArea.h"
 #include "ui/common/WheelGuard.h"
 
@@ -133,6 +135,16 @@ QWidget *MainWindow::buildDetailColumn(QWidget *parent)
     m_unavailable = new UnavailableSourceView(m_detail);
     m_detail->addWidget(m_unavailable);
     m_detail->addWidget(m_results);
+    // "12 fonts named like …": All Fonts, filtered by the same words; the search ends.
+    connect(m_results, &SearchResultsView::fontsRequested, this, [this](const QString &asked) {
+        const QString text = asked; // the search's own words, which choosing All Fonts clears
+        m_state->setSidebarSelection(SidebarItem(LibraryView::of(LibraryView::AllFonts)));
+        showDetail();
+        if (m_fontList) {
+            m_fontList->filterField()->setText(text);
+            m_fontList->setFocus();
+        }
+    });
     m_detail->addWidget(m_browser);
     m_detail->addWidget(m_empty);
     layout->addWidget(m_detail, 1);
