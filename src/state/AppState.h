@@ -230,9 +230,9 @@ public:
     // Runs off the interface thread; a newer query stops an older one, which answers
     // nothing (marked cancelled).
     QCoro::Task<FontQueryAnswer> queryFonts(FontQuery query);
-    // The same question as a future, for views (a view's own coroutine that awaits a
-    // store coroutine and then ends can free the awaited one twice in this QCoro). A
-    // newer question makes this one answer `cancelled`.
+    // The same question as a future, for views: a watcher of it goes with the view, and
+    // the view shows only its newest question's answer. A newer question makes this one
+    // answer `cancelled` when it was still running.
     QFuture<FontQueryAnswer> askFonts(FontQuery query);
     // How many faces answer, asked beside the lists' questions (it cancels none of them).
     QFuture<qsizetype> countFonts(FontQuery query);
