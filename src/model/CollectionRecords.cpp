@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "CollectionRecords.h"
 
+#include <QJsonDocument>
+
 #include "Json.h"
 
 #include <QJsonArray>
@@ -72,6 +74,11 @@ void FontCollection::appendJson(QByteArray &out) const
         Json::appendKey(out, "iconPath");
         Json::appendString(out, *iconPath);
     }
+    if (smartQuery) {
+        out.append(',');
+        Json::appendKey(out, "smartQuery");
+        out.append(QJsonDocument(*smartQuery).toJson(QJsonDocument::Compact));
+    }
     out.append('}');
 }
 
@@ -104,6 +111,11 @@ Expected<FontCollection> FontCollection::fromJson(const QJsonValue &value)
         collection.iconPath = icon.toString();
     else if (!icon.isUndefined() && !icon.isNull())
         return Result::failure(u"key \"iconPath\" must be a string or null but is %1"_s.arg(Json::typeName(icon)));
+    const QJsonValue smart = object.value("smartQuery"_L1);
+    if (smart.isObject())
+        collection.smartQuery = smart.toObject();
+    else if (!smart.isUndefined() && !smart.isNull())
+        return Result::failure(u"key \"smartQuery\" must be an object or null but is %1"_s.arg(Json::typeName(smart)));
     return collection;
 }
 

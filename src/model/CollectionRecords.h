@@ -6,6 +6,7 @@
 #include <QByteArray>
 #include <QCollator>
 #include <QHashFunctions>
+#include <QJsonObject>
 #include <QJsonValue>
 #include <QList>
 #include <QString>
@@ -37,13 +38,17 @@ struct FontCollection
     QString name;
     QList<CollectionMember> members;
     std::optional<QString> iconPath;
+    // A smart collection's question to the font catalogue, as the catalogue writes it;
+    // its members are the files that answer, renewed after each refresh.
+    std::optional<QJsonObject> smartQuery{};
 
     static FontCollection create(const QString &name);
+    bool isSmart() const { return smartQuery.has_value(); }
 
     // Exact path match on the members themselves; does not look inside folder members.
     bool contains(const QString &path) const;
 
-    // "iconPath" is written only when present, never as null.
+    // "iconPath" and "smartQuery" are written only when present, never as null.
     void appendJson(QByteArray &out) const;
     static Expected<FontCollection> fromJson(const QJsonValue &value);
 

@@ -236,6 +236,10 @@ public:
     QFuture<FontQueryAnswer> askFonts(FontQuery query);
     // How many faces answer, asked beside the lists' questions (it cancels none of them).
     QFuture<qsizetype> countFonts(FontQuery query);
+    // A collection whose members are the files that answer the question, renewed when the
+    // catalogue has read a refresh's changes (AppStateSmart.cpp).
+    void createSmartCollection(const QString &name, const FontQuery &query);
+    void renewSmartCollections();
     // The faces the library's own lists hold ("All Fonts", "Active Fonts"); -1 until the
     // catalogue has answered. Counted again shortly after the catalogue or the active
     // fonts change.
@@ -360,6 +364,7 @@ private:
     qsizetype m_activeFaces = -1;
     QTimer *m_countLibrary = nullptr; // gathers bursts of changes into one count
     void countLibrary();
+    QFuture<FontQueryAnswer> answer(FontQuery query, std::shared_ptr<std::atomic_bool> cancelled);
     QString m_catalogueFile = FontCatalog::defaultPath();
     // Set while a batch runs: activation is Morvane's first job, the catalogue waits.
     std::shared_ptr<std::atomic_bool> m_cataloguePaused = std::make_shared<std::atomic_bool>(false);

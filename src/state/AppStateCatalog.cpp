@@ -101,10 +101,13 @@ void AppState::setCatalogueProgress(bool working, qsizetype done, qsizetype tota
 {
     if (m_isCataloguing == working && m_catalogueDone == done && m_catalogueTotal == total)
         return;
+    const bool finished = m_isCataloguing && !working;
     m_isCataloguing = working;
     m_catalogueDone = done;
     m_catalogueTotal = total;
     Q_EMIT catalogueProgressChanged();
+    if (finished)
+        renewSmartCollections(); // the catalogue has read the refresh's changes
 }
 
 void AppState::indexCatalogue()
@@ -232,7 +235,11 @@ QFuture<FontQueryAnswer> AppState::askFonts(FontQuery query)
     ++m_queryGeneration;
     m_queryCancelled->store(true); // the older question stops where it is
     m_queryCancelled = std::make_shared<std::atomic_bool>(false);
-    const std::shared_ptr<std::atomic_bool> cancelled = m_queryCancelled;
+    return answer(std::move(query), m_queryCancelled);
+}
+
+QFuture<FontQueryAnswer> AppState::answer(FontQuery query, std::shared_ptr<std::atomic_bool> cancelled)
+{
     if (!m_catalog)
         m_catalog = std::make_shared<FontCatalog>(m_catalogueFile);
     const std::shared_ptr<FontCatalog> catalog = m_catalog;

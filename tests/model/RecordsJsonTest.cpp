@@ -156,3 +156,26 @@ TEST(FolderSearchResult, IdJoinsSourceAndFolder)
     EXPECT_EQ(first.id, u"6F1C1A52-0D63-4B4A-9C4E-1B2F8E3D42E2:/Fonts/Sans"_s);
     EXPECT_NE(first.id, FolderSearchResult::make(folder, two, {folder}).id);
 }
+
+// A smart collection keeps its question beside its members; written back, a file with it
+// is byte for byte what was read, and one without it reads as a plain collection.
+TEST(FontCollectionJson, ASmartQueryRoundTripsExactly)
+{
+    const QByteArray written =
+        R"({"id":"6F1C1A52-0D63-4B4A-9C4E-1B2F8E3D42E2","name":"Hungarian sans","members":[{"path":"/a.otf","isDirectory":false}],)"
+        R"("smartQuery":{"classifications":[2],"languages":["hu"],"text":"grotesk \"Ő\""}})";
+    const Expected<FontCollection> read = FontCollection::fromJson(parse(written));
+    ASSERT_TRUE(read) << read.error().toStdString();
+    ASSERT_TRUE(read.value().isSmart());
+    EXPECT_EQ(read.value().smartQuery->value("languages"_L1).toArray().at(0).toString(), u"hu"_s);
+    QByteArray again;
+    read.value().appendJson(again);
+    EXPECT_EQ(again, written);
+
+    const Expected<FontCollection> plain = FontCollection::fromJson(
+        parse(R"({"id":"6F1C1A52-0D63-4B4A-9C4E-1B2F8E3D42E2","name":"x","members":[],"smartQuery":null})"));
+    ASSERT_TRUE(plain);
+    EXPECT_FALSE(plain.value().isSmart());
+    EXPECT_FALSE(FontCollection::fromJson(
+        parse(R"({"id":"6F1C1A52-0D63-4B4A-9C4E-1B2F8E3D42E2","name":"x","members":[],"smartQuery":"hu"})")));
+}

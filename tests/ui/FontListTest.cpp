@@ -5,6 +5,7 @@
 #include "TestSupport.h"
 #include "WindowFixture.h"
 
+#include "services/PersistenceService.h"
 #include "state/AppState.h"
 #include "ui/fontlist/FontFilterBar.h"
 #include "ui/fontlist/FontListModel.h"
@@ -12,6 +13,7 @@
 #include "ui/fontlist/FontSampleCache.h"
 #include "ui/search/SearchResultsView.h"
 #include "ui/sidebar/LibraryList.h"
+#include "ui/sidebar/SidebarModel.h"
 #include "ui/window/ToolbarInputField.h"
 #include "ui/sidebar/SidebarView.h"
 #include "ui/window/MainWindow.h"
@@ -313,4 +315,61 @@ TEST_F(FontList, TheFolderSearchOffersTheFontsNamedLikeIt)
     QTest::keyClicks(window->searchField().lineEdit(), u"Odd"_s);
     ASSERT_TRUE(QTest::qWaitFor([&] { return store().isSearching() && !store().isSearchingFolders(); }, 5000));
     EXPECT_TRUE(QTest::qWaitFor([&] { return results.fontsLink()->isHidden(); }, 2000));
+}
+
+// "Save as Smart Collection…" keeps the list's question as a collection: its members are
+// the files that answer, it gains a font that comes to answer after a refresh, it
+// activates as a whole, and it is written with its question.
+TEST_F(FontList, ASmartCollectionKeepsTheQuestionAndFollowsTheLibrary)
+{
+    choose(LibraryView::AllFonts);
+    ASSERT_EQ(families().size(), 3);
+    list()->filterField()->setText(u"dejavu sans"_s);
+    list()->filterBar()->button(u"Monospaced"_s)->click();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return families() == QStringList{u"DejaVu Sans Mono"_s}; }));
+    list()->setNameChooser([] { return u"Code"_s; });
+    list()->saveSmartButton()->click();
+    const auto code = [&]() -> std::optional<FontCollection> {
+        for (const FontCollection &collection : store().collections()) {
+            if (collection.name == u"Code"_s)
+                return collection;
+        }
+        return std::nullopt;
+    };
+    ASSERT_TRUE(code() && code()->isSmart());
+    const auto members = [&] {
+        QStringList paths;
+        const std::optional<FontCollection> found = code(); // kept while its members are read
+        for (const CollectionMember &member : found ? found->members : QList<CollectionMember>())
+            paths.append(member.path);
+        return paths;
+    };
+    ASSERT_TRUE(QTest::qWaitFor([&] { return members() == QStringList{library + u"/DejaVu/DejaVuSansMono.ttf"_s}; }))
+        << members().join(u", "_s).toStdString();
+    EXPECT_TRUE(window->sidebar().sidebarModel()->index(window->sidebar().sidebarModel()->rowOf(SidebarItem(*code())))
+                    .data(SidebarModel::SmartRole)
+                    .toBool());
+
+    // A matching font copied in: the next refresh's catalogue brings it into the collection.
+    ASSERT_TRUE(QFile::copy(u"/usr/share/fonts/truetype/dejavu/DejaVuSansMono-Bold.ttf"_s,
+                            library + u"/DejaVu/DejaVuSansMono-Bold.ttf"_s));
+    store().refreshFileSystem();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return members().size() == 2; }, 30'000)) << members().join(u", "_s).toStdString();
+
+    // Activated as a whole, like any collection.
+    store().toggleCollectionActivation(*code());
+    ASSERT_TRUE(QTest::qWaitFor([&] { return store().activatedFonts().size() == 2 && !store().isProcessing(); }));
+
+    // Written with its question, read back the same.
+    const QList<FontCollection> saved = [&] {
+        EXPECT_TRUE(QTest::qWaitFor([&] {
+            const QList<FontCollection> onDisk = PersistenceService().loadCollections();
+            return std::any_of(onDisk.cbegin(), onDisk.cend(), [&](const FontCollection &c) { return c == *code(); });
+        }));
+        return PersistenceService().loadCollections();
+    }();
+    const auto kept = std::find_if(saved.cbegin(), saved.cend(), [](const FontCollection &c) { return c.name == u"Code"_s; });
+    ASSERT_NE(kept, saved.cend());
+    EXPECT_EQ(kept->smartQuery->value("monospaced"_L1).toBool(), true);
+    EXPECT_EQ(kept->smartQuery->value("text"_L1).toString(), u"dejavu sans"_s);
 }

@@ -119,7 +119,7 @@ void CollectionView::syncHeader()
     painter.setRenderHint(QPainter::Antialiasing);
     const std::optional<QImage> custom = collection.iconPath ? m_state.collectionIcon(*collection.iconPath) : std::nullopt;
     SidebarDelegate::drawCollectionIcon(painter, QRectF(4, 4, 56, 56), custom.value_or(QImage()),
-                                   SidebarModel::isFavorites(collection.name), palette());
+                                   SidebarModel::isFavorites(collection.name), palette(), collection.isSmart());
     painter.end();
     icon.setDevicePixelRatio(2);
     m_icon->setPixmap(icon);

@@ -13,6 +13,7 @@
 #include <QHBoxLayout>
 #include <QContextMenuEvent>
 #include <QFutureWatcher>
+#include <QInputDialog>
 #include <QKeyEvent>
 #include <QMenu>
 #include <QLabel>
@@ -91,6 +92,7 @@ FontListView::FontListView(AppState &state, QWidget *parent)
     , m_bar(new FontFilterBar(state, this))
     , m_size(new QSlider(Qt::Horizontal, this))
     , m_names(new QToolButton(this))
+    , m_saveSmart(new QToolButton(this))
     , m_tree(new FontListTree(state, this))
     , m_model(new FontListModel(state, this))
     , m_samples(new FontSampleCache(this))
@@ -112,12 +114,25 @@ FontListView::FontListView(AppState &state, QWidget *parent)
     m_names->setToolTip(tr("Show each font's name"));
     m_names->setCheckable(true);
     m_names->setAutoRaise(true);
+    m_saveSmart->setText(tr("Save as Smart Collection…"));
+    m_saveSmart->setAccessibleName(tr("Save as Smart Collection…"));
+    m_saveSmart->setAutoRaise(true);
+    m_chooseName = [this] {
+        return QInputDialog::getText(this, tr("Save as Smart Collection"), tr("Name:"), QLineEdit::Normal,
+                                     tr("Smart Collection"));
+    };
+    connect(m_saveSmart, &QToolButton::clicked, this, [this] {
+        const QString name = m_chooseName().trimmed();
+        if (!name.isEmpty())
+            m_state.createSmartCollection(name, currentQuery());
+    });
     auto *bar = new QHBoxLayout;
     bar->setContentsMargins(8, 6, 8, 6);
     bar->addWidget(m_filter, 1);
     bar->addWidget(m_names);
     bar->addWidget(m_size);
     bar->addWidget(m_count);
+    bar->addWidget(m_saveSmart);
     m_tree->setModel(m_model);
     m_tree->setItemDelegate(m_delegate);
     m_tree->setHeaderHidden(true);
@@ -161,6 +176,13 @@ FontListView::FontListView(AppState &state, QWidget *parent)
     ask();
 }
 
+FontQuery FontListView::currentQuery() const
+{
+    FontQuery query = queryFor(m_filter->text(), m_kind);
+    m_bar->apply(query);
+    return query;
+}
+
 QString FontListView::sampleText() const
 {
     if (m_names->isChecked())
@@ -194,8 +216,7 @@ void FontListView::ask()
 {
     m_askSoon->stop();
     m_querying = true;
-    FontQuery query = queryFor(m_filter->text(), m_kind);
-    m_bar->apply(query);
+    const FontQuery query = currentQuery();
     // Only the newest question's answer is shown: an older watcher goes with its answer.
     delete m_asking;
     m_asking = new QFutureWatcher<FontQueryAnswer>(this);

@@ -8,6 +8,8 @@
 #include <QTreeView>
 #include <QWidget>
 
+#include <functional>
+
 class AppState;
 class FontFilterBar;
 class FontListDelegate;
@@ -60,6 +62,11 @@ public:
     FontFilterBar *filterBar() const { return m_bar; }
     QSlider *sizeSlider() const { return m_size; }
     QToolButton *namesButton() const { return m_names; }
+    QToolButton *saveSmartButton() const { return m_saveSmart; }
+    // Tests answer the name question themselves (empty: cancelled).
+    void setNameChooser(std::function<QString()> chooser) { m_chooseName = std::move(chooser); }
+    // The question the field and the bar ask together.
+    FontQuery currentQuery() const;
     // What the rows draw now: empty for each font's own name.
     QString sampleText() const;
     QLabel *countLabel() const { return m_count; }
@@ -85,6 +92,8 @@ private:
     FontFilterBar *m_bar;
     QSlider *m_size;
     QToolButton *m_names;
+    QToolButton *m_saveSmart;
+    std::function<QString()> m_chooseName;
     FontListTree *m_tree;
     FontListModel *m_model;
     FontSampleCache *m_samples;

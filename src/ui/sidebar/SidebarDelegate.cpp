@@ -138,17 +138,39 @@ void SidebarDelegate::paintIcon(QPainter *painter, const QRectF &box, const QMod
         return;
     }
     drawCollectionIcon(*painter, box, index.data(SidebarModel::IconRole).value<QImage>(),
-                       index.data(SidebarModel::FavoritesRole).toBool(), palette);
+                       index.data(SidebarModel::FavoritesRole).toBool(), palette, index.data(SidebarModel::SmartRole).toBool());
+}
+
+void SidebarDelegate::drawFunnel(QPainter &painter, const QRectF &box, const QColor &colour)
+{
+    // A wide rim narrowing to a short stem: the filter a smart collection keeps.
+    const QRectF r = box.adjusted(box.width() * 0.08, box.height() * 0.12, -box.width() * 0.08, -box.height() * 0.08);
+    QPainterPath funnel;
+    funnel.moveTo(r.left(), r.top());
+    funnel.lineTo(r.right(), r.top());
+    funnel.lineTo(r.center().x() + r.width() * 0.1, r.top() + r.height() * 0.55);
+    funnel.lineTo(r.center().x() + r.width() * 0.1, r.bottom());
+    funnel.lineTo(r.center().x() - r.width() * 0.1, r.bottom() - r.height() * 0.12);
+    funnel.lineTo(r.center().x() - r.width() * 0.1, r.top() + r.height() * 0.55);
+    funnel.closeSubpath();
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(colour);
+    painter.drawPath(funnel);
+    painter.restore();
 }
 
 void SidebarDelegate::drawCollectionIcon(QPainter &painter, const QRectF &box, const QImage &custom, bool favorites,
-                                    const QPalette &palette)
+                                    const QPalette &palette, bool smart)
 {
     if (!custom.isNull()) {
         painter.save();
         painter.setRenderHint(QPainter::SmoothPixmapTransform);
         painter.drawImage(box, forAppearance(custom, palette)); // stretched to the box
         painter.restore();
+    } else if (smart) {
+        drawFunnel(painter, box, Symbols::purple(palette));
     } else if (favorites) {
         Symbols::drawStar(painter, box.adjusted(1, 1, -1, -1), Symbols::amber());
     } else {

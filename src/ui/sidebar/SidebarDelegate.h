@@ -22,9 +22,10 @@ public:
     };
     static Layout layout(const QRect &row, int kind, Qt::LayoutDirection direction = Qt::LeftToRight);
     // A collection's icon: its custom image stretched to the box, the amber star for
-    // Favorites, or the purple stack.
+    // Favorites, the funnel for a smart collection, or the purple stack.
     static void drawCollectionIcon(QPainter &painter, const QRectF &box, const QImage &custom, bool favorites,
-                                   const QPalette &palette);
+                                   const QPalette &palette, bool smart = false);
+    static void drawFunnel(QPainter &painter, const QRectF &box, const QColor &colour);
     static constexpr int kCollectionsHeaderGap = 15;
 
     using QStyledItemDelegate::QStyledItemDelegate;

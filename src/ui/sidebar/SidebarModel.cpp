@@ -185,6 +185,8 @@ QVariant SidebarModel::data(const QModelIndex &index, int role) const
             return false;
         return isFavorites(m_collections.value(row - firstCollectionRow()).name);
     }
+    case SmartRole:
+        return rowKind == Kind::Collection && m_collections.value(row - firstCollectionRow()).isSmart();
     default: return {};
     }
 }

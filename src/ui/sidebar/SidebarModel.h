@@ -26,6 +26,7 @@ public:
         ActivationRole, // ActivationState as int
         IconRole,       // a collection's custom icon (QImage), when it loads
         FavoritesRole,  // a collection named Favorites, in any letter case
+        SmartRole,      // a smart collection (its members a catalogue question's answer)
     };
 
     explicit SidebarModel(AppState &state, QObject *parent = nullptr);
