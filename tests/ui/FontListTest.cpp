@@ -13,6 +13,7 @@
 #include "ui/fontlist/FontSampleCache.h"
 #include "ui/search/SearchResultsView.h"
 #include "ui/sidebar/LibraryList.h"
+#include "ui/sidebar/SidebarList.h"
 #include "ui/sidebar/SidebarModel.h"
 #include "ui/window/ToolbarInputField.h"
 #include "ui/sidebar/SidebarView.h"
@@ -24,6 +25,8 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
+#include <QMimeData>
+#include <QDropEvent>
 #include <QPushButton>
 #include <QSlider>
 #include <QToolButton>
@@ -372,4 +375,34 @@ TEST_F(FontList, ASmartCollectionKeepsTheQuestionAndFollowsTheLibrary)
     ASSERT_NE(kept, saved.cend());
     EXPECT_EQ(kept->smartQuery->value("monospaced"_L1).toBool(), true);
     EXPECT_EQ(kept->smartQuery->value("text"_L1).toString(), u"dejavu sans"_s);
+}
+
+// A family dragged onto a collection adds its files, as files from a file manager do.
+TEST_F(FontList, AFamilyDroppedOnACollectionAddsItsFiles)
+{
+    choose(LibraryView::AllFonts);
+    ASSERT_EQ(families().value(0), u"DejaVu Sans"_s);
+    store().createCollection(u"Picked"_s);
+    const QUuid picked = store().collections().constFirst().id;
+    choose(LibraryView::AllFonts); // creating chose the collection; back to the list
+    ASSERT_EQ(families().value(0), u"DejaVu Sans"_s);
+    std::unique_ptr<QMimeData> data(list()->model()->mimeData({list()->model()->index(0, 0)}));
+    ASSERT_TRUE(data->hasUrls());
+    EXPECT_EQ(data->urls().size(), 3) << "DejaVu Sans, its bold and the impostor";
+
+    SidebarList *collections = window->sidebar().collectionsList();
+    const int row = window->sidebar().sidebarModel()->rowOf(SidebarItem(store().collections().constFirst()));
+    const QPoint at = collections->visualRect(collections->indexForRow(row)).center();
+    QDragEnterEvent enter(at, Qt::CopyAction, data.get(), Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(collections->viewport(), &enter);
+    QDragMoveEvent move(at, Qt::CopyAction, data.get(), Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(collections->viewport(), &move);
+    ASSERT_TRUE(move.isAccepted());
+    QDropEvent drop(at, Qt::CopyAction, data.get(), Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(collections->viewport(), &drop);
+    const auto collection = std::find_if(store().collections().cbegin(), store().collections().cend(),
+                                         [&](const FontCollection &c) { return c.id == picked; });
+    ASSERT_NE(collection, store().collections().cend());
+    EXPECT_EQ(collection->members.size(), 3);
+    EXPECT_TRUE(QFile::exists(library + u"/Odd/Impostor.ttf"_s)) << "a drop never moves a file";
 }

@@ -2,6 +2,7 @@
 #include "ui/fontlist/FontListModel.h"
 
 #include "state/AppState.h"
+#include "ui/common/Drops.h"
 #include "ui/common/RowButton.h"
 
 #include <QCoreApplication>
@@ -188,5 +189,31 @@ QVariant FontListModel::data(const QModelIndex &index, int role) const
 
 Qt::ItemFlags FontListModel::flags(const QModelIndex &index) const
 {
-    return index.isValid() ? Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsUserCheckable : Qt::NoItemFlags;
+    return index.isValid() ? Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsUserCheckable | Qt::ItemIsDragEnabled
+                           : Qt::NoItemFlags;
+}
+
+QStringList FontListModel::mimeTypes() const
+{
+    return {u"text/uri-list"_s, u"text/plain"_s};
+}
+
+QMimeData *FontListModel::mimeData(const QModelIndexList &indexes) const
+{
+    QStringList paths;
+    QSet<QString> seen;
+    for (const QModelIndex &index : indexes) {
+        for (const QString &path : pathsOf(index)) {
+            if (!seen.contains(path)) {
+                seen.insert(path);
+                paths.append(path);
+            }
+        }
+    }
+    return Drops::filesData(paths);
+}
+
+Qt::DropActions FontListModel::supportedDragActions() const
+{
+    return Qt::CopyAction | Qt::LinkAction;
 }

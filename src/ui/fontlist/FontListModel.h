@@ -36,6 +36,10 @@ public:
     int columnCount(const QModelIndex &parent = {}) const override;
     QVariant data(const QModelIndex &index, int role) const override;
     Qt::ItemFlags flags(const QModelIndex &index) const override;
+    // Rows drag out as their files (a family: all of them), to a file manager or a collection.
+    QStringList mimeTypes() const override;
+    QMimeData *mimeData(const QModelIndexList &indexes) const override;
+    Qt::DropActions supportedDragActions() const override;
 
     // The files a row stands for: a face's one, a family's every one.
     QStringList pathsOf(const QModelIndex &index) const;

@@ -140,6 +140,9 @@ FontListView::FontListView(AppState &state, QWidget *parent)
     m_tree->setAccessibleName(tr("Fonts"));
     m_tree->setSelectionMode(QAbstractItemView::ExtendedSelection);
     m_tree->setMouseTracking(true);
+    m_tree->setDragEnabled(true);
+    m_tree->setDragDropMode(QAbstractItemView::DragOnly);
+    m_tree->setDefaultDropAction(Qt::CopyAction);
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
