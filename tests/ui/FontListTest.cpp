@@ -7,6 +7,7 @@
 
 #include "services/PersistenceService.h"
 #include "state/AppState.h"
+#include "ui/fontlist/CompareView.h"
 #include "ui/fontlist/FontFilterBar.h"
 #include "ui/fontlist/FontListModel.h"
 #include "ui/fontlist/FontListView.h"
@@ -405,4 +406,56 @@ TEST_F(FontList, AFamilyDroppedOnACollectionAddsItsFiles)
     ASSERT_NE(collection, store().collections().cend());
     EXPECT_EQ(collection->members.size(), 3);
     EXPECT_TRUE(QFile::exists(library + u"/Odd/Impostor.ttf"_s)) << "a drop never moves a file";
+}
+
+// Chosen with Ctrl-clicks, three faces are compared one under another; two can be laid
+// over each other; Escape returns to the list.
+TEST_F(FontList, CompareShowsTheChosenFacesAndOverlaysTwo)
+{
+    choose(LibraryView::AllFonts);
+    ASSERT_EQ(families().size(), 3);
+    FontListTree *tree = list()->tree();
+    EXPECT_FALSE(list()->compareButton()->isEnabled());
+    for (int row = 0; row < 3; ++row)
+        QTest::mouseClick(tree->viewport(), Qt::LeftButton, row ? Qt::ControlModifier : Qt::NoModifier,
+                          tree->visualRect(list()->model()->index(row, 0)).center() + QPoint(150, 0));
+    ASSERT_EQ(tree->selectionModel()->selectedRows().size(), 3);
+    ASSERT_TRUE(list()->compareButton()->isEnabled());
+    QTest::mouseClick(list()->compareButton(), Qt::LeftButton);
+    ASSERT_TRUE(list()->isComparing());
+    CompareView *compare = list()->compareView();
+    QStringList labels;
+    for (const CompareView::Face &face : compare->faces())
+        labels.append(face.label);
+    EXPECT_EQ(labels, (QStringList{u"DejaVu Sans"_s, u"DejaVu Sans Mono"_s, u"DejaVu Serif"_s}));
+    EXPECT_FALSE(compare->overlayButton()->isEnabled()) << "overlay is for two";
+    // Each face's sample, drawn from its file, one under another.
+    ASSERT_TRUE(QTest::qWaitFor([&] {
+        compare->canvas()->repaint();
+        return !list()->samples()->isDrawing();
+    }));
+    const QImage three = compare->canvas()->grab().toImage();
+    const int rowHeight = compare->canvas()->sizeHint().height() / 3;
+    const auto inked = [](const QImage &image, int top, int height) {
+        const QColor background = image.pixelColor(image.width() - 2, top + 2);
+        int count = 0;
+        for (int y = top; y < std::min(image.height(), top + height); ++y) {
+            for (int x = 0; x < image.width(); x += 2)
+                count += image.pixelColor(x, y) != background ? 1 : 0;
+        }
+        return count;
+    };
+    for (int row = 0; row < 3; ++row)
+        EXPECT_GT(inked(three, row * rowHeight, rowHeight), 200) << "face " << row << " drawn";
+
+    QTest::keyClick(compare, Qt::Key_Escape);
+    EXPECT_FALSE(list()->isComparing());
+
+    // Two: one row, the two drawn over each other.
+    tree->selectionModel()->select(list()->model()->index(2, 0), QItemSelectionModel::Deselect | QItemSelectionModel::Rows);
+    list()->compareSelected();
+    ASSERT_TRUE(compare->overlayButton()->isEnabled());
+    const int twoRows = compare->canvas()->sizeHint().height();
+    compare->overlayButton()->click();
+    EXPECT_LT(compare->canvas()->sizeHint().height(), twoRows * 2 / 3) << "one row for both";
 }

@@ -3,6 +3,7 @@
 
 #include "fonts/LanguageSamples.h"
 #include "state/AppState.h"
+#include "ui/fontlist/CompareView.h"
 #include "ui/fontlist/FontFilterBar.h"
 #include "ui/common/ContextMenus.h"
 #include "ui/common/TextStyles.h"
@@ -21,6 +22,7 @@
 #include <QLocale>
 #include <QPointer>
 #include <QSlider>
+#include <QStackedWidget>
 #include <QToolButton>
 #include <QTimer>
 #include <QVBoxLayout>
@@ -45,6 +47,11 @@ void FontListTree::contextMenuEvent(QContextMenuEvent *event)
     if (path.isEmpty())
         return;
     QMenu *menu = ContextMenus::buildNodeMenu(m_state, FontNode::fontFile(path), this);
+    const qsizetype chosen = selectionModel()->selectedRows().size();
+    if (chosen >= 2 && chosen <= CompareView::kMostFaces) {
+        menu->addSeparator();
+        connect(menu->addAction(tr("&Compare")), &QAction::triggered, this, &FontListTree::compareRequested);
+    }
     connect(menu, &QMenu::aboutToHide, menu, &QObject::deleteLater); // a chosen action has run by then
     menu->popup(at);
     event->accept();
@@ -114,6 +121,12 @@ FontListView::FontListView(AppState &state, QWidget *parent)
     m_names->setToolTip(tr("Show each font's name"));
     m_names->setCheckable(true);
     m_names->setAutoRaise(true);
+    m_compareButton = new QToolButton(this);
+    m_compareButton->setText(tr("Compare"));
+    m_compareButton->setAccessibleName(tr("Compare"));
+    m_compareButton->setToolTip(tr("Compare two to twelve chosen fonts"));
+    m_compareButton->setAutoRaise(true);
+    m_compareButton->setEnabled(false);
     m_saveSmart->setText(tr("Save as Smart Collection…"));
     m_saveSmart->setAccessibleName(tr("Save as Smart Collection…"));
     m_saveSmart->setAutoRaise(true);
@@ -132,6 +145,7 @@ FontListView::FontListView(AppState &state, QWidget *parent)
     bar->addWidget(m_names);
     bar->addWidget(m_size);
     bar->addWidget(m_count);
+    bar->addWidget(m_compareButton);
     bar->addWidget(m_saveSmart);
     m_tree->setModel(m_model);
     m_tree->setItemDelegate(m_delegate);
@@ -143,13 +157,32 @@ FontListView::FontListView(AppState &state, QWidget *parent)
     m_tree->setDragEnabled(true);
     m_tree->setDragDropMode(QAbstractItemView::DragOnly);
     m_tree->setDefaultDropAction(Qt::CopyAction);
-    auto *layout = new QVBoxLayout(this);
+    // The list, and compare in its place while faces are compared.
+    auto *listPage = new QWidget(this);
+    auto *layout = new QVBoxLayout(listPage);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
     layout->addLayout(bar);
     layout->addWidget(m_bar);
     layout->addWidget(m_tree, 1);
+    m_compare = new CompareView(state, *m_samples, this);
+    m_pages = new QStackedWidget(this);
+    m_pages->addWidget(listPage);
+    m_pages->addWidget(m_compare);
+    auto *outer = new QVBoxLayout(this);
+    outer->setContentsMargins(0, 0, 0, 0);
+    outer->addWidget(m_pages);
     setFocusProxy(m_tree);
+    connect(m_compareButton, &QToolButton::clicked, this, &FontListView::compareSelected);
+    connect(m_tree, &FontListTree::compareRequested, this, &FontListView::compareSelected);
+    connect(m_compare, &CompareView::closeRequested, this, [this] {
+        m_pages->setCurrentIndex(0);
+        m_tree->setFocus();
+    });
+    connect(m_tree->selectionModel(), &QItemSelectionModel::selectionChanged, this, [this] {
+        const qsizetype chosen = m_tree->selectionModel()->selectedRows().size();
+        m_compareButton->setEnabled(chosen >= 2 && chosen <= CompareView::kMostFaces);
+    });
 
     m_askSoon->setSingleShot(true);
     m_askSoon->setInterval(120);
@@ -205,6 +238,27 @@ void FontListView::updateSample()
     m_delegate->setSample(sampleText(), pixels);
     m_tree->doItemsLayout(); // rows take the new size
     m_tree->viewport()->update();
+}
+
+bool FontListView::isComparing() const
+{
+    return m_pages->currentWidget() == m_compare;
+}
+
+void FontListView::compareSelected()
+{
+    QList<CompareView::Face> faces;
+    for (const QModelIndex &index : m_tree->selectionModel()->selectedRows()) {
+        const QModelIndex family = index.parent().isValid() ? index.parent() : index;
+        faces.append({index.data(FontListModel::PathRole).toString(), index.data(FontListModel::FaceIndexRole).toInt(),
+                      index.parent().isValid() ? family.data().toString() + u' ' + index.data().toString()
+                                               : family.data().toString()});
+    }
+    if (faces.size() < 2 || faces.size() > CompareView::kMostFaces)
+        return;
+    m_compare->setFaces(faces);
+    m_pages->setCurrentWidget(m_compare);
+    m_compare->setFocus();
 }
 
 void FontListView::setLibraryView(LibraryView::Kind kind)

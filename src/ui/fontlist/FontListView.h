@@ -11,6 +11,7 @@
 #include <functional>
 
 class AppState;
+class CompareView;
 class FontFilterBar;
 class FontListDelegate;
 class FontListModel;
@@ -18,6 +19,7 @@ class FontSampleCache;
 class QLabel;
 class QLineEdit;
 class QSlider;
+class QStackedWidget;
 class QTimer;
 class QToolButton;
 
@@ -33,6 +35,7 @@ public:
 Q_SIGNALS:
     void toggleRequested(const QModelIndex &index);
     void openRequested(const QModelIndex &index);
+    void compareRequested();
 
 protected:
     void keyPressEvent(QKeyEvent *event) override;
@@ -63,6 +66,11 @@ public:
     QSlider *sizeSlider() const { return m_size; }
     QToolButton *namesButton() const { return m_names; }
     QToolButton *saveSmartButton() const { return m_saveSmart; }
+    QToolButton *compareButton() const { return m_compareButton; }
+    CompareView *compareView() const { return m_compare; }
+    bool isComparing() const;
+    // The chosen rows (two to twelve) side by side; a family stands for its regular face.
+    void compareSelected();
     // Tests answer the name question themselves (empty: cancelled).
     void setNameChooser(std::function<QString()> chooser) { m_chooseName = std::move(chooser); }
     // The question the field and the bar ask together.
@@ -93,6 +101,9 @@ private:
     QSlider *m_size;
     QToolButton *m_names;
     QToolButton *m_saveSmart;
+    QToolButton *m_compareButton = nullptr;
+    CompareView *m_compare = nullptr;
+    QStackedWidget *m_pages = nullptr;
     std::function<QString()> m_chooseName;
     FontListTree *m_tree;
     FontListModel *m_model;

@@ -58,8 +58,10 @@ QImage FontSampleCache::draw(const QString &path, const QString &text, int pixel
     image.fill(Qt::transparent);
     QPainter painter(&image);
     painter.setRenderHint(QPainter::Antialiasing);
-    renderer->paint(painter, line, QPointF(1, 1 + renderer->ascent() * scale), pixelSize, colour);
+    const double baseline = 1 + renderer->ascent() * scale;
+    renderer->paint(painter, line, QPointF(1, baseline), pixelSize, colour);
     painter.end();
+    image.setText(u"baseline"_s, QString::number(baseline)); // where samples of several faces line up
     return image;
 }
 
