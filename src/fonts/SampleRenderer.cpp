@@ -118,20 +118,22 @@ QImage imageOf(const FT_Bitmap &bitmap)
 
 const QPainterPath kNoOutline;
 
-std::unique_ptr<SampleRenderer> SampleRenderer::open(std::shared_ptr<const MappedFile> file)
+std::unique_ptr<SampleRenderer> SampleRenderer::open(std::shared_ptr<const MappedFile> file, int faceIndex)
 {
     if (!file || file->size() > UINT_MAX || !file->isUnchanged())
         return nullptr;
     // The blob borrows the mapping, which the renderer keeps for as long as it lives.
     hb_blob_t *blob = hb_blob_create(reinterpret_cast<const char *>(file->data()),
                                      static_cast<unsigned>(file->size()), HB_MEMORY_MODE_READONLY, nullptr, nullptr);
-    hb_face_t *face = hb_face_create(blob, 0);
+    hb_face_t *face = hb_face_create(blob, static_cast<unsigned>(std::max(0, faceIndex)));
     hb_blob_destroy(blob);
     if (hb_face_get_glyph_count(face) == 0) {
         hb_face_destroy(face);
         return nullptr;
     }
-    return std::unique_ptr<SampleRenderer>(new SampleRenderer(std::move(file), face, hb_font_create(face)));
+    auto renderer = std::unique_ptr<SampleRenderer>(new SampleRenderer(std::move(file), face, hb_font_create(face)));
+    renderer->m_faceIndex = std::max(0, faceIndex);
+    return renderer;
 }
 
 SampleRenderer::SampleRenderer(std::shared_ptr<const MappedFile> file, hb_face_t *face, hb_font_t *font)
@@ -432,7 +434,8 @@ bool SampleRenderer::openFreeType()
     if (m_ftTried)
         return m_ftFace;
     m_ftTried = true;
-    if (FT_New_Memory_Face(FreeType::threadLibrary(), m_file->data(), static_cast<FT_Long>(m_file->size()), 0, &m_ftFace)
+    if (FT_New_Memory_Face(FreeType::threadLibrary(), m_file->data(), static_cast<FT_Long>(m_file->size()), m_faceIndex,
+                           &m_ftFace)
         != 0) {
         m_ftFace = nullptr;
         return false;

@@ -53,8 +53,9 @@ struct ShapedLine
 class SampleRenderer
 {
 public:
-    // Empty when the bytes are not a font HarfBuzz can read (or have no glyphs).
-    static std::unique_ptr<SampleRenderer> open(std::shared_ptr<const MappedFile> file);
+    // Empty when the bytes are not a font HarfBuzz can read (or have no glyphs). A
+    // collection file (.ttc) draws the face of that index.
+    static std::unique_ptr<SampleRenderer> open(std::shared_ptr<const MappedFile> file, int faceIndex = 0);
     ~SampleRenderer();
     SampleRenderer(const SampleRenderer &) = delete;
     SampleRenderer &operator=(const SampleRenderer &) = delete;
@@ -125,6 +126,7 @@ private:
     hb_font_t *m_font;
     FT_FaceRec_ *m_ftFace = nullptr; // opened for the first bitmap glyph
     bool m_ftTried = false;
+    int m_faceIndex = 0;
     mutable bool m_fileChanged = false;
     double m_unitsPerEm = 1000;
     double m_ascent = 0;

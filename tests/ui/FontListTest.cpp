@@ -167,12 +167,16 @@ TEST_F(FontList, KeysOpenCloseAndToggleAndActiveFontsHoldsTheActive)
 // cache says it can't.
 TEST_F(FontList, SamplesAreDrawnFromTheExactFile)
 {
-    const QImage real = FontSampleCache::draw(library + u"/DejaVu/DejaVuSans.ttf"_s, u"Handgloves"_s, 32, Qt::black);
-    const QImage impostor = FontSampleCache::draw(library + u"/Odd/Impostor.ttf"_s, u"Handgloves"_s, 32, Qt::black);
+    const QImage real = FontSampleCache::draw(library + u"/DejaVu/DejaVuSans.ttf"_s, 0, u"Handgloves"_s, 32, Qt::black);
+    const QImage impostor = FontSampleCache::draw(library + u"/Odd/Impostor.ttf"_s, 0, u"Handgloves"_s, 32, Qt::black);
     ASSERT_FALSE(real.isNull());
     ASSERT_FALSE(impostor.isNull());
     EXPECT_NE(real, impostor);
     EXPECT_NE(real.size(), impostor.size()) << "boxes are not letters";
+    // A collection file draws the face asked for, and nothing for a face it hasn't.
+    const QString pair = QStringLiteral(MORVANE_TEST_FONTS "/Pair.ttc");
+    EXPECT_FALSE(FontSampleCache::draw(pair, 1, u"AB"_s, 32, Qt::black).isNull());
+    EXPECT_TRUE(FontSampleCache::draw(pair, 2, u"AB"_s, 32, Qt::black).isNull());
 
     FontSampleCache cache;
     const QString garbage = QStringLiteral(MORVANE_TEST_FONTS "/Garbage.otf");

@@ -39,10 +39,10 @@ FontSampleCache::~FontSampleCache()
     m_pool.waitForDone();
 }
 
-QImage FontSampleCache::draw(const QString &path, const QString &text, int pixelSize, const QColor &colour)
+QImage FontSampleCache::draw(const QString &path, int faceIndex, const QString &text, int pixelSize, const QColor &colour)
 {
     const std::shared_ptr<const MappedFile> file = MappedFile::open(path);
-    const std::unique_ptr<SampleRenderer> renderer = file ? SampleRenderer::open(file) : nullptr;
+    const std::unique_ptr<SampleRenderer> renderer = file ? SampleRenderer::open(file, faceIndex) : nullptr;
     if (!renderer || text.isEmpty())
         return {};
     const QList<ShapedLine> lines = renderer->layout(text);
@@ -77,8 +77,8 @@ FontSampleCache::Sample FontSampleCache::sample(const QString &path, int faceInd
         m_drawing.insert(key);
         // The pool is drained before the cache goes, and an answer posted to a cache that
         // has gone is dropped with it.
-        m_pool.start([this, key, path, text, pixelSize, colour] {
-            QImage image = draw(path, text, pixelSize, colour);
+        m_pool.start([this, key, path, faceIndex, text, pixelSize, colour] {
+            QImage image = draw(path, faceIndex, text, pixelSize, colour);
             QMetaObject::invokeMethod(
                 this, [this, key, path, image = std::move(image)] { finished(key, path, image); }, Qt::QueuedConnection);
         });

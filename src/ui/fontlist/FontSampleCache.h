@@ -33,7 +33,7 @@ public:
     // Draws one line of the text with the face, its baseline at the ascent (the image's
     // text "baseline" says where, in pixels); null when the file is not a font that can be
     // drawn or maps none of the text.
-    static QImage draw(const QString &path, const QString &text, int pixelSize, const QColor &colour);
+    static QImage draw(const QString &path, int faceIndex, const QString &text, int pixelSize, const QColor &colour);
 
 Q_SIGNALS:
     void sampleReady(const QString &path);
