@@ -21,7 +21,9 @@
 #include <QLineEdit>
 #include <QLocale>
 #include <QPointer>
+#include <QProxyStyle>
 #include <QSlider>
+#include <QStyleOption>
 #include <QStackedWidget>
 #include <QToolButton>
 #include <QTimer>
@@ -29,10 +31,43 @@
 
 using namespace Qt::StringLiterals;
 
+namespace {
+
+// The row's own rounded background shows the selection: the tree paints none beside it.
+class NoDecorationSelection : public QProxyStyle
+{
+public:
+    using QProxyStyle::QProxyStyle;
+    int styleHint(StyleHint hint, const QStyleOption *option, const QWidget *widget, QStyleHintReturn *data) const override
+    {
+        if (hint == SH_ItemView_ShowDecorationSelected)
+            return 0;
+        return QProxyStyle::styleHint(hint, option, widget, data);
+    }
+};
+
+} // namespace
+
 FontListTree::FontListTree(AppState &state, QWidget *parent)
     : QTreeView(parent)
     , m_state(state)
 {
+    auto *style = new NoDecorationSelection;
+    style->setParent(this); // the tree's to keep
+    setStyle(style);
+}
+
+void FontListTree::drawBranches(QPainter *painter, const QRect &rect, const QModelIndex &index) const
+{
+    QStyleOption option;
+    option.initFrom(this);
+    option.rect = QRect(rect.right() - indentation() + 1, rect.top(), indentation(), rect.height());
+    option.state = QStyle::State_Item;
+    if (model()->hasChildren(index))
+        option.state |= QStyle::State_Children;
+    if (isExpanded(index))
+        option.state |= QStyle::State_Open;
+    style()->drawPrimitive(QStyle::PE_IndicatorBranch, &option, painter, this);
 }
 
 void FontListTree::contextMenuEvent(QContextMenuEvent *event)

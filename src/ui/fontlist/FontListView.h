@@ -41,6 +41,8 @@ protected:
     void keyPressEvent(QKeyEvent *event) override;
     // The menu of the face's file (a family: its regular face's), as the browser's row has.
     void contextMenuEvent(QContextMenuEvent *event) override;
+    // Only the arrow: the row's own rounded background shows the selection.
+    void drawBranches(QPainter *painter, const QRect &rect, const QModelIndex &index) const override;
 
 private:
     AppState &m_state;
