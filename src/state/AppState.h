@@ -239,7 +239,10 @@ public:
     // A collection whose members are the files that answer the question, renewed when the
     // catalogue has read a refresh's changes (AppStateSmart.cpp).
     void createSmartCollection(const QString &name, const FontQuery &query);
+    void setSmartQuery(const QUuid &id, const FontQuery &query);
     void renewSmartCollections();
+    // "Edit Filters…": the font list takes the collection's question to change it.
+    void requestSmartEdit(const QUuid &id) { Q_EMIT smartEditRequested(id); }
     // The faces the library's own lists hold ("All Fonts", "Active Fonts"); -1 until the
     // catalogue has answered. Counted again shortly after the catalogue or the active
     // fonts change.
@@ -255,6 +258,7 @@ Q_SIGNALS:
     void catalogueProgressChanged();
     void catalogueChanged(); // more faces indexed, or some dropped
     void libraryCountsChanged();
+    void smartEditRequested(const QUuid &id);
     void sourcesChanged();
     void collectionsChanged();
     void sidebarSelectionChanged();

@@ -24,6 +24,19 @@ void AppState::createSmartCollection(const QString &name, const FontQuery &query
     renewSmartCollections();
 }
 
+void AppState::setSmartQuery(const QUuid &id, const FontQuery &query)
+{
+    QList<FontCollection> collections = m_collections;
+    const auto smart = std::find_if(collections.begin(), collections.end(),
+                                    [&](const FontCollection &c) { return c.id == id && c.isSmart(); });
+    if (smart == collections.end())
+        return;
+    smart->smartQuery = FontQueryJson::toJson(query);
+    setCollections(std::move(collections));
+    saveCollections();
+    renewSmartCollections();
+}
+
 void AppState::renewSmartCollections()
 {
     for (const FontCollection &collection : std::as_const(m_collections)) {

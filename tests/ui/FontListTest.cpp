@@ -7,6 +7,7 @@
 
 #include "services/PersistenceService.h"
 #include "state/AppState.h"
+#include "ui/common/ContextMenus.h"
 #include "ui/fontlist/CompareView.h"
 #include "ui/fontlist/FontFilterBar.h"
 #include "ui/fontlist/FontListModel.h"
@@ -380,6 +381,32 @@ TEST_F(FontList, ASmartCollectionKeepsTheQuestionAndFollowsTheLibrary)
     ASSERT_NE(kept, saved.cend());
     EXPECT_EQ(kept->smartQuery->value("monospaced"_L1).toBool(), true);
     EXPECT_EQ(kept->smartQuery->value("text"_L1).toString(), u"dejavu sans"_s);
+
+    // "Edit Filters…" from its menu: the list shows its question; saved changed, it answers anew.
+    choose(LibraryView::ActiveFonts);
+    std::unique_ptr<QMenu> menu(ContextMenus::buildCollectionMenu(store(), *code(), window.get(), [] {}, [] {}));
+    QAction *edit = nullptr;
+    for (QAction *action : menu->actions())
+        edit = QString(action->text()).remove(u'&') == u"Edit Filters…"_s ? action : edit;
+    ASSERT_TRUE(edit);
+    edit->trigger();
+    ASSERT_TRUE(list()->isEditingSmartCollection());
+    EXPECT_EQ(list()->libraryView(), LibraryView::AllFonts);
+    EXPECT_EQ(list()->filterField()->text(), u"dejavu sans"_s);
+    EXPECT_TRUE(list()->filterBar()->button(u"Monospaced"_s)->isChecked());
+    list()->filterField()->clear();
+    list()->filterBar()->button(u"Monospaced"_s)->click();
+    QMenu *classes = list()->filterBar()->button(u"Classification"_s)->menu();
+    for (QAction *action : classes->actions()) {
+        if (action->text() == u"Slab Serif"_s)
+            action->trigger();
+    }
+    EXPECT_EQ(list()->saveSmartButton()->text(), u"Save Filters to “Code”"_s);
+    list()->saveSmartButton()->click();
+    EXPECT_FALSE(list()->isEditingSmartCollection());
+    ASSERT_TRUE(QTest::qWaitFor([&] { return members() == QStringList{library + u"/DejaVu/DejaVuSerif.ttf"_s}; }))
+        << members().join(u", "_s).toStdString();
+    EXPECT_FALSE(code()->smartQuery->contains("monospaced"_L1));
 }
 
 // A family dragged onto a collection adds its files, as files from a file manager do.

@@ -131,6 +131,11 @@ QMenu *buildCollectionMenu(AppState &state, const FontCollection &collection, QW
                                             : QCoreApplication::translate("ContextMenus", "Activate All Fonts in Collection")),
                      &QAction::triggered, menu, [&state, collection] { state.toggleCollectionActivation(collection); });
     menu->addSeparator();
+    if (collection.isSmart()) {
+        const QUuid smart = collection.id;
+        QObject::connect(menu->addAction(QCoreApplication::translate("ContextMenus", "Edit Filters…")), &QAction::triggered,
+                         menu, [&state, smart] { state.requestSmartEdit(smart); });
+    }
     QObject::connect(menu->addAction(u"Rename"_s), &QAction::triggered, menu, rename);
     QObject::connect(menu->addAction(u"Set Custom Icon…"_s), &QAction::triggered, menu, pickIcon);
     QAction *removeIcon = menu->addAction(u"Remove Custom Icon"_s);

@@ -110,18 +110,20 @@ FontFilterBar::FontFilterBar(AppState &state, QWidget *parent)
     }
     // Sources change: the menu is made afresh each time it opens, keeping what is chosen.
     connect(m_sourceMenu, &QMenu::aboutToShow, this, [this] {
-        QStringList chosen;
-        for (const QAction *action : m_sourceMenu->actions()) {
-            if (action->isChecked())
-                chosen.append(action->data().toString());
-        }
         m_sourceMenu->clear();
         for (const FolderSource &source : m_state.sources()) {
             QAction *action = m_sourceMenu->addAction(source.name);
             action->setCheckable(true);
             action->setData(source.path);
-            action->setChecked(chosen.contains(source.path));
+            action->setChecked(m_folders.contains(source.path));
         }
+    });
+    connect(m_sourceMenu, &QMenu::triggered, this, [this](QAction *action) {
+        const QString folder = action->data().toString();
+        if (action->isChecked() && !m_folders.contains(folder))
+            m_folders.append(folder);
+        else if (!action->isChecked())
+            m_folders.removeAll(folder);
     });
     connect(m_languageMenu, &QMenu::aboutToShow, this, &FontFilterBar::fillLanguages);
     for (QMenu *menu : {m_classMenu, m_weightMenu, m_widthMenu, m_licenceMenu, m_sourceMenu})
@@ -235,10 +237,7 @@ void FontFilterBar::apply(FontQuery &query) const
         if (action->isChecked())
             query.licenseStatuses.append(LicenseStatus(action->data().toInt()));
     }
-    for (const QAction *action : m_sourceMenu->actions()) {
-        if (action->isChecked())
-            query.folders.append(action->data().toString());
-    }
+    query.folders += m_folders;
     if (m_italic->isChecked())
         query.italic = true;
     if (m_variable->isChecked())
@@ -253,6 +252,7 @@ void FontFilterBar::clear()
 {
     QSignalBlocker blocker(this);
     m_languages.clear();
+    m_folders.clear();
     for (QMenu *menu : {m_classMenu, m_licenceMenu, m_sourceMenu}) {
         for (QAction *action : menu->actions())
             action->setChecked(false);
@@ -261,6 +261,32 @@ void FontFilterBar::clear()
         menu->actions().constFirst()->setChecked(true);
     for (QToolButton *button : {m_italic, m_variable, m_monospaced, m_active})
         button->setChecked(false);
+    updateTitles();
+    blocker.unblock();
+    Q_EMIT changed();
+}
+
+void FontFilterBar::setQuery(const FontQuery &query)
+{
+    QSignalBlocker blocker(this);
+    m_languages = query.languages;
+    m_folders = query.folders;
+    for (QAction *action : m_classMenu->actions())
+        action->setChecked(query.classifications.contains(C(action->data().toInt())));
+    for (QAction *action : m_licenceMenu->actions())
+        action->setChecked(query.licenseStatuses.contains(LicenseStatus(action->data().toInt())));
+    const auto chooseRange = [](QMenu *menu, QPoint range) {
+        for (QAction *action : menu->actions())
+            action->setChecked(action->data().toPoint() == range);
+        if (std::none_of(menu->actions().cbegin(), menu->actions().cend(), [](QAction *a) { return a->isChecked(); }))
+            menu->actions().constFirst()->setChecked(true); // a range no item has: any
+    };
+    chooseRange(m_weightMenu, {query.minWeight, query.maxWeight});
+    chooseRange(m_widthMenu, {query.minWidth, query.maxWidth});
+    m_italic->setChecked(query.italic.value_or(false));
+    m_variable->setChecked(query.variable.value_or(false));
+    m_monospaced->setChecked(query.monospaced.value_or(false));
+    m_active->setChecked(query.active.value_or(false));
     updateTitles();
     blocker.unblock();
     Q_EMIT changed();
@@ -281,7 +307,7 @@ void FontFilterBar::updateTitles()
     title(m_languageMenu, int(m_languages.size()));
     title(m_classMenu, checked(m_classMenu));
     title(m_licenceMenu, checked(m_licenceMenu));
-    title(m_sourceMenu, checked(m_sourceMenu));
+    title(m_sourceMenu, int(m_folders.size()));
     title(m_weightMenu, m_weightMenu->actions().constFirst()->isChecked() ? 0 : 1);
     title(m_widthMenu, m_widthMenu->actions().constFirst()->isChecked() ? 0 : 1);
 }

@@ -26,6 +26,8 @@ public:
     // The one language chosen, when exactly one is: the list draws its sample.
     QString singleLanguage() const;
     void clear();
+    // Shows a kept question's filters (a smart collection being edited).
+    void setQuery(const FontQuery &query);
 
     QToolButton *button(const QString &accessibleName) const;
     QMenu *languageMenu() const { return m_languageMenu; }
@@ -53,6 +55,7 @@ private:
     QToolButton *m_monospaced;
     QToolButton *m_active;
     QStringList m_languages; // chosen
+    QStringList m_folders;   // chosen sources
     QHash<QString, int> m_languageCounts;
     QString m_languageSearch;
 };

@@ -170,6 +170,13 @@ FontListView::FontListView(AppState &state, QWidget *parent)
                                      tr("Smart Collection"));
     };
     connect(m_saveSmart, &QToolButton::clicked, this, [this] {
+        if (!m_editing.isNull()) { // the edited collection keeps the new question
+            m_state.setSmartQuery(m_editing, currentQuery());
+            m_editing = QUuid();
+            m_saveSmart->setText(tr("Save as Smart Collection…"));
+            m_saveSmart->setAccessibleName(m_saveSmart->text());
+            return;
+        }
         const QString name = m_chooseName().trimmed();
         if (!name.isEmpty())
             m_state.createSmartCollection(name, currentQuery());
@@ -273,6 +280,21 @@ void FontListView::updateSample()
     m_delegate->setSample(sampleText(), pixels);
     m_tree->doItemsLayout(); // rows take the new size
     m_tree->viewport()->update();
+}
+
+void FontListView::editSmartCollection(const QUuid &id, const QString &name, const FontQuery &query)
+{
+    m_editing = id;
+    m_saveSmart->setText(tr("Save Filters to “%1”").arg(name));
+    m_saveSmart->setAccessibleName(m_saveSmart->text());
+    QString field = query.text;
+    if (!query.requiredCharacters.isEmpty())
+        field += (field.isEmpty() ? u"\""_s : u" \""_s) + query.requiredCharacters + u'"';
+    {
+        const QSignalBlocker blocker(m_filter);
+        m_filter->setText(field);
+    }
+    m_bar->setQuery(query); // asks again
 }
 
 bool FontListView::isComparing() const

@@ -77,6 +77,9 @@ public:
     void setNameChooser(std::function<QString()> chooser) { m_chooseName = std::move(chooser); }
     // The question the field and the bar ask together.
     FontQuery currentQuery() const;
+    // Shows a smart collection's question to change it; "Save Filters" keeps the change.
+    void editSmartCollection(const QUuid &id, const QString &name, const FontQuery &query);
+    bool isEditingSmartCollection() const { return !m_editing.isNull(); }
     // What the rows draw now: empty for each font's own name.
     QString sampleText() const;
     QLabel *countLabel() const { return m_count; }
@@ -107,6 +110,7 @@ private:
     CompareView *m_compare = nullptr;
     QStackedWidget *m_pages = nullptr;
     std::function<QString()> m_chooseName;
+    QUuid m_editing; // the smart collection whose filters are shown
     FontListTree *m_tree;
     FontListModel *m_model;
     FontSampleCache *m_samples;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/window/MainWindow.h"
 
+#include "services/FontQueryJson.h"
 #include "ui/fontlist/FontListView.h"
 
 #include <QLineEdit>
@@ -135,6 +136,19 @@ QWidget *MainWindow::buildDetailColumn(QWidget *parent)
     m_unavailable = new UnavailableSourceView(m_detail);
     m_detail->addWidget(m_unavailable);
     m_detail->addWidget(m_results);
+    // "Edit Filters…" on a smart collection: All Fonts with its question, to change it.
+    connect(m_state.get(), &AppState::smartEditRequested, this, [this](const QUuid &id) {
+        const QList<FontCollection> &collections = m_state->collections();
+        const auto smart = std::find_if(collections.cbegin(), collections.cend(),
+                                        [&](const FontCollection &c) { return c.id == id && c.isSmart(); });
+        if (smart == collections.cend())
+            return;
+        const FontCollection collection = *smart;
+        m_state->setSidebarSelection(SidebarItem(LibraryView::of(LibraryView::AllFonts)));
+        showDetail();
+        if (m_fontList)
+            m_fontList->editSmartCollection(collection.id, collection.name, FontQueryJson::fromJson(*collection.smartQuery));
+    });
     // "12 fonts named like …": All Fonts, filtered by the same words; the search ends.
     connect(m_results, &SearchResultsView::fontsRequested, this, [this](const QString &asked) {
         const QString text = asked; // the search's own words, which choosing All Fonts clears
