@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The font list on real widgets (offscreen) over 100,000 catalogued faces: All Fonts
 // until its first screen is drawn with samples, a page down through a family's faces,
-// and a language and classification filter until the list repaints.
+// a language and classification filter until the list repaints, and twelve faces in compare.
 #include "BenchFigures.h"
 #include "CatalogStore.h"
 
+#include "ui/fontlist/CompareView.h"
 #include "ui/fontlist/FontFilterBar.h"
 #include "ui/fontlist/FontListModel.h"
 #include "ui/fontlist/FontListView.h"
@@ -116,11 +117,41 @@ void fontlistFilter100k(benchmark::State &state)
 BENCHMARK(fontlistFilter100k)->Unit(benchmark::kMillisecond)->Iterations(3)->Repetitions(3)
     ->ComputeStatistics("min", BenchFigures::fastest)->ReportAggregatesOnly(true);
 
+// Twelve faces of the first family chosen, until compare has drawn them all (samples
+// never drawn before: a list of its own each time).
+void compare12Faces(benchmark::State &state)
+{
+    for (auto _ : state) {
+        state.PauseTiming();
+        std::unique_ptr<FontListView> view = shownList();
+        untilDrawn(*view);
+        const QModelIndex family = view->model()->index(0, 0);
+        view->tree()->expand(family);
+        QItemSelection twelve(view->model()->index(0, 0, family), view->model()->index(11, 0, family));
+        view->tree()->selectionModel()->select(twelve, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+        QApplication::processEvents();
+        state.ResumeTiming();
+        view->compareSelected();
+        view->compareView()->canvas()->repaint(); // asks for the twelve samples
+        while (view->samples()->isDrawing())
+            QApplication::processEvents(QEventLoop::WaitForMoreEvents);
+        view->compareView()->canvas()->repaint();
+        state.PauseTiming();
+        if (view->compareView()->faces().size() != 12)
+            state.SkipWithError("twelve faces were not compared");
+        view.reset();
+        state.ResumeTiming();
+    }
+}
+BENCHMARK(compare12Faces)->Unit(benchmark::kMillisecond)->Iterations(1)->Repetitions(5)
+    ->ComputeStatistics("min", BenchFigures::fastest)->ReportAggregatesOnly(true);
+
 void addFontListFigures()
 {
     BenchFigures::set("fontlist-first-page-cold-ms", BenchFigures::milliseconds("fontlistFirstPageCold"));
     BenchFigures::set("fontlist-page-down-ms", BenchFigures::milliseconds("fontlistPageDown"));
     BenchFigures::set("fontlist-filter-100k-ms", BenchFigures::milliseconds("fontlistFilter100k"));
+    BenchFigures::set("compare-12-faces-ms", BenchFigures::milliseconds("compare12Faces"));
 }
 
 const bool registered = BenchFigures::onFinish(addFontListFigures);
