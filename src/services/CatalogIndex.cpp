@@ -141,5 +141,6 @@ FoundFace CatalogIndex::found(const IndexedFace &face) const
         .italic = face.italic,
         .variable = !text(face.texts[IndexedFace::Axes]).isEmpty(),
         .classification = FaceRecord::Classification(face.classification),
+        .glyphCount = face.glyphs,
     };
 }

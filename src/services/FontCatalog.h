@@ -59,6 +59,7 @@ struct FoundFace
     bool italic = false;
     bool variable = false;
     FaceRecord::Classification classification = FaceRecord::Classification::Unknown;
+    qint64 glyphCount = 0;
 };
 
 // A family of the answer, its faces by width, weight, then upright before italic.

@@ -10,6 +10,7 @@
 #include "ui/common/ContextMenus.h"
 #include "ui/fontlist/CompareView.h"
 #include "ui/fontlist/FontFilterBar.h"
+#include "ui/fontlist/FontListDelegate.h"
 #include "ui/fontlist/FontListModel.h"
 #include "ui/fontlist/FontListView.h"
 #include "ui/fontlist/FontSampleCache.h"
@@ -93,6 +94,8 @@ TEST_F(FontList, AllFontsShowsTheCataloguesFamiliesAndTheFilterNarrowsThem)
     EXPECT_EQ(list()->countLabel()->text(), u"3 families, 5 faces"_s) << "the impostor is a third DejaVu Sans face";
     EXPECT_EQ(list()->model()->index(0, 0).data(FontListModel::CaptionRole).toString(), u"3 styles"_s);
     EXPECT_EQ(list()->model()->index(1, 0).data(FontListModel::CaptionRole).toString(), u"1 style"_s);
+    EXPECT_EQ(list()->model()->index(0, 0).data(FontListModel::PathRole).toString(), library + u"/DejaVu/DejaVuSans.ttf"_s)
+        << "the family is drawn by its own regular face, not the impostor that borrows its name";
     // The sidebar says how many faces each list holds.
     ASSERT_TRUE(QTest::qWaitFor([&] { return store().libraryFaceCount(LibraryView::AllFonts) == 5; }));
     EXPECT_EQ(libraryList()->model()->index(0, 0).data(Qt::AccessibleDescriptionRole).toString(), u"5 fonts"_s);
@@ -489,4 +492,38 @@ TEST_F(FontList, CompareShowsTheChosenFacesAndOverlaysTwo)
     const int twoRows = compare->canvas()->sizeHint().height();
     compare->overlayButton()->click();
     EXPECT_LT(compare->canvas()->sizeHint().height(), twoRows * 2 / 3) << "one row for both";
+}
+
+// In a dark palette the samples are drawn in the palette's light text, not black on dark.
+TEST_F(FontList, SamplesAreDrawnInTheDarkPalettesText)
+{
+    QPalette dark = window->palette();
+    for (const QPalette::ColorGroup group : {QPalette::Active, QPalette::Inactive}) {
+        dark.setColor(group, QPalette::Window, QColor(40, 40, 40));
+        dark.setColor(group, QPalette::Base, QColor(30, 30, 30));
+        dark.setColor(group, QPalette::Text, QColor(235, 235, 235));
+        dark.setColor(group, QPalette::WindowText, QColor(235, 235, 235));
+        dark.setColor(group, QPalette::Highlight, QColor(10, 132, 255));
+    }
+    window->setPalette(dark);
+    choose(LibraryView::AllFonts);
+    ASSERT_EQ(families().size(), 3);
+    FontListTree *tree = list()->tree();
+    tree->clearSelection();
+    ASSERT_TRUE(QTest::qWaitFor([&] {
+        tree->viewport()->repaint();
+        return !list()->samples()->isDrawing();
+    }));
+    const QImage image = tree->viewport()->grab().toImage();
+    const QRectF sample = FontListDelegate::layout(tree->visualRect(list()->model()->index(2, 0))).sample;
+    int light = 0, dim = 0;
+    for (int y = int(sample.top()); y < int(sample.bottom()); ++y) {
+        for (int x = int(sample.left()); x < int(sample.left()) + 300; ++x) {
+            const int grey = qGray(image.pixel(x, y));
+            light += grey > 180 ? 1 : 0;
+            dim += grey < 60 ? 1 : 0;
+        }
+    }
+    EXPECT_GT(light, 300) << "the Serif sample's letters, light on the dark base";
+    EXPECT_GT(dim, light) << "on the dark base";
 }

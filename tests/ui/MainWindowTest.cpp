@@ -15,6 +15,7 @@
 #include "ui/window/ReindexingStrip.h"
 #include "ui/search/SearchResultsView.h"
 #include "ui/sidebar/SidebarModel.h"
+#include "ui/sidebar/LibraryList.h"
 #include "ui/sidebar/SidebarView.h"
 #include "ui/window/ToolbarInputField.h"
 #include "ui/preview/FontPreviewView.h"
@@ -484,7 +485,7 @@ TEST(MainWindow, QuickBatchesShowNothingAndLongOnesCanBeStopped)
 
 
 // Tab walks the window in one order and changes nothing that is chosen or shown: the
-// sidebar's lists and their add buttons, the search field, the browser's columns, then
+// sidebar's lists (Library, Sources, Collections) and their add buttons, the search field, the browser's columns, then
 // the preview's controls; Shift+Tab walks back.
 TEST(MainWindowKeys, TabWalksInOneOrderAndChoosesNothing)
 {
@@ -500,7 +501,7 @@ TEST(MainWindowKeys, TabWalksInOneOrderAndChoosesNothing)
     store.selectNode(FontNode::fontFile(library + u"/Sans/DejaVuSans.ttf"_s), 1);
     ASSERT_TRUE(window->browser().previewPane());
     window->activateWindow();
-    window->sidebar().sourcesList()->setFocus(Qt::OtherFocusReason);
+    window->sidebar().libraryList()->setFocus(Qt::OtherFocusReason);
     const auto chosen = [&] {
         return QStringList{store.sidebarSelection() ? store.sidebarSelection()->payloadId().toString() : QString(),
                            store.searchQuery(),
@@ -508,7 +509,7 @@ TEST(MainWindowKeys, TabWalksInOneOrderAndChoosesNothing)
                            QString::number(store.navigationPath().size())};
     };
     const QStringList before = chosen();
-    const QStringList expected{u"Sources"_s, u"Collections"_s, u"Add a font folder source"_s, u"New Collection"_s,
+    const QStringList expected{u"Library"_s, u"Sources"_s, u"Collections"_s, u"Add a font folder source"_s, u"New Collection"_s,
                                u"Search"_s, u"Column 1"_s, u"Column 2"_s, u"Preview"_s};
     for (const Qt::Key key : {Qt::Key_Tab, Qt::Key_Backtab}) {
         QStringList order;

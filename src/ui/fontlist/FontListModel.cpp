@@ -114,8 +114,11 @@ const FoundFace &FontListModel::regularFace(const FontFamily &family)
     const auto distance = [](const FoundFace &face) {
         return std::abs(face.weight - 400) + (face.italic ? 1000 : 0) + std::abs(face.width - 5) * 100;
     };
-    return *std::min_element(family.faces.cbegin(), family.faces.cend(),
-                             [&](const FoundFace &a, const FoundFace &b) { return distance(a) < distance(b); });
+    // Of equally regular faces, the fullest: a stray file that only borrows the family's
+    // name (a subset, an impostor) doesn't draw the family.
+    return *std::min_element(family.faces.cbegin(), family.faces.cend(), [&](const FoundFace &a, const FoundFace &b) {
+        return distance(a) != distance(b) ? distance(a) < distance(b) : a.glyphCount > b.glyphCount;
+    });
 }
 
 QStringList FontListModel::pathsOf(const QModelIndex &index) const

@@ -44,7 +44,8 @@ public:
     // The files a row stands for: a face's one, a family's every one.
     QStringList pathsOf(const QModelIndex &index) const;
     ActivationState activation(const QModelIndex &index) const;
-    // The face that draws a family: the upright regular width closest to weight 400.
+    // The face that draws a family: the upright regular width closest to weight 400, the
+    // one with the most glyphs among equals.
     static const FoundFace &regularFace(const FontFamily &family);
 
 private:
