@@ -125,6 +125,8 @@ public:
     // `countIn`: the folders (sources) whose faces the answer counts.
     FontQueryAnswer query(const FontQuery &query, const FaceFilter &keep = {}, const QStringList &countIn = {},
                           const std::atomic_bool *cancelled = nullptr) const;
+    // How many faces `keep` keeps (all when empty), without building an answer.
+    qsizetype countFaces(const FaceFilter &keep = {}) const;
     // The whole record of one face, code points included.
     std::optional<FaceRecord> face(const QString &path, int faceIndex) const;
     // Of these files' faces, the PostScript names that more than one file has.

@@ -264,6 +264,21 @@ FontQueryAnswer FontCatalog::query(const FontQuery &query, const FaceFilter &kee
     return answer;
 }
 
+qsizetype FontCatalog::countFaces(const FaceFilter &keep) const
+{
+    const std::lock_guard lock(m_mutex);
+    if (!m_db)
+        return 0;
+    loadIndex();
+    qsizetype count = 0;
+    for (const IndexedFace &face : m_index.faces()) {
+        const CatalogIndex::File *file = face.file ? m_index.file(face.file) : nullptr;
+        if (file && (!keep || keep(file->path, m_index.name(face.names[IndexedFace::PostScript]))))
+            ++count;
+    }
+    return count;
+}
+
 std::optional<FaceRecord> FontCatalog::face(const QString &path, int faceIndex) const
 {
     const std::lock_guard lock(m_mutex);

@@ -326,12 +326,11 @@ void AppState::countLibrary()
                 Q_EMIT libraryCountsChanged();
             });
             watcher->setFuture(QtConcurrent::run([catalog, activated] {
-                qsizetype active = 0;
-                const FontQueryAnswer all = catalog->query(FontQuery{}, [&](const QString &path, const QString &) {
-                    active += activated.contains(path) ? 1 : 0;
-                    return true;
-                });
-                return std::pair<qsizetype, qsizetype>(all.faceCount(), active);
+                const qsizetype all = catalog->countFaces();
+                const qsizetype active =
+                    activated.isEmpty() ? 0
+                                        : catalog->countFaces([&](const QString &path, const QString &) { return activated.contains(path); });
+                return std::pair<qsizetype, qsizetype>(all, active);
             }));
         });
     }
