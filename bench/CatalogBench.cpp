@@ -61,6 +61,21 @@ CatalogStore &CatalogStore::library100k()
     return *bench;
 }
 
+CatalogStore &CatalogStore::families100k()
+{
+    static CatalogStore *bench = [] {
+        const QString folder = BenchFigures::dataDirectory() + u"/fonts/families"_s;
+        if (QProcess::execute(QStringLiteral(MORVANE_PYTHON),
+                              {QStringLiteral(MORVANE_SOURCE_DIR) + u"/tools/fonts/make_family_corpus.py"_s, folder,
+                               u"50000"_s}) != 0)
+            qFatal("The family corpus could not be made: run make deps");
+        auto *made = new CatalogStore(u"families100k"_s, folder);
+        made->refreshAndIndex();
+        return made;
+    }();
+    return *bench;
+}
+
 namespace {
 
 QString folderOf(const QStringList &fonts)

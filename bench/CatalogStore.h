@@ -14,6 +14,9 @@ public:
     static QString catalogueFile(const QString &name);
     // The activation benchmarks' 100,000 links to real fonts, indexed once and kept.
     static CatalogStore &library100k();
+    // 100,000 real faces in 50,000 families of their own (tools/fonts/make_family_corpus.py),
+    // made and indexed once: what a designer's library looks like to the font list.
+    static CatalogStore &families100k();
 
     AppState &store() { return m_store; }
     // A refresh, until the catalogue has read what it found.

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The font list on real widgets (offscreen) over 100,000 catalogued faces: All Fonts
-// until its first screen is drawn with samples, a page down through a family's faces,
-// a language and classification filter until the list repaints, and twelve faces in compare.
+// The font list on real widgets (offscreen) over 100,000 catalogued faces in 50,000
+// families: All Fonts until its first screen is drawn with samples, a page down, a
+// language and classification filter until the list repaints, twelve faces in compare,
+// and the resident memory of a process that has scrolled through 2,000 families.
 #include "BenchFigures.h"
 #include "CatalogStore.h"
 
@@ -12,8 +13,10 @@
 #include "ui/fontlist/FontSampleCache.h"
 
 #include <QApplication>
+#include <QFile>
 #include <QKeyEvent>
 #include <QMenu>
+#include <QProcess>
 #include <QToolButton>
 
 #include <benchmark/benchmark.h>
@@ -38,7 +41,7 @@ void untilDrawn(FontListView &view)
 
 std::unique_ptr<FontListView> shownList()
 {
-    auto view = std::make_unique<FontListView>(CatalogStore::library100k().store());
+    auto view = std::make_unique<FontListView>(CatalogStore::families100k().store());
     view->resize(1100, 800);
     view->show();
     return view;
@@ -46,7 +49,7 @@ std::unique_ptr<FontListView> shownList()
 
 void fontlistFirstPageCold(benchmark::State &state)
 {
-    CatalogStore::library100k();
+    CatalogStore::families100k();
     for (auto _ : state) {
         std::unique_ptr<FontListView> view = shownList(); // a cache of samples of its own: nothing drawn before
         untilDrawn(*view);
@@ -63,8 +66,6 @@ void fontlistPageDown(benchmark::State &state)
 {
     std::unique_ptr<FontListView> view = shownList();
     untilDrawn(*view);
-    // The first family's faces, tens of thousands of rows.
-    view->tree()->expand(view->model()->index(0, 0));
     view->tree()->setFocus();
     view->tree()->setCurrentIndex(view->model()->index(0, 0));
     untilDrawn(*view);
@@ -117,17 +118,15 @@ void fontlistFilter100k(benchmark::State &state)
 BENCHMARK(fontlistFilter100k)->Unit(benchmark::kMillisecond)->Iterations(3)->Repetitions(3)
     ->ComputeStatistics("min", BenchFigures::fastest)->ReportAggregatesOnly(true);
 
-// Twelve faces of the first family chosen, until compare has drawn them all (samples
-// never drawn before: a list of its own each time).
+// Twelve families chosen, until compare has drawn their faces (samples never drawn
+// before: a list of its own each time).
 void compare12Faces(benchmark::State &state)
 {
     for (auto _ : state) {
         state.PauseTiming();
         std::unique_ptr<FontListView> view = shownList();
         untilDrawn(*view);
-        const QModelIndex family = view->model()->index(0, 0);
-        view->tree()->expand(family);
-        QItemSelection twelve(view->model()->index(0, 0, family), view->model()->index(11, 0, family));
+        QItemSelection twelve(view->model()->index(0, 0), view->model()->index(11, 0));
         view->tree()->selectionModel()->select(twelve, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
         QApplication::processEvents();
         state.ResumeTiming();
@@ -145,6 +144,67 @@ void compare12Faces(benchmark::State &state)
 }
 BENCHMARK(compare12Faces)->Unit(benchmark::kMillisecond)->Iterations(1)->Repetitions(5)
     ->ComputeStatistics("min", BenchFigures::fastest)->ReportAggregatesOnly(true);
+
+double residentMegabytes()
+{
+    QFile status(u"/proc/self/status"_s);
+    if (!status.open(QIODevice::ReadOnly))
+        return -1;
+    for (const QByteArray &line : status.readAll().split('\n')) {
+        if (line.startsWith("VmRSS:"))
+            return line.mid(6).trimmed().split(' ').first().toDouble() / 1024.0;
+    }
+    return -1;
+}
+
+// Run alone in a process of its own (see fontlistRss100k): All Fonts shown, then page
+// after page down until 2,000 families have been drawn, and what the process then holds.
+constexpr const char *kRssChild = "MORVANE_BENCH_FONTLIST_RSS";
+
+void fontlistScroll2000(benchmark::State &state)
+{
+    for (auto _ : state) {
+        std::unique_ptr<FontListView> view = shownList();
+        untilDrawn(*view);
+        view->tree()->setFocus();
+        view->tree()->setCurrentIndex(view->model()->index(0, 0));
+        while (view->tree()->currentIndex().row() < 2000) {
+            QKeyEvent down(QEvent::KeyPress, Qt::Key_PageDown, Qt::NoModifier);
+            QApplication::sendEvent(view->tree(), &down);
+            untilDrawn(*view);
+        }
+        BenchFigures::set("fontlist-rss-100k-mb", residentMegabytes());
+    }
+}
+const bool scrollRegistered = qEnvironmentVariableIsSet(kRssChild)
+    && benchmark::RegisterBenchmark("fontlistScroll2000", fontlistScroll2000)->Iterations(1) != nullptr;
+
+// Memory is the whole process's: the other benchmarks' stores must not count, so the
+// scroll runs in a process of its own, this program started again for it alone.
+void fontlistRss100k(benchmark::State &state)
+{
+    if (qEnvironmentVariableIsSet(kRssChild)) {
+        state.SkipWithError("runs only in its own process");
+        return;
+    }
+    CatalogStore::families100k(); // made and indexed here, so the child only reads it
+    for (auto _ : state) {
+        QProcess child;
+        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+        env.insert(QString::fromLatin1(kRssChild), u"1"_s);
+        child.setProcessEnvironment(env);
+        child.start(QCoreApplication::applicationFilePath(), {u"--benchmark_filter=^fontlistScroll2000$"_s});
+        if (!child.waitForFinished(600'000) || child.exitCode() != 0) {
+            state.SkipWithError("the scrolling process failed");
+            return;
+        }
+        for (const QByteArray &line : child.readAllStandardOutput().split('\n')) {
+            if (line.startsWith("fontlist-rss-100k-mb: "))
+                BenchFigures::set("fontlist-rss-100k-mb", line.mid(22).trimmed().toDouble());
+        }
+    }
+}
+BENCHMARK(fontlistRss100k)->Unit(benchmark::kMillisecond)->Iterations(1);
 
 void addFontListFigures()
 {

@@ -2,6 +2,7 @@
 // The font list through the real window: "All Fonts" shows the catalogue's families as
 // its query returns them, each drawn from its own file; the filter narrows them; keys open,
 // close and toggle; "Active Fonts" holds only what is active; the sidebar counts faces.
+#include "InkMeasure.h"
 #include "TestSupport.h"
 #include "WindowFixture.h"
 
@@ -14,6 +15,7 @@
 #include "ui/fontlist/FontListModel.h"
 #include "ui/fontlist/FontListView.h"
 #include "ui/fontlist/FontSampleCache.h"
+#include "ui/preview/AxisControls.h"
 #include "ui/search/SearchResultsView.h"
 #include "ui/sidebar/LibraryList.h"
 #include "ui/sidebar/SidebarList.h"
@@ -169,6 +171,34 @@ TEST_F(FontList, KeysOpenCloseAndToggleAndActiveFontsHoldsTheActive)
 // Samples come from the exact file: the impostor that calls itself DejaVu Sans draws its
 // own empty boxes, not DejaVu's letters; a file that is no font draws nothing, and the
 // cache says it can't.
+// Letters typed choose a family by the start of its name; a space typed among them is
+// part of the name, not a toggle; a face row's search starts from its family.
+TEST_F(FontList, TypingChoosesAFamilyByItsName)
+{
+    choose(LibraryView::AllFonts);
+    ASSERT_EQ(families().size(), 3);
+    FontListTree *tree = list()->tree();
+    tree->setFocus();
+    const struct
+    {
+        QString typed;
+        QString family;
+    } cases[] = {
+        {u"dejavu se"_s, u"DejaVu Serif"_s},
+        {u"dejavu sans m"_s, u"DejaVu Sans Mono"_s},
+        {u"DEJAVU SANS"_s, u"DejaVu Sans"_s}, // any case; still matching after "mono" moved on: wraps
+        {u"x"_s, u"DejaVu Sans"_s},           // nothing begins so: the choice stays
+    };
+    for (const auto &c : cases) {
+        QTest::keyClick(tree, Qt::Key_Shift); // any other key ends the typed search
+        QTest::keyClicks(tree, c.typed);
+        EXPECT_EQ(tree->currentIndex().data().toString(), c.family) << c.typed.toStdString();
+        EXPECT_FALSE(tree->currentIndex().parent().isValid()) << "a family row is chosen";
+    }
+    EXPECT_TRUE(store().activatedFonts().isEmpty()) << "the spaces typed toggled nothing";
+    EXPECT_FALSE(store().isProcessing());
+}
+
 TEST_F(FontList, SamplesAreDrawnFromTheExactFile)
 {
     const QImage real = FontSampleCache::draw(library + u"/DejaVu/DejaVuSans.ttf"_s, 0, u"Handgloves"_s, 32, Qt::black);
@@ -492,6 +522,52 @@ TEST_F(FontList, CompareShowsTheChosenFacesAndOverlaysTwo)
     const int twoRows = compare->canvas()->sizeHint().height();
     compare->overlayButton()->click();
     EXPECT_LT(compare->canvas()->sizeHint().height(), twoRows * 2 / 3) << "one row for both";
+}
+
+// A variable face in compare gets its own axis sliders and is drawn at their setting; a
+// static face gets none. Moving Inter's weight to its heaviest darkens its row only.
+TEST_F(FontList, CompareGivesEachVariableFaceItsAxes)
+{
+    ASSERT_TRUE(QFile::copy(u"/usr/share/fonts/truetype/inter-vf/Inter-roman.var.ttf"_s,
+                            TestSupport::makeDir(library + u"/Inter"_s) + u"/Inter-roman.var.ttf"_s));
+    store().refreshFileSystem();
+    choose(LibraryView::AllFonts);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return families().contains(u"Inter"_s); }, 30'000)) << families().join(u", "_s).toStdString();
+    // DejaVu Sans and Inter, chosen with Ctrl-clicks, then Compare.
+    FontListTree *tree = list()->tree();
+    const QStringList names = families();
+    for (const QString &name : {u"DejaVu Sans"_s, u"Inter"_s})
+        QTest::mouseClick(tree->viewport(), Qt::LeftButton, name == u"Inter"_s ? Qt::ControlModifier : Qt::NoModifier,
+                          tree->visualRect(list()->model()->index(int(names.indexOf(name)), 0)).center() + QPoint(150, 0));
+    QTest::mouseClick(list()->compareButton(), Qt::LeftButton);
+    ASSERT_TRUE(list()->isComparing());
+    CompareView *compare = list()->compareView();
+    ASSERT_EQ(compare->faces().size(), 2);
+    ASSERT_EQ(compare->faces().at(1).label, u"Inter"_s);
+    EXPECT_FALSE(compare->axisControls(0)) << "DejaVu Sans has no axes";
+    ASSERT_TRUE(compare->axisControls(1));
+    QSlider *weight = nullptr;
+    for (QSlider *slider : compare->axisControls(1)->findChildren<QSlider *>())
+        weight = slider->accessibleName() == u"Weight"_s ? slider : weight;
+    ASSERT_TRUE(weight);
+
+    const int rowHeight = compare->canvas()->sizeHint().height() / 2;
+    const auto rowInk = [&](int row) {
+        EXPECT_TRUE(QTest::qWaitFor([&] {
+            compare->canvas()->repaint();
+            return !list()->samples()->isDrawing();
+        }));
+        const QImage image = compare->canvas()->grab().toImage();
+        return InkMeasure::mass(image.copy(0, row * rowHeight, image.width(), rowHeight));
+    };
+    const qint64 dejavu = rowInk(0);
+    const qint64 regular = rowInk(1);
+    weight->setFocus();
+    QTest::keyClick(weight, Qt::Key_End);
+    constexpr quint32 wght = 0x77676874;
+    EXPECT_EQ(compare->variations(1).value(wght), weight->maximum() / 100.0);
+    EXPECT_GT(rowInk(1), regular * 13 / 10) << "Inter drawn at its heaviest";
+    EXPECT_EQ(rowInk(0), dejavu) << "the static face is untouched";
 }
 
 // In a dark palette the samples are drawn in the palette's light text, not black on dark.

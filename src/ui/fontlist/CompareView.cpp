@@ -1,13 +1,18 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/fontlist/CompareView.h"
 
+#include "fonts/FontMetadata.h"
+#include "fonts/MappedFile.h"
+#include "fonts/SampleRenderer.h"
 #include "state/AppState.h"
 #include "ui/common/Symbols.h"
 #include "ui/common/TextStyles.h"
 #include "ui/fontlist/FontSampleCache.h"
+#include "ui/preview/AxisControls.h"
 
 #include <QHBoxLayout>
 #include <QKeyEvent>
+#include <QLabel>
 #include <QPainter>
 #include <QScrollArea>
 #include <QSlider>
@@ -49,7 +54,8 @@ protected:
             const CompareView::Face &face = m_view.m_faces.at(i);
             const QColor colour = overlay ? colours[i % 2] : palette().color(QPalette::Text);
             const FontSampleCache::Sample sample =
-                m_view.m_samples.sample(face.path, face.faceIndex, text, int(pixelSize() * ratio), colour);
+                m_view.m_samples.sample(face.path, face.faceIndex, text, int(pixelSize() * ratio), colour,
+                                        m_view.variations(i));
             // The label: over each face, or both names in their colours over the overlay.
             painter.setPen(overlay ? colour : Symbols::secondary(palette()));
             painter.setFont(font());
@@ -87,6 +93,8 @@ CompareView::CompareView(AppState &state, FontSampleCache &samples, QWidget *par
     , m_samples(samples)
     , m_size(new QSlider(Qt::Horizontal, this))
     , m_overlay(new QToolButton(this))
+    , m_axesPanel(new QWidget(this))
+    , m_axesLayout(new QVBoxLayout(m_axesPanel))
 {
     setAccessibleName(tr("Compare"));
     auto *back = new QToolButton(this);
@@ -113,11 +121,24 @@ CompareView::CompareView(AppState &state, FontSampleCache &samples, QWidget *par
     m_canvas = canvas;
     scroll->setWidget(canvas);
     scroll->setWidgetResizable(true);
+    // The variable faces' axes, beside the samples so moving one shows its effect at once.
+    m_axesScroll = new QScrollArea(this);
+    m_axesScroll->setWidget(m_axesPanel);
+    m_axesScroll->setWidgetResizable(true);
+    m_axesScroll->setFixedWidth(300);
+    m_axesScroll->setFrameShape(QFrame::NoFrame);
+    m_axesScroll->hide();
+    m_axesPanel->setAccessibleName(tr("Axes"));
+    m_axesLayout->setContentsMargins(10, 8, 10, 8);
+    auto *body = new QHBoxLayout;
+    body->setSpacing(0);
+    body->addWidget(scroll, 1);
+    body->addWidget(m_axesScroll);
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
     layout->addLayout(bar);
-    layout->addWidget(scroll, 1);
+    layout->addLayout(body, 1);
     const auto relayout = [canvas] {
         canvas->setMinimumHeight(canvas->sizeHint().height());
         canvas->update();
@@ -129,9 +150,47 @@ CompareView::CompareView(AppState &state, FontSampleCache &samples, QWidget *par
     setFocusPolicy(Qt::StrongFocus);
 }
 
+QHash<quint32, double> CompareView::variations(qsizetype index) const
+{
+    const AxisControls *axes = m_axes.value(index);
+    return axes ? axes->values() : QHash<quint32, double>{};
+}
+
 void CompareView::setFaces(const QList<Face> &faces)
 {
     m_faces = faces.mid(0, kMostFaces);
+    // Sliders of the faces compared before go; each variable face gets its own.
+    while (QLayoutItem *item = m_axesLayout->takeAt(0)) {
+        if (QWidget *widget = item->widget())
+            widget->deleteLater();
+        delete item;
+    }
+    m_axes.clear();
+    bool anyAxes = false;
+    for (const Face &face : std::as_const(m_faces)) {
+        // The axes read are the file's first face's: a variable collection file is rare.
+        const std::optional<FontMetadata> metadata = face.faceIndex == 0 ? FontMetadata::load(face.path) : std::nullopt;
+        if (!metadata || metadata->variationAxes.isEmpty()) {
+            m_axes.append(nullptr);
+            continue;
+        }
+        const std::shared_ptr<const MappedFile> file = MappedFile::open(face.path);
+        const std::unique_ptr<SampleRenderer> renderer = file ? SampleRenderer::open(file, face.faceIndex) : nullptr;
+        auto *name = new QLabel(face.label, m_axesPanel);
+        QFont headline = name->font();
+        headline.setWeight(QFont::DemiBold);
+        name->setFont(headline);
+        auto *axes = new AxisControls(metadata->variationAxes,
+                                      renderer ? renderer->namedInstances() : QList<NamedInstance>{}, m_axesPanel);
+        axes->setAccessibleName(tr("Axes of %1").arg(face.label));
+        connect(axes, &AxisControls::valuesChanged, m_canvas, qOverload<>(&QWidget::update));
+        m_axesLayout->addWidget(name);
+        m_axesLayout->addWidget(axes);
+        m_axes.append(axes);
+        anyAxes = true;
+    }
+    m_axesLayout->addStretch(1);
+    m_axesScroll->setVisible(anyAxes);
     m_overlay->setEnabled(m_faces.size() == 2);
     if (m_faces.size() != 2)
         m_overlay->setChecked(false);

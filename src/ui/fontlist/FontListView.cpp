@@ -92,9 +92,35 @@ void FontListTree::contextMenuEvent(QContextMenuEvent *event)
     event->accept();
 }
 
+bool FontListTree::typing() const
+{
+    return m_sinceTyped.isValid() && m_typeAhead.isTyping(m_sinceTyped.elapsed());
+}
+
 void FontListTree::keyPressEvent(QKeyEvent *event)
 {
     const QModelIndex current = currentIndex();
+    const bool plain = !(event->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier));
+    const bool typed = plain && !event->text().isEmpty() && event->text().at(0).isPrint()
+                       && (event->key() != Qt::Key_Space || typing());
+    if (typed) {
+        // Families only: a face row's place is its family's.
+        const auto *list = static_cast<const FontListModel *>(model());
+        const QModelIndex family = current.parent().isValid() ? current.parent() : current;
+        if (!m_sinceTyped.isValid())
+            m_sinceTyped.start();
+        const int row = m_typeAhead.type(event->text(), m_sinceTyped.elapsed(), family.isValid() ? family.row() : -1,
+                                         list->rowCount(),
+                                         [list](int at) { return QStringView(list->answer().families.at(at).name); });
+        if (row >= 0) {
+            const QModelIndex found = list->index(row, 0);
+            setCurrentIndex(found);
+            scrollTo(found);
+        }
+        event->accept();
+        return;
+    }
+    m_typeAhead.reset(); // any other key ends a typed search
     if (current.isValid() && event->modifiers() == Qt::NoModifier) {
         if (event->key() == Qt::Key_Space) {
             Q_EMIT toggleRequested(current);

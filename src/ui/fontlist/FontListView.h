@@ -3,7 +3,9 @@
 
 #include "model/SidebarItem.h"
 #include "services/FontCatalog.h"
+#include "ui/common/TypeAhead.h"
 
+#include <QElapsedTimer>
 #include <QFutureWatcher>
 #include <QTreeView>
 #include <QWidget>
@@ -24,7 +26,9 @@ class QTimer;
 class QToolButton;
 
 // The tree of the font list: Space toggles the chosen row's activation, Enter shows the
-// face's file in its source's browser; arrows, Right and Left (open, close) are the tree's.
+// face's file in its source's browser; arrows, Right and Left (open, close) are the tree's;
+// letters typed choose the next family whose name begins with them (a space typed within
+// the pause belongs to the name).
 class FontListTree : public QTreeView
 {
     Q_OBJECT
@@ -45,7 +49,11 @@ protected:
     void drawBranches(QPainter *painter, const QRect &rect, const QModelIndex &index) const override;
 
 private:
+    bool typing() const;
+
     AppState &m_state;
+    TypeAhead m_typeAhead;
+    QElapsedTimer m_sinceTyped;
 };
 
 // "All Fonts" or "Active Fonts": the catalogue's families, each drawn in its own face,

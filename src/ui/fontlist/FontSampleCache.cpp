@@ -8,6 +8,7 @@
 #include <QPainter>
 #include <QThread>
 
+#include <algorithm>
 #include <cmath>
 
 using namespace Qt::StringLiterals;
@@ -17,10 +18,19 @@ namespace {
 constexpr int kCacheKilobytes = 64 * 1024;
 constexpr int kWidestSample = 4096; // pixels: a row shows far less
 
-QString keyOf(const QString &path, int faceIndex, const QString &text, int pixelSize, const QColor &colour)
+QString keyOf(const QString &path, int faceIndex, const QString &text, int pixelSize, const QColor &colour,
+              const FontSampleCache::Variations &variations)
 {
-    return path + u'\x1f' + QString::number(faceIndex) + u'\x1f' + QString::number(pixelSize) + u'\x1f'
-           + QString::number(colour.rgba(), 16) + u'\x1f' + text;
+    QString key = path + u'\x1f' + QString::number(faceIndex) + u'\x1f' + QString::number(pixelSize) + u'\x1f'
+                  + QString::number(colour.rgba(), 16) + u'\x1f' + text;
+    if (!variations.isEmpty()) {
+        // Hash order differs between equal maps: the key lists the axes in tag order.
+        QList<quint32> tags = variations.keys();
+        std::sort(tags.begin(), tags.end());
+        for (const quint32 tag : std::as_const(tags))
+            key += u'\x1e' + QString::number(tag) + u'=' + QString::number(variations.value(tag));
+    }
+    return key;
 }
 
 } // namespace
@@ -39,12 +49,15 @@ FontSampleCache::~FontSampleCache()
     m_pool.waitForDone();
 }
 
-QImage FontSampleCache::draw(const QString &path, int faceIndex, const QString &text, int pixelSize, const QColor &colour)
+QImage FontSampleCache::draw(const QString &path, int faceIndex, const QString &text, int pixelSize, const QColor &colour,
+                             const Variations &variations)
 {
     const std::shared_ptr<const MappedFile> file = MappedFile::open(path);
     const std::unique_ptr<SampleRenderer> renderer = file ? SampleRenderer::open(file, faceIndex) : nullptr;
     if (!renderer || text.isEmpty())
         return {};
+    if (!variations.isEmpty())
+        renderer->setVariations(variations);
     const QList<ShapedLine> lines = renderer->layout(text);
     if (lines.isEmpty() || lines.first().glyphs.isEmpty())
         return {};
@@ -66,9 +79,9 @@ QImage FontSampleCache::draw(const QString &path, int faceIndex, const QString &
 }
 
 FontSampleCache::Sample FontSampleCache::sample(const QString &path, int faceIndex, const QString &text, int pixelSize,
-                                                const QColor &colour)
+                                                const QColor &colour, const Variations &variations)
 {
-    const QString key = keyOf(path, faceIndex, text, pixelSize, colour);
+    const QString key = keyOf(path, faceIndex, text, pixelSize, colour, variations);
     if (const QImage *image = m_images.object(key))
         return {State::Ready, *image};
     if (m_failed.contains(key))
@@ -77,8 +90,8 @@ FontSampleCache::Sample FontSampleCache::sample(const QString &path, int faceInd
         m_drawing.insert(key);
         // The pool is drained before the cache goes, and an answer posted to a cache that
         // has gone is dropped with it.
-        m_pool.start([this, key, path, faceIndex, text, pixelSize, colour] {
-            QImage image = draw(path, faceIndex, text, pixelSize, colour);
+        m_pool.start([this, key, path, faceIndex, text, pixelSize, colour, variations] {
+            QImage image = draw(path, faceIndex, text, pixelSize, colour, variations);
             QMetaObject::invokeMethod(
                 this, [this, key, path, image = std::move(image)] { finished(key, path, image); }, Qt::QueuedConnection);
         });

@@ -3,6 +3,7 @@
 
 #include <QCache>
 #include <QColor>
+#include <QHash>
 #include <QImage>
 #include <QObject>
 #include <QSet>
@@ -10,7 +11,7 @@
 
 // Samples of text drawn from each face's own file (never an installed font of the same
 // name), shaped and rasterised off the interface thread and kept per face, text, size
-// and colour. Asking for one not drawn yet starts it and answers null; sampleReady()
+// and colour (and axis setting, for a variable face). Asking for one not drawn yet starts it and answers null; sampleReady()
 // says when it is there. A face that can't be drawn is remembered as such.
 class FontSampleCache : public QObject
 {
@@ -27,13 +28,17 @@ public:
     explicit FontSampleCache(QObject *parent = nullptr);
     ~FontSampleCache() override;
 
-    Sample sample(const QString &path, int faceIndex, const QString &text, int pixelSize, const QColor &colour);
+    using Variations = QHash<quint32, double>; // by axis tag; axes not named keep their defaults
+
+    Sample sample(const QString &path, int faceIndex, const QString &text, int pixelSize, const QColor &colour,
+                  const Variations &variations = {});
     bool isDrawing() const { return !m_drawing.isEmpty(); }
 
     // Draws one line of the text with the face, its baseline at the ascent (the image's
     // text "baseline" says where, in pixels); null when the file is not a font that can be
     // drawn or maps none of the text.
-    static QImage draw(const QString &path, int faceIndex, const QString &text, int pixelSize, const QColor &colour);
+    static QImage draw(const QString &path, int faceIndex, const QString &text, int pixelSize, const QColor &colour,
+                       const Variations &variations = {});
 
 Q_SIGNALS:
     void sampleReady(const QString &path);
