@@ -3,6 +3,10 @@
 
 #include "FontCatalog.h"
 
+#include "discovery/NameCollator.h"
+
+#include <QLocale>
+
 namespace {
 
 template <typename T>
@@ -23,6 +27,7 @@ void CatalogIndex::clear()
 void CatalogIndex::setName(quint32 id, const QString &text)
 {
     putAt(m_names, id, text);
+    m_familyTable.reset();
 }
 
 void CatalogIndex::setText(quint32 id, const QString &text)
@@ -61,6 +66,7 @@ void CatalogIndex::add(const IndexedFace &face)
     }
     m_facesOfFile[face.file].append(quint32(m_faces.size()));
     m_faces.push_back(face);
+    m_familyTable.reset();
 }
 
 void CatalogIndex::removeFacesOf(quint32 file)
@@ -69,8 +75,58 @@ void CatalogIndex::removeFacesOf(quint32 file)
     for (const quint32 at : positions)
         m_faces[at].file = 0;
     m_removed += positions.size();
+    m_familyTable.reset();
     if (m_removed > 1024 && m_removed * 4 > qsizetype(m_faces.size()))
         compact();
+}
+
+const CatalogIndex::FamilyTable &CatalogIndex::familyTable() const
+{
+    if (m_familyTable)
+        return *m_familyTable;
+    std::vector<qint32> groupOf(m_names.size(), -1);
+    std::vector<std::pair<quint32, std::vector<quint32>>> groups; // family name id, faces
+    for (quint32 at = 0; at < m_faces.size(); ++at) {
+        const quint32 family = m_faces[at].names[IndexedFace::Family];
+        if (m_faces[at].file == 0 || family >= groupOf.size())
+            continue;
+        if (groupOf[family] < 0) {
+            groupOf[family] = qint32(groups.size());
+            groups.push_back({family, {}});
+        }
+        groups[size_t(groupOf[family])].second.push_back(at);
+    }
+    NameCollator(QLocale()).stableSort(groups, [this](const auto &group) { return QStringView(m_names[group.first]); });
+
+    FamilyTable table;
+    auto families = std::make_shared<std::vector<FontFamily>>();
+    families->reserve(groups.size());
+    table.familyOfFace.assign(m_faces.size(), kNoFamily);
+    for (auto &[familyName, positions] : groups) {
+        // Narrow to wide, light to heavy, upright first; then by style name, then as indexed.
+        std::sort(positions.begin(), positions.end(), [this](quint32 a, quint32 b) {
+            const IndexedFace &x = m_faces[a], &y = m_faces[b];
+            if (std::tie(x.width, x.weight, x.italic) != std::tie(y.width, y.weight, y.italic))
+                return std::tie(x.width, x.weight, x.italic) < std::tie(y.width, y.weight, y.italic);
+            if (x.names[IndexedFace::Style] != y.names[IndexedFace::Style]) {
+                const int styles = name(x.names[IndexedFace::Style]).compare(name(y.names[IndexedFace::Style]));
+                if (styles != 0)
+                    return styles < 0;
+            }
+            return a < b;
+        });
+        FontFamily family{m_names[familyName], {}};
+        family.faces.reserve(qsizetype(positions.size()));
+        for (const quint32 at : positions) {
+            family.faces.append(found(m_faces[at]));
+            table.familyOfFace[at] = quint32(families->size());
+        }
+        families->push_back(std::move(family));
+        table.positions.push_back(std::move(positions));
+    }
+    table.families = std::move(families);
+    m_familyTable = std::move(table);
+    return *m_familyTable;
 }
 
 void CatalogIndex::removeFile(quint32 file)
@@ -87,6 +143,7 @@ const CatalogIndex::File *CatalogIndex::file(quint32 id) const
 
 void CatalogIndex::compact()
 {
+    m_familyTable.reset();
     std::erase_if(m_faces, [](const IndexedFace &face) { return face.file == 0; });
     m_removed = 0;
     m_facesOfFile.clear();

@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "FontFamilies.h"
 #include "fonts/FaceRecord.h"
-
-struct FoundFace;
 
 #include <QHash>
 #include <QList>
@@ -11,6 +10,7 @@ struct FoundFace;
 #include <QStringList>
 
 #include <array>
+#include <optional>
 #include <vector>
 
 // The catalogue's faces in memory, for questions answered within a frame: numbers per
@@ -78,6 +78,18 @@ public:
     // What an answer's row needs.
     FoundFace found(const IndexedFace &face) const;
 
+    // Every family, in the library's order, each with its faces in their order: built
+    // once and kept until a face or name arrives or goes, so that a question answering
+    // tens of thousands of families shares them rather than sorting and copying them.
+    struct FamilyTable
+    {
+        FontFamilies::Shared families;
+        std::vector<std::vector<quint32>> positions; // each family's faces, positions in faces()
+        std::vector<quint32> familyOfFace;           // by position in faces(); kNoFamily once removed
+    };
+    static constexpr quint32 kNoFamily = quint32(-1);
+    const FamilyTable &familyTable() const;
+
 private:
     void compact();
 
@@ -91,6 +103,7 @@ private:
     std::vector<QString> m_folders;
     QHash<QString, quint32> m_folderIds;
     QHash<quint32, QList<quint32>> m_facesOfFile; // positions in m_faces
+    mutable std::optional<FamilyTable> m_familyTable; // none: to be built again
     static inline const QString m_empty{};
     static inline const QStringList m_emptyList{};
 };

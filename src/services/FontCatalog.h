@@ -2,6 +2,7 @@
 #pragma once
 
 #include "CatalogIndex.h"
+#include "FontFamilies.h"
 #include "LicenseStatus.h"
 #include "fonts/FaceRecord.h"
 
@@ -46,41 +47,18 @@ struct FontQuery
     bool conflicts = false; // active, and another active file has the same PostScript name
 };
 
-// A face as an answer lists it: enough to show, sort and act on a row of a long list
-// cheaply; FontCatalog::face() has the whole record.
-struct FoundFace
-{
-    QString path;
-    int faceIndex = 0;
-    QString style;
-    QString postScriptName;
-    int weight = 400;
-    int width = 5;
-    bool italic = false;
-    bool variable = false;
-    FaceRecord::Classification classification = FaceRecord::Classification::Unknown;
-    qint64 glyphCount = 0;
-};
-
-// A family of the answer, its faces by width, weight, then upright before italic.
-struct FontFamily
-{
-    QString name;
-    QList<FoundFace> faces;
-};
-
 // What a query found: families in the library's collation order, and for the filter
 // menus how many of the faces found support each language, have each classification,
 // and (filled by the store) lie in each source.
 struct FontQueryAnswer
 {
-    QList<FontFamily> families{};
+    FontFamilies families{};
     QHash<QString, int> languageCounts{};
     QHash<FaceRecord::Classification, int> classificationCounts{};
     QHash<QString, int> sourceCounts{}; // by source folder
     bool cancelled = false;           // a newer question came first
 
-    qsizetype faceCount() const;
+    qsizetype faceCount() const { return families.faceCount(); }
     QList<FoundFace> faces() const; // every face, family by family
 };
 

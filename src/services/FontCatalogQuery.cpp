@@ -6,10 +6,8 @@
 #include "FontCatalog.h"
 
 #include "CatalogSql.h"
-#include "discovery/NameCollator.h"
 
 #include <QDir>
-#include <QLocale>
 
 #include <algorithm>
 #include <array>
@@ -59,14 +57,6 @@ bool isUnder(QStringView path, const QString &root)
 }
 
 } // namespace
-
-qsizetype FontQueryAnswer::faceCount() const
-{
-    qsizetype count = 0;
-    for (const FontFamily &family : families)
-        count += family.faces.size();
-    return count;
-}
 
 QList<FoundFace> FontQueryAnswer::faces() const
 {
@@ -230,36 +220,35 @@ FontQueryAnswer FontCatalog::query(const FontQuery &query, const FaceFilter &kee
             answer.sourceCounts.insert(countIn.at(r), rootCounts[size_t(r)]);
     }
 
-    // Families in the library's order; in each, narrow to wide, light to heavy, upright first.
-    std::vector<qint32> familyAt(index.nameIdLimit(), -1);
-    std::vector<std::pair<QString, std::vector<quint32>>> families;
+    // Families in the library's order, each with its faces in order: a family whose every
+    // face answers is the catalogue's own, shared; one only some of whose faces answer gets
+    // a list of those.
+    const CatalogIndex::FamilyTable &table = index.familyTable();
+    const std::vector<FontFamily> &all = *table.families;
+    std::vector<quint32> answering(all.size(), 0);
+    std::vector<bool> answers(faces.size(), false);
     for (const quint32 at : found) {
-        const quint32 family = faces[at].names[IndexedFace::Family];
-        if (familyAt[family] < 0) {
-            familyAt[family] = qint32(families.size());
-            families.push_back({index.name(family), {}});
+        const quint32 family = table.familyOfFace[at];
+        if (family != CatalogIndex::kNoFamily) {
+            ++answering[family];
+            answers[at] = true;
         }
-        families[size_t(familyAt[family])].second.push_back(at);
     }
-    NameCollator(QLocale()).stableSort(families, [](const auto &family) { return QStringView(family.first); });
-    answer.families.reserve(qsizetype(families.size()));
-    for (auto &[name, positions] : families) {
-        std::sort(positions.begin(), positions.end(), [&](quint32 a, quint32 b) {
-            const IndexedFace &x = faces[a], &y = faces[b];
-            if (std::tie(x.width, x.weight, x.italic) != std::tie(y.width, y.weight, y.italic))
-                return std::tie(x.width, x.weight, x.italic) < std::tie(y.width, y.weight, y.italic);
-            if (x.names[IndexedFace::Style] != y.names[IndexedFace::Style]) {
-                const int styles = index.name(x.names[IndexedFace::Style]).compare(index.name(y.names[IndexedFace::Style]));
-                if (styles != 0)
-                    return styles < 0;
-            }
-            return a < b; // as indexed: the same answer every time
-        });
-        FontFamily family{name, {}};
-        family.faces.reserve(qsizetype(positions.size()));
-        for (const quint32 at : positions)
-            family.faces.append(index.found(faces[at]));
-        answer.families.append(std::move(family));
+    answer.families.share(table.families);
+    for (quint32 family = 0; family < all.size(); ++family) {
+        const std::vector<quint32> &positions = table.positions[family];
+        if (answering[family] == 0)
+            continue;
+        if (answering[family] == positions.size()) {
+            answer.families.appendShared(family);
+            continue;
+        }
+        FontFamily some{all[family].name, {}};
+        for (size_t i = 0; i < positions.size(); ++i) {
+            if (answers[positions[i]])
+                some.faces.append(all[family].faces.at(qsizetype(i)));
+        }
+        answer.families.append(std::move(some));
     }
     return answer;
 }
@@ -270,6 +259,7 @@ qsizetype FontCatalog::countFaces(const FaceFilter &keep) const
     if (!m_db)
         return 0;
     loadIndex();
+    m_index.familyTable(); // the list's first question, asked next, then finds its families ready
     qsizetype count = 0;
     for (const IndexedFace &face : m_index.faces()) {
         const CatalogIndex::File *file = face.file ? m_index.file(face.file) : nullptr;

@@ -213,6 +213,8 @@ TEST(FontCatalog, FilesAreReadAgainOnlyWhenTheyChange)
         catalog.record(file, FaceReader::read(file.path));
     EXPECT_TRUE(catalog.filesToRead(seen).isEmpty()) << "nothing changed, nothing read";
     EXPECT_EQ(catalog.query(FontQuery{.text = u"morvane"_s}).faceCount(), 3); // answers from memory from here on
+    const FontQueryAnswer before = catalog.query(FontQuery{});
+    ASSERT_EQ(before.families.size(), 1);
 
     // A file replaced in place by another font: read again, its old face gone from the answers.
     ASSERT_TRUE(QFile::remove(folder + u"/a.ttf"_s));
@@ -229,6 +231,10 @@ TEST(FontCatalog, FilesAreReadAgainOnlyWhenTheyChange)
     EXPECT_EQ(catalog.filesToRead(seen), QStringList{folder + u"/b.ttf"_s});
     EXPECT_EQ(catalog.faceCount(), 3) << "the gone file's face went with it";
     EXPECT_EQ(catalog.query(FontQuery{.text = u"morvane"_s}).faceCount(), 1);
+    // An answer given before the changes is the library as it was then.
+    EXPECT_EQ(before.faceCount(), 3);
+    EXPECT_EQ(before.families.at(0).faces.size(), 3);
+    EXPECT_EQ(before.families.at(0).faces.at(0).path, folder + u"/a.ttf"_s);
 
     // Unreadable is remembered, and not tried again until it changes.
     const QString bad = writeFile(folder + u"/bad.ttf"_s, "not a font");
