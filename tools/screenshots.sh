@@ -72,4 +72,4 @@ shot browser full -- mousemove 330 127 click 1 sleep 0.6 mousemove 570 179 click
 shot search full -- mousemove 550 35 click 1 sleep 0.3 key s a n s sleep 1 mousemove 900 600
 shot empty empty --
 shot fontlist full -- mousemove 80 95 click 1 sleep 2 mousemove 900 600
-shot compare full -- mousemove 80 95 click 1 sleep 2 mousemove 300 133 click 1 keydown ctrl mousemove 300 187 click 1 mousemove 300 241 click 1 keyup ctrl sleep 0.5 mousemove 878 70 click 1 sleep 1.5 mousemove 900 600
+shot compare full -- mousemove 80 95 click 1 sleep 2 mousemove 300 133 click 1 keydown ctrl mousemove 300 241 click 1 mousemove 300 295 click 1 keyup ctrl sleep 0.5 mousemove 878 70 click 1 sleep 1.5 mousemove 900 600
