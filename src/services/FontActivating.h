@@ -7,6 +7,8 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
+
 // Activating a font makes it available to every application of the user. The store
 // holds the system through this interface, so tests can stand in for it.
 // Implementations are safe to call from worker threads.
@@ -53,4 +55,12 @@ public:
     // by a crash in the middle of a batch. Called after repairActivations(), and only
     // with a saved set that was read back whole.
     virtual void removeActivationsExcept(const QSet<QString> &keep);
+    // Where nobody waits (after a scan, at idle priority): makes ready what activating
+    // these folders, each given as its fonts, will need, so that the switch itself is
+    // quick. `stop` is asked often; true means stop now.
+    virtual void prepareActivation(const QList<QStringList> &fontsByFolder, const std::function<bool()> &stop)
+    {
+        Q_UNUSED(fontsByFolder);
+        Q_UNUSED(stop);
+    }
 };

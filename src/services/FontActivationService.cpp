@@ -68,6 +68,11 @@ bool isNewer(const timespec &a, const timespec &b)
 FontActivationService::FontActivationService(std::optional<QString> linkFolder)
     : m_linkFolder(linkFolder.value_or(defaultLinkFolder()))
 {
+    // "Morvane" beside ".Morvan": a staged group's cache names its folder and files by
+    // path, and a path of the same length can be written over it in place.
+    const QString name = m_linkFolder.section(u'/', -1);
+    if (name.size() >= 2 && !name.startsWith(u'.'))
+        m_stagingFolder = m_linkFolder.section(u'/', 0, -2) + u"/."_s + name.chopped(1);
     m_rebuilders.setMaxThreadCount(std::max(2, QThread::idealThreadCount()));
     m_sinceRebuild.start();
 }
@@ -133,27 +138,19 @@ bool FontActivationService::ensureReady()
     }
     m_tops = tops;
     m_topSet = QSet<QString>(tops.cbegin(), tops.cend());
+    m_noNewLinks = m_topSet;
     if (created) {
         QSet<QString> all(m_tops.begin(), m_tops.end());
         all << m_linkFolder << m_linkFolder.section(u'/', 0, -2);
         rebuildShards(all);
     }
     loadIndex();
+    loadGroups();
     m_ready = true;
     return true;
 }
 
-// One pass over a folder of ours: its subfolders, its links with where they point, and
-// when the folder last changed, read through the folder's handle rather than path by
-// path (a start-up reads every link).
-struct FontActivationService::FolderEntries
-{
-    QStringList folders;
-    QStringList linkNames;
-    QStringList targets;
-    timespec changed{};
-};
-
+// Read through the folder's handle rather than path by path (a start-up reads every link).
 FontActivationService::FolderEntries FontActivationService::readFolder(const QString &folder)
 {
     FolderEntries result;
@@ -233,14 +230,17 @@ void FontActivationService::loadIndex()
     rebuildShards(duplicates);
 }
 
-void FontActivationService::forget(const QString &linkPath)
+void FontActivationService::forget(QString linkPath)
 {
     const QString font = m_fontOfLink.take(linkPath);
     m_linkOfFont.remove(font);
     --m_shardSize[shardOf(linkPath)];
+    const auto group = m_groups.find(groupOfShard(shardOf(linkPath)));
+    if (group != m_groups.end())
+        group->changed = true; // its cache no longer describes it
 }
 
-void FontActivationService::unlinkAndForget(const QString &linkPath)
+void FontActivationService::unlinkAndForget(QString linkPath)
 {
     ::unlink(encoded(linkPath).constData());
     forget(linkPath);
@@ -269,7 +269,7 @@ QString FontActivationService::createShard()
 
 QStringList FontActivationService::placeNewLinks(qsizetype count)
 {
-    QStringList placed = LinkPlacement::place(count, m_shardSize, m_pendingShards, m_topSet, kShardCapacity);
+    QStringList placed = LinkPlacement::place(count, m_shardSize, m_pendingShards, m_noNewLinks, kShardCapacity);
     while (placed.size() < count) {
         const QString shard = createShard();
         if (shard.isEmpty())
@@ -344,6 +344,7 @@ void FontActivationService::setAsideSpecialFiles(const QSet<QString> &shards)
 void FontActivationService::rebuildPending()
 {
     m_sinceRebuild.restart();
+    removeEmptyGroups();
     if (m_pendingShards.isEmpty())
         return;
     setAsideSpecialFiles(m_pendingShards);
@@ -384,8 +385,10 @@ QStringList FontActivationService::finishBatch()
 {
     const QMutexLocker lock(&m_mutex);
     m_inBatch = false;
-    if (ensureReady())
+    if (ensureReady()) {
+        settleGroups();
         rebuildPending();
+    }
     return std::exchange(m_turnedDown, {});
 }
 
@@ -399,69 +402,76 @@ bool FontActivationService::deactivateFont(const QString &path)
     return deactivateFonts({path}).constFirst();
 }
 
+void FontActivationService::failActivation(const QString &path, const QString &reason, const QString &inWords)
+{
+    Console::printLine(u"Failed to activate font at "_s + path + u": "_s + reason);
+    m_failureReasons.insert(path, inWords.isEmpty() ? reason : inWords);
+}
+
+void FontActivationService::linkLoose(const QStringList &fonts)
+{
+    const QStringList shards = placeNewLinks(fonts.size());
+    for (qsizetype n = 0; n < fonts.size(); ++n) {
+        const QString &font = fonts[n];
+        if (n >= shards.size()) {
+            failActivation(font, u"can't create a folder in "_s + m_linkFolder);
+            failForSystem(font, u"can't create a folder in "_s + m_linkFolder);
+            continue;
+        }
+        const QString link = shards[n] + u'/' + linkNameFor(font);
+        if (::symlink(encoded(font).constData(), encoded(link).constData()) != 0) {
+            const QString error = errorText(errno);
+            failActivation(font, error);
+            failForSystem(font, error + u" (in "_s + shards[n] + u')');
+            continue;
+        }
+        m_linkOfFont.insert(font, link);
+        m_fontOfLink.insert(link, font);
+        ++m_shardSize[shards[n]];
+        m_pendingShards.insert(shards[n]);
+    }
+}
+
 QList<bool> FontActivationService::activateFonts(const QStringList &paths)
 {
     const QMutexLocker lock(&m_mutex);
     QList<bool> results(paths.size(), false);
-    const auto fail = [&](qsizetype i, const QString &reason, const QString &inWords = {}) {
-        Console::printLine(u"Failed to activate font at "_s + paths[i] + u": "_s + reason);
-        m_failureReasons.insert(paths[i], inWords.isEmpty() ? reason : inWords);
-    };
     if (!ensureReady()) {
-        for (qsizetype i = 0; i < paths.size(); ++i) {
-            fail(i, m_systemFailureReason);
-            m_systemFailures.append(paths[i]);
+        for (const QString &path : paths) {
+            failActivation(path, m_systemFailureReason);
+            m_systemFailures.append(path);
         }
         return results;
     }
 
-    QList<qsizetype> wanted;
+    QStringList wanted;
     QSet<QString> seen;
-    for (qsizetype i = 0; i < paths.size(); ++i) {
-        const QString &path = paths[i];
+    for (const QString &path : paths) {
         struct stat info{};
-        if (m_linkOfFont.contains(path))
-            results[i] = true; // already active
-        else if (seen.contains(path))
-            continue;
-        else if (::stat(encoded(path).constData(), &info) != 0) {
+        if (m_linkOfFont.contains(path) || seen.contains(path))
+            continue; // already active, or asked twice
+        seen.insert(path);
+        if (::stat(encoded(path).constData(), &info) != 0) {
             const int error = errno;
-            fail(i, errorText(error), error == ENOENT ? u"the file is gone"_s : QString());
+            failActivation(path, errorText(error), error == ENOENT ? u"the file is gone"_s : QString());
             // Gone is the font's own fault; a folder that can't be read or a drive that
             // stopped answering is not.
             if (error != ENOENT && error != ENOTDIR)
                 failForSystem(path, errorText(error));
-        }
-        else if (!S_ISREG(info.st_mode))
-            fail(i, u"not a font file"_s, u"it is not a font file"_s);
+        } else if (!S_ISREG(info.st_mode))
+            failActivation(path, u"not a font file"_s, u"it is not a font file"_s);
+        else if (askGroupIn(path, info))
+            continue; // fontconfig read it when its group was made ready
         else if (!readsAsFont(path))
-            fail(i, u"not a font file fontconfig can read"_s, kUnreadable);
+            failActivation(path, u"not a font file fontconfig can read"_s, kUnreadable);
         else
-            wanted.append(i);
-        seen.insert(path);
+            wanted.append(path);
     }
 
     // All link changes first; caches are rebuilt after (or at the batch's end).
-    const QStringList shards = placeNewLinks(wanted.size());
-    for (qsizetype n = 0; n < wanted.size(); ++n) {
-        const qsizetype i = wanted[n];
-        if (n >= shards.size()) {
-            fail(i, u"can't create a folder in "_s + m_linkFolder);
-            failForSystem(paths[i], u"can't create a folder in "_s + m_linkFolder);
-            continue;
-        }
-        const QString link = shards[n] + u'/' + linkNameFor(paths[i]);
-        if (::symlink(encoded(paths[i]).constData(), encoded(link).constData()) != 0) {
-            const QString error = errorText(errno);
-            fail(i, error);
-            failForSystem(paths[i], error + u" (in "_s + shards[n] + u')');
-            continue;
-        }
-        m_linkOfFont.insert(paths[i], link);
-        m_fontOfLink.insert(link, paths[i]);
-        ++m_shardSize[shards[n]];
-        m_pendingShards.insert(shards[n]);
-    }
+    linkLoose(wanted);
+    if (!m_inBatch)
+        settleGroups();
     if (!m_inBatch || m_sinceRebuild.elapsed() >= kRebuildIntervalMs) {
         rebuildPending();
         if (!m_inBatch)
@@ -469,7 +479,7 @@ QList<bool> FontActivationService::activateFonts(const QStringList &paths)
     }
     // Duplicates share the first one's outcome; what fontconfig refused is not active.
     for (qsizetype i = 0; i < paths.size(); ++i)
-        results[i] = m_linkOfFont.contains(paths[i]);
+        results[i] = m_linkOfFont.contains(paths[i]) || isAskedIn(paths[i]);
     return results;
 }
 
@@ -484,6 +494,8 @@ QList<bool> FontActivationService::deactivateFonts(const QStringList &paths)
         if (found == m_linkOfFont.cend())
             continue; // not active
         const QString link = *found;
+        if (askGroupOut(paths[i], link))
+            continue; // goes with its whole group
         if (::unlink(encoded(link).constData()) == 0 || errno == ENOENT) {
             forget(link);
             m_pendingShards.insert(shardOf(link));
@@ -494,6 +506,8 @@ QList<bool> FontActivationService::deactivateFonts(const QStringList &paths)
             results[i] = false;
         }
     }
+    if (!m_inBatch)
+        settleGroups();
     if (!m_inBatch || m_sinceRebuild.elapsed() >= kRebuildIntervalMs)
         rebuildPending();
     return results;
@@ -584,6 +598,9 @@ void FontActivationService::repairActivations()
         const timespec now[2] = {{0, UTIME_NOW}, {0, UTIME_NOW}};
         ::utimensat(AT_FDCWD, encoded(shard).constData(), now, 0);
         m_pendingShards.insert(shard);
+        const auto group = m_groups.find(groupOfShard(shard));
+        if (group != m_groups.end())
+            group->changed = true; // rescanned where it is: its ready cache is gone
     }
     rebuildPending();
     m_shardTimes.clear(); // needed once, at start

@@ -11,6 +11,7 @@
 #include <QString>
 #include <QThreadPool>
 
+#include <functional>
 #include <optional>
 
 #include <ctime>
@@ -29,6 +30,14 @@
 // rebuilt at its end, and about once a second while it runs. A font counts as active
 // once fontconfig's rebuilt cache lists it; one it turns down loses its link again.
 // An index of our links (read from disk on first use) finds a font's link.
+//
+// Whole folders are made ready ahead of time, where nobody waits: each folder's fonts,
+// sixteen at a time, get a "group" folder of links in a staging folder beside ours that
+// fontconfig never lists (its name starts with a dot), and fontconfig's cache of it,
+// moved to the name the group will have once live. Activating every font of a group then
+// renames the group into our folder: the folder keeps its time, the cache is valid, and
+// no program scans a font. Deactivating a whole group renames it back. A group only
+// partly asked for is linked font by font, as any other.
 // Safe to call from any thread; calls are serialised.
 class FontActivationService : public FontActivating
 {
@@ -52,6 +61,7 @@ public:
     void removeActivationsExcept(const QSet<QString> &keep) override;
     QStringList takeSystemFailures(QString *reason) override;
     QHash<QString, QString> takeFailureReasons() override;
+    void prepareActivation(const QList<QStringList> &fontsByFolder, const std::function<bool()> &stop) override;
 
     QString linkFolder() const { return m_linkFolder; }
     // $XDG_DATA_HOME/fonts/Morvane, where the application's links live.
@@ -64,15 +74,31 @@ public:
     QHash<QString, QString> links();
     // Removes links (a start-up sweep of ones nothing accounts for) and rebuilds their shards.
     void removeLinks(const QStringList &linkPaths);
+    // Where groups are made ready: beside the link folder, the same length, hidden.
+    QString stagingFolder() const { return m_stagingFolder; }
+    // Fonts fontconfig has read while rescanning folders since the start (tests, benchmarks).
+    int fontsScanned() const { return m_fontconfig.fontsScanned(); }
+    // Fonts in groups ready to be renamed in.
+    qsizetype readyFonts();
+    // Whether fontconfig reads this folder of ours from its cache, as every program will.
+    bool hasValidCache(const QString &folder) { return m_fontconfig.hasValidCache(folder); }
 
 private:
     bool ensureReady();
-    struct FolderEntries;
+    // One pass over a folder of ours: its subfolders, its links with where they point,
+    // and when the folder last changed.
+    struct FolderEntries
+    {
+        QStringList folders;
+        QStringList linkNames;
+        QStringList targets;
+        timespec changed{};
+    };
     static FolderEntries readFolder(const QString &folder);
     void loadIndex();
     void indexLinks(const QString &folder, const FolderEntries &entries, QSet<QString> &duplicateShards);
-    void forget(const QString &linkPath);
-    void unlinkAndForget(const QString &linkPath);
+    void forget(QString linkPath); // by value: callers may pass the index's own string
+    void unlinkAndForget(QString linkPath);
     // Shards for `count` new links (see placement in the .cpp).
     QStringList placeNewLinks(qsizetype count);
     QString createShard();
@@ -89,8 +115,39 @@ private:
     // its place would block fontconfig's scan of the shard, and every other program's).
     void setAsideSpecialFiles(const QSet<QString> &shards);
     void failForSystem(const QString &path, const QString &reason);
+    void failActivation(const QString &path, const QString &reason, const QString &inWords = {});
+    // Links each font in the shards placement chooses.
+    void linkLoose(const QStringList &fonts);
+
+    // Groups (FontActivationGroups.cpp).
+    struct Group
+    {
+        QStringList fonts;
+        timespec staged{};  // when its folder last changed in staging
+        bool live = false;  // in our folder
+        bool ready = false; // staged, its cache in place
+        bool changed = false; // live, and a link added or taken since: a shard like any other
+    };
+    QString groupsFolder() const { return m_linkFolder + QStringLiteral("/g"); }
+    QString liveGroupPath(const QString &id) const { return groupsFolder() + u'/' + id; }
+    QString stagedGroupPath(const QString &id) const { return m_stagingFolder + QStringLiteral("/g/") + id; }
+    QString groupOfShard(const QString &shard) const;
+    void loadGroups();
+    // A font asked for whose whole group is ready: noted, and the group renamed in once
+    // all its fonts are asked for. False when the font has to be linked on its own.
+    bool askGroupIn(const QString &font, const struct stat &info);
+    // An active font whose link is in an unchanged live group: noted, and the group
+    // renamed out once all its fonts are asked for.
+    bool askGroupOut(const QString &font, const QString &link);
+    bool moveGroupIn(const QString &id);
+    bool moveGroupOut(const QString &id);
+    // Fonts of groups only partly asked for are linked or unlinked one by one.
+    void settleGroups();
+    bool isAskedIn(const QString &font) const;
+    void removeEmptyGroups();
 
     QString m_linkFolder;
+    QString m_stagingFolder; // empty: no staging where the link folder is
     FontconfigCache m_fontconfig;
     bool m_ready = false;
     QStringList m_tops;                   // 00 … ff
@@ -109,4 +166,9 @@ private:
     QElapsedTimer m_sinceRebuild;
     mutable QMutex m_mutex;
     QThreadPool m_rebuilders; // our own, so a batch job on the global pool can't starve it
+    QHash<QString, Group> m_groups;       // by group id (its folder's name)
+    QHash<QString, QString> m_groupOfFont; // font path -> group id
+    QHash<QString, QSet<QString>> m_askedIn;  // group -> its fonts asked for in this batch
+    QHash<QString, QSet<QString>> m_askedOut; // group -> its fonts asked off in this batch
+    QSet<QString> m_noNewLinks;           // top folders and live groups: placement skips them
 };

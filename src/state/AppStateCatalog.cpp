@@ -124,7 +124,8 @@ void AppState::indexCatalogue()
     const std::shared_ptr<FontCatalog> catalog = m_catalog;
     // One thread for the jobs: a newer one starts once the older has stopped, so the store
     // waits for the newest alone when it goes.
-    m_catalogueJob = QtConcurrent::run(&indexers(), [this, catalog, cancellation, paused = m_cataloguePaused, quietUntil = m_catalogueQuietUntil,
+    m_catalogueJob = QtConcurrent::run(&indexers(), [this, catalog, cancellation, activation = &m_fontActivationService,
+                                                     paused = m_cataloguePaused, quietUntil = m_catalogueQuietUntil,
                                                      files = m_fileSystemService, sources = m_sources,
                                                      collections = m_collections] {
         // A batch of activations goes first, and the next one a user starts soon after:
@@ -193,6 +194,16 @@ void AppState::indexCatalogue()
         qCDebug(lcLibrary) << "catalogued" << total << "of" << paths.size() << "files in" << took.elapsed() << "ms";
         if (!cancellation.isCancelled())
             report(false, done, total, true);
+        // Then, on the same idle thread, what activating each folder will need.
+        QHash<QString, QStringList> byFolder;
+        for (const QString &path : std::as_const(paths))
+            byFolder[path.section(u'/', 0, -2)].append(path);
+        took.restart();
+        activation->prepareActivation(byFolder.values(), [&] {
+            waitYourTurn();
+            return cancellation.isCancelled();
+        });
+        qCDebug(lcActivation) << "made" << byFolder.size() << "folders ready to activate in" << took.elapsed() << "ms";
     });
     m_catalogueJobs.removeIf([](const QFuture<void> &job) { return job.isFinished(); });
     m_catalogueJobs.append(m_catalogueJob);

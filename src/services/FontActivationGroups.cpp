@@ -1,0 +1,321 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Groups: each folder's fonts, sixteen at a time, made ready in a staging folder that
+// fontconfig never lists, with fontconfig's cache already written under the name the
+// group will have once live; activating a whole group renames it in, deactivating one
+// renames it back out, and nobody scans a font at the switch.
+#include "FontActivationService.h"
+
+#include <QCryptographicHash>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QMutexLocker>
+
+#include <algorithm>
+#include <cerrno>
+#include <sys/stat.h>
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr qsizetype kGroupSize = FontActivationService::kShardCapacity;
+
+QByteArray encoded(const QString &path)
+{
+    return QFile::encodeName(path);
+}
+
+bool isNewer(const timespec &a, const timespec &b)
+{
+    return a.tv_sec != b.tv_sec ? a.tv_sec > b.tv_sec : a.tv_nsec > b.tv_nsec;
+}
+
+// Stable for a folder's n-th sixteen fonts, and a plain folder name.
+QString groupId(const QString &folder, qsizetype chunk)
+{
+    return QString::fromLatin1(QCryptographicHash::hash(folder.toUtf8(), QCryptographicHash::Sha1).toHex().left(16)) + u'-'
+           + QString::number(chunk);
+}
+
+bool sameFonts(const QStringList &a, const QStringList &b)
+{
+    return a.size() == b.size() && QSet<QString>(a.cbegin(), a.cend()) == QSet<QString>(b.cbegin(), b.cend());
+}
+
+} // namespace
+
+QString FontActivationService::groupOfShard(const QString &shard) const
+{
+    const QString groups = groupsFolder();
+    return shard.size() > groups.size() && shard.startsWith(groups) && shard.at(groups.size()) == u'/'
+               ? shard.mid(groups.size() + 1)
+               : QString();
+}
+
+void FontActivationService::loadGroups()
+{
+    // Live groups are shards like any other, that never take new links. Whether one
+    // changed since it was made ready is not known after a restart: its fonts then go
+    // one by one, and an emptied group's folder goes with its last link.
+    QSet<QString> duplicates;
+    for (const QString &id : readFolder(groupsFolder()).folders) {
+        const QString folder = liveGroupPath(id);
+        const FolderEntries entries = readFolder(folder);
+        if (entries.linkNames.isEmpty()) {
+            ::rmdir(encoded(folder).constData()); // emptied, then killed before it went
+            m_pendingShards.insert(groupsFolder());
+            continue;
+        }
+        m_shardSize.insert(folder, 0);
+        indexLinks(folder, entries, duplicates);
+        m_noNewLinks.insert(folder);
+        m_groups.insert(id, Group{.fonts = entries.targets, .live = true, .changed = true});
+    }
+    rebuildShards(duplicates);
+    if (m_stagingFolder.isEmpty())
+        return;
+    // A group whose making was cut short has no cache to trust: made again later.
+    const QString building = m_stagingFolder + u"/building"_s;
+    for (const QString &id : QDir(building).entryList(QDir::Files)) {
+        QDir(stagedGroupPath(id)).removeRecursively();
+        QFile::remove(building + u'/' + id);
+    }
+    for (const QString &id : readFolder(m_stagingFolder + u"/g"_s).folders) {
+        const FolderEntries entries = readFolder(stagedGroupPath(id));
+        if (m_groups.contains(id) || entries.targets.isEmpty()) {
+            QDir(stagedGroupPath(id)).removeRecursively();
+            continue;
+        }
+        m_groups.insert(id, Group{.fonts = entries.targets, .staged = entries.changed, .ready = true});
+        for (const QString &font : entries.targets)
+            m_groupOfFont.insert(font, id);
+    }
+}
+
+qsizetype FontActivationService::readyFonts()
+{
+    const QMutexLocker lock(&m_mutex);
+    qsizetype count = 0;
+    for (const Group &group : std::as_const(m_groups))
+        count += group.ready && !group.live ? group.fonts.size() : 0;
+    return count;
+}
+
+void FontActivationService::prepareActivation(const QList<QStringList> &fontsByFolder, const std::function<bool()> &stop)
+{
+    {
+        const QMutexLocker lock(&m_mutex);
+        if (!ensureReady() || m_stagingFolder.isEmpty())
+            return;
+    }
+    const QString building = m_stagingFolder + u"/building"_s;
+    if (!QDir().mkpath(m_stagingFolder + u"/g"_s) || !QDir().mkpath(building))
+        return;
+    QSet<QString> wanted;
+    for (QStringList fonts : fontsByFolder) {
+        if (fonts.isEmpty())
+            continue;
+        fonts.sort();
+        const QString folder = fonts.constFirst().section(u'/', 0, -2);
+        for (qsizetype start = 0; start < fonts.size(); start += kGroupSize) {
+            if (stop())
+                return;
+            const QString id = groupId(folder, start / kGroupSize);
+            const QStringList members = fonts.mid(start, kGroupSize);
+            wanted.insert(id);
+            {
+                const QMutexLocker lock(&m_mutex);
+                const auto known = m_groups.constFind(id);
+                if (known != m_groups.cend() && (known->live || (known->ready && sameFonts(known->fonts, members))))
+                    continue;
+                if (known != m_groups.cend()) {
+                    for (const QString &font : known->fonts) {
+                        if (m_groupOfFont.value(font) == id)
+                            m_groupOfFont.remove(font);
+                    }
+                    m_groups.remove(id); // nobody renames it in while it is made again
+                }
+            }
+            // Outside the lock: fontconfig reads the fonts here, and activation goes on.
+            const QString staged = stagedGroupPath(id), marker = building + u'/' + id;
+            if (QFile made(marker); !made.open(QIODevice::WriteOnly))
+                return; // the staging folder can't be written: nothing is made ready
+            QDir(staged).removeRecursively();
+            QDir().mkpath(staged);
+            for (const QString &font : members)
+                ::symlink(encoded(font).constData(), encoded(staged + u'/' + linkNameFor(font)).constData());
+            std::optional<QSet<QString>> listed = m_fontconfig.stage(staged, liveGroupPath(id));
+            // A font fontconfig turns down leaves the group, and is linked on its own when asked.
+            QStringList accepted;
+            for (const QString &font : members) {
+                if (listed && listed->contains(linkNameFor(font)))
+                    accepted.append(font);
+                else
+                    ::unlink(encoded(staged + u'/' + linkNameFor(font)).constData());
+            }
+            if (listed && !accepted.isEmpty() && accepted.size() != members.size())
+                listed = m_fontconfig.stage(staged, liveGroupPath(id));
+            struct stat info{};
+            if (!listed || accepted.isEmpty() || ::stat(encoded(staged).constData(), &info) != 0) {
+                QDir(staged).removeRecursively();
+                QFile::remove(marker);
+                continue;
+            }
+            QFile::remove(marker);
+            const QMutexLocker lock(&m_mutex);
+            m_groups.insert(id, Group{.fonts = accepted, .staged = info.st_mtim, .ready = true});
+            for (const QString &font : accepted)
+                m_groupOfFont.insert(font, id);
+        }
+    }
+    // Groups of folders that are gone, or that have other fonts now, go too.
+    const QMutexLocker lock(&m_mutex);
+    for (auto it = m_groups.begin(); it != m_groups.end();) {
+        if (it->live || wanted.contains(it.key())) {
+            ++it;
+            continue;
+        }
+        QDir(stagedGroupPath(it.key())).removeRecursively();
+        for (const QString &font : it->fonts) {
+            if (m_groupOfFont.value(font) == it.key())
+                m_groupOfFont.remove(font);
+        }
+        it = m_groups.erase(it);
+    }
+}
+
+bool FontActivationService::askGroupIn(const QString &font, const struct stat &info)
+{
+    const auto id = m_groupOfFont.constFind(font);
+    if (id == m_groupOfFont.cend())
+        return false;
+    Group &group = m_groups[*id];
+    if (!group.ready || group.live)
+        return false;
+    // Changed since it was made ready: the cache describes the file as it was.
+    if (!isNewer(group.staged, info.st_mtim) || !isNewer(group.staged, info.st_ctim)) {
+        group.ready = false;
+        return false;
+    }
+    QSet<QString> &asked = m_askedIn[*id];
+    asked.insert(font);
+    if (asked.size() == group.fonts.size()
+        && std::none_of(group.fonts.cbegin(), group.fonts.cend(), [this](const QString &f) { return m_linkOfFont.contains(f); })
+        && moveGroupIn(*id))
+        m_askedIn.remove(*id);
+    return true; // linked with its group, or on its own once the batch ends
+}
+
+bool FontActivationService::askGroupOut(const QString &font, const QString &link)
+{
+    const QString id = groupOfShard(shardOf(link));
+    const auto group = m_groups.find(id);
+    if (id.isEmpty() || group == m_groups.end() || !group->live || group->changed)
+        return false;
+    QSet<QString> &asked = m_askedOut[id];
+    asked.insert(font);
+    if (asked.size() == group->fonts.size() && moveGroupOut(id))
+        m_askedOut.remove(id);
+    return true;
+}
+
+bool FontActivationService::isAskedIn(const QString &font) const
+{
+    const auto id = m_groupOfFont.constFind(font);
+    if (id == m_groupOfFont.cend())
+        return false;
+    const auto asked = m_askedIn.constFind(*id);
+    return asked != m_askedIn.cend() && asked->contains(font);
+}
+
+bool FontActivationService::moveGroupIn(const QString &id)
+{
+    Group &group = m_groups[id];
+    const QString live = liveGroupPath(id);
+    if (!QFileInfo::exists(groupsFolder())) {
+        if (!QDir().mkpath(groupsFolder()))
+            return false;
+        m_pendingShards.insert(m_linkFolder); // lists one more folder
+    }
+    if (::rename(encoded(stagedGroupPath(id)).constData(), encoded(live).constData()) != 0) {
+        group.ready = false; // another file system, or gone: its fonts go one by one
+        return false;
+    }
+    group.live = true;
+    group.ready = false;
+    group.changed = false;
+    m_shardSize.insert(live, group.fonts.size());
+    m_noNewLinks.insert(live);
+    for (const QString &font : std::as_const(group.fonts)) {
+        const QString link = live + u'/' + linkNameFor(font);
+        m_linkOfFont.insert(font, link);
+        m_fontOfLink.insert(link, font);
+    }
+    m_pendingShards.insert(groupsFolder()); // lists one more folder; the group's own cache is ready
+    return true;
+}
+
+bool FontActivationService::moveGroupOut(const QString &id)
+{
+    Group &group = m_groups[id];
+    const QString live = liveGroupPath(id);
+    if (m_stagingFolder.isEmpty()
+        || ::rename(encoded(live).constData(), encoded(stagedGroupPath(id)).constData()) != 0)
+        return false;
+    for (const QString &font : std::as_const(group.fonts))
+        m_fontOfLink.remove(m_linkOfFont.take(font));
+    group.live = false;
+    group.ready = true; // its folder kept its time, so its cache is valid when it comes back
+    m_shardSize.remove(live);
+    m_noNewLinks.remove(live);
+    m_pendingShards.remove(live);
+    m_pendingShards.insert(groupsFolder());
+    return true;
+}
+
+void FontActivationService::settleGroups()
+{
+    QStringList loose;
+    for (const QSet<QString> &asked : std::as_const(m_askedIn)) {
+        for (const QString &font : asked) {
+            if (!m_linkOfFont.contains(font))
+                loose.append(font);
+        }
+    }
+    m_askedIn.clear();
+    linkLoose(loose); // fontconfig read them when they were made ready; the rebuild judges again
+    for (const QSet<QString> &asked : std::as_const(m_askedOut)) {
+        for (const QString &font : asked) {
+            const QString link = m_linkOfFont.value(font); // a copy: forgetting it removes the index's
+            if (!link.isEmpty())
+                unlinkAndForget(link);
+        }
+    }
+    m_askedOut.clear();
+}
+
+void FontActivationService::removeEmptyGroups()
+{
+    // A live group whose last link went: its folder goes too (fontconfig would keep
+    // reading it), and the group is made ready again after the next scan.
+    const QSet<QString> pending = m_pendingShards;
+    for (const QString &shard : pending) {
+        const QString id = groupOfShard(shard);
+        if (id.isEmpty() || m_shardSize.value(shard) != 0 || ::rmdir(encoded(shard).constData()) != 0)
+            continue;
+        m_shardSize.remove(shard);
+        m_noNewLinks.remove(shard);
+        m_pendingShards.remove(shard);
+        m_pendingShards.insert(groupsFolder());
+        const auto group = m_groups.constFind(id);
+        if (group != m_groups.cend()) {
+            for (const QString &font : group->fonts) {
+                if (m_groupOfFont.value(font) == id)
+                    m_groupOfFont.remove(font);
+            }
+            m_groups.erase(group);
+        }
+    }
+}

@@ -1,0 +1,193 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Folders made ready ahead of time: with the real fontconfig, a whole folder goes in and
+// out without fontconfig reading a font, and the links, the service's own record and
+// fc-list agree after every mix of whole folders, single fonts, restarts and changed files.
+#include "TestSupport.h"
+
+#include "services/FontActivationService.h"
+
+#include <QDir>
+#include <QFile>
+#include <QProcess>
+
+#include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
+using namespace TestSupport;
+
+namespace {
+
+const QString kDejaVu = u"/usr/share/fonts/truetype/dejavu/"_s;
+
+QSet<QString> listedByFontconfig(const QString &linkFolder)
+{
+    QProcess process;
+    process.start(u"fc-list"_s, {u"--format=%{file}\\n"_s});
+    EXPECT_TRUE(process.waitForFinished(60'000));
+    QSet<QString> fonts;
+    for (const QString &file : QString::fromUtf8(process.readAllStandardOutput()).split(u'\n', Qt::SkipEmptyParts)) {
+        if (file.startsWith(linkFolder + u'/'))
+            fonts.insert(QFile::symLinkTarget(file));
+    }
+    return fonts;
+}
+
+QSet<QString> recorded(FontActivationService &service)
+{
+    const QHash<QString, QString> links = service.links();
+    return QSet<QString>(links.cbegin(), links.cend());
+}
+
+// As the store sends them: chunks of eight between beginBatch() and finishBatch().
+QStringList inBatch(FontActivationService &service, const QStringList &fonts, bool activate)
+{
+    service.beginBatch();
+    for (qsizetype start = 0; start < fonts.size(); start += 8) {
+        const QStringList chunk = fonts.mid(start, 8);
+        const QList<bool> results = activate ? service.activateFonts(chunk) : service.deactivateFonts(chunk);
+        EXPECT_EQ(results, QList<bool>(chunk.size(), true));
+    }
+    return service.finishBatch();
+}
+
+const auto never = [] { return false; };
+
+class Groups : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        folder = makeDir(testRoot() + u"/Library/Pack"_s);
+        const QStringList faces{u"DejaVuSans.ttf"_s, u"DejaVuSans-Bold.ttf"_s, u"DejaVuSerif.ttf"_s, u"DejaVuSansMono.ttf"_s};
+        for (int i = 0; i < 40; ++i) {
+            const QString font = folder + u"/Font %1.ttf"_s.arg(i, 2, 10, QChar(u'0'));
+            ASSERT_TRUE(QFile::copy(kDejaVu + faces[i % faces.size()], font));
+            fonts.append(font);
+        }
+    }
+    QSet<QString> all() const { return QSet<QString>(fonts.cbegin(), fonts.cend()); }
+
+    QString folder;
+    QStringList fonts;
+};
+
+} // namespace
+
+TEST_F(Groups, AWholeFolderMadeReadyGoesInAndOutWithoutAScan)
+{
+    FontActivationService service;
+    ASSERT_EQ(service.stagingFolder().size(), service.linkFolder().size());
+    service.prepareActivation({fonts}, never);
+    EXPECT_EQ(service.readyFonts(), 40);
+    EXPECT_TRUE(listedByFontconfig(service.linkFolder()).isEmpty()) << "ready is not active";
+
+    for (int round = 0; round < 2; ++round) {
+        const int scanned = service.fontsScanned();
+        EXPECT_TRUE(inBatch(service, fonts, true).isEmpty());
+        EXPECT_EQ(service.fontsScanned(), scanned) << "round " << round << ": no font read at the switch";
+        EXPECT_EQ(listedByFontconfig(service.linkFolder()), all());
+        EXPECT_EQ(recorded(service), all());
+        const QStringList groups = QDir(service.linkFolder() + u"/g"_s).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
+        EXPECT_EQ(groups.size(), 3);
+        for (const QString &group : groups)
+            EXPECT_TRUE(service.hasValidCache(service.linkFolder() + u"/g/"_s + group)) << "every program reads it as it is";
+
+        EXPECT_TRUE(inBatch(service, fonts, false).isEmpty());
+        EXPECT_EQ(service.fontsScanned(), scanned);
+        EXPECT_TRUE(listedByFontconfig(service.linkFolder()).isEmpty());
+        EXPECT_TRUE(recorded(service).isEmpty());
+        EXPECT_EQ(service.readyFonts(), 40) << "back out, and ready again";
+    }
+}
+
+// One font off a whole group, one font on, then a restart and everything off: each
+// step agrees with fontconfig, and no emptied folder is left for every program to read.
+TEST_F(Groups, SingleFontsInAndAroundWholeGroupsAgreeWithFontconfig)
+{
+    {
+        FontActivationService service;
+        service.prepareActivation({fonts}, never);
+        inBatch(service, fonts.mid(0, 32), true); // two whole groups; the third is asked for in part
+        EXPECT_EQ(listedByFontconfig(service.linkFolder()), QSet<QString>(fonts.cbegin(), fonts.cbegin() + 32));
+
+        EXPECT_TRUE(service.deactivateFont(fonts[3]));
+        QSet<QString> expected(fonts.cbegin(), fonts.cbegin() + 32);
+        expected.remove(fonts[3]);
+        EXPECT_EQ(listedByFontconfig(service.linkFolder()), expected);
+        EXPECT_TRUE(service.activateFont(fonts[35]));
+        expected.insert(fonts[35]);
+        EXPECT_EQ(listedByFontconfig(service.linkFolder()), expected);
+        EXPECT_EQ(recorded(service), expected);
+    }
+    FontActivationService restarted; // the next start reads what is on disk
+    QSet<QString> expected(fonts.cbegin(), fonts.cbegin() + 32);
+    expected.remove(fonts[3]);
+    expected.insert(fonts[35]);
+    EXPECT_EQ(recorded(restarted), expected);
+    const QStringList active(expected.cbegin(), expected.cend());
+    EXPECT_TRUE(inBatch(restarted, active, false).isEmpty());
+    EXPECT_TRUE(listedByFontconfig(restarted.linkFolder()).isEmpty());
+    EXPECT_TRUE(QDir(restarted.linkFolder() + u"/g"_s).entryList(QDir::Dirs | QDir::NoDotAndDotDot).isEmpty());
+}
+
+// A font copied into a wholly active folder is not active; the folder's next
+// preparation leaves the live groups alone.
+TEST_F(Groups, AFontAddedToAWhollyActiveFolderStaysInactive)
+{
+    FontActivationService service;
+    service.prepareActivation({fonts}, never);
+    inBatch(service, fonts, true);
+    const QString added = folder + u"/Font 99.ttf"_s;
+    ASSERT_TRUE(QFile::copy(kDejaVu + u"DejaVuSerif-Bold.ttf"_s, added));
+    service.prepareActivation({QStringList(fonts) << added}, never);
+    EXPECT_EQ(listedByFontconfig(service.linkFolder()), all());
+    EXPECT_EQ(recorded(service), all());
+    EXPECT_TRUE(service.activateFont(added));
+    EXPECT_EQ(listedByFontconfig(service.linkFolder()), all() + QSet<QString>{added});
+}
+
+// A file replaced after its group was made ready is not taken from the group's cache:
+// its group goes font by font, and fontconfig describes the new file.
+TEST_F(Groups, AFileChangedSinceItWasMadeReadyIsReadAgain)
+{
+    FontActivationService service;
+    service.prepareActivation({fonts}, never);
+    ASSERT_TRUE(QFile::remove(fonts[0]));
+    ASSERT_TRUE(QFile::copy(kDejaVu + u"DejaVuSerif-Bold.ttf"_s, fonts[0]));
+    const int scanned = service.fontsScanned();
+    EXPECT_TRUE(inBatch(service, fonts, true).isEmpty());
+    EXPECT_GE(service.fontsScanned() - scanned, 16) << "the changed file's group, font by font";
+    EXPECT_LT(service.fontsScanned() - scanned, 32) << "and no other group";
+    QProcess process;
+    process.start(u"fc-list"_s, {u"--format=%{file}|%{family[0]}|%{style[0]}\\n"_s});
+    ASSERT_TRUE(process.waitForFinished(60'000));
+    QString described;
+    for (const QString &line : QString::fromUtf8(process.readAllStandardOutput()).split(u'\n', Qt::SkipEmptyParts)) {
+        if (line.startsWith(service.linkFolder()) && QFile::symLinkTarget(line.section(u'|', 0, 0)) == fonts[0])
+            described = line.section(u'|', 1);
+    }
+    EXPECT_EQ(described, u"DejaVu Serif|Bold"_s);
+    EXPECT_EQ(listedByFontconfig(service.linkFolder()), all());
+}
+
+// A process killed between two chunks of a whole folder: the next start's record is
+// what is linked, fontconfig agrees, and the saved list's sweep puts it right.
+TEST_F(Groups, AKillInTheMiddleLeavesLinksAndFontconfigAgreeing)
+{
+    {
+        FontActivationService service;
+        service.prepareActivation({fonts}, never);
+        service.beginBatch();
+        service.activateFonts(fonts.mid(0, 8));
+        service.activateFonts(fonts.mid(8, 8)); // the first group goes in
+        service.activateFonts(fonts.mid(16, 8)); // half of the second: never finished
+    }
+    FontActivationService next;
+    const QSet<QString> onDisk = recorded(next);
+    EXPECT_EQ(onDisk, QSet<QString>(fonts.cbegin(), fonts.cbegin() + 16));
+    EXPECT_EQ(listedByFontconfig(next.linkFolder()), onDisk);
+    next.repairActivations();
+    next.removeActivationsExcept(QSet<QString>(fonts.cbegin(), fonts.cbegin() + 4)); // what was saved
+    EXPECT_EQ(listedByFontconfig(next.linkFolder()), QSet<QString>(fonts.cbegin(), fonts.cbegin() + 4));
+    EXPECT_EQ(recorded(next), QSet<QString>(fonts.cbegin(), fonts.cbegin() + 4));
+}
