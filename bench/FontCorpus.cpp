@@ -56,9 +56,11 @@ const Faces &faces()
 
 namespace FontCorpus {
 
-QStringList fonts(const QString &name, int count)
+QStringList fonts(const QString &name, int count, bool variable)
 {
-    const QStringList &readable = faces().readable;
+    QStringList readable = faces().readable;
+    if (!variable)
+        readable.removeIf([](const QString &face) { return face.contains(u".var."_s); });
     if (readable.isEmpty())
         qFatal("None of the fonts tools/install-deps.sh installs can be read: run make deps");
     const QString folder = BenchFigures::dataDirectory() + u"/fonts/"_s + name;

@@ -9,7 +9,9 @@
 namespace FontCorpus {
 
 // `count` links in the benchmark data folder `name`, made (or mended) on first use.
-QStringList fonts(const QString &name, int count);
+// Without `variable`, the static faces only: a variable font is listed by fontconfig once
+// per named instance, which would make a listing of it cost many times a static one's.
+QStringList fonts(const QString &name, int count, bool variable = true);
 // How many of the packaged faces did not read (printed as a figure).
 int unreadableFaces();
 

@@ -32,6 +32,16 @@ bool isNewer(const timespec &a, const timespec &b)
     return a.tv_sec != b.tv_sec ? a.tv_sec > b.tv_sec : a.tv_nsec > b.tv_nsec;
 }
 
+// Whether the font's file, or the link it is, changed after `when` (or can't be seen).
+bool changedSince(const QString &font, const timespec &when)
+{
+    struct stat file{}, link{};
+    if (::stat(encoded(font).constData(), &file) != 0 || ::lstat(encoded(font).constData(), &link) != 0)
+        return true;
+    return !isNewer(when, file.st_mtim) || !isNewer(when, file.st_ctim) || !isNewer(when, link.st_mtim)
+           || !isNewer(when, link.st_ctim);
+}
+
 // Stable for a folder's n-th sixteen fonts, and a plain folder name.
 QString groupId(const QString &folder, qsizetype chunk)
 {
@@ -128,7 +138,11 @@ void FontActivationService::prepareActivation(const QList<QStringList> &fontsByF
             {
                 const QMutexLocker lock(&m_mutex);
                 const auto known = m_groups.constFind(id);
-                if (known != m_groups.cend() && (known->live || (known->ready && sameFonts(known->fonts, members))))
+                if (known != m_groups.cend()
+                    && (known->live
+                        || (known->ready && sameFonts(known->fonts, members)
+                            && std::none_of(members.cbegin(), members.cend(),
+                                            [&](const QString &font) { return changedSince(font, known->staged); }))))
                     continue;
                 if (known != m_groups.cend()) {
                     for (const QString &font : known->fonts) {
@@ -186,7 +200,7 @@ void FontActivationService::prepareActivation(const QList<QStringList> &fontsByF
     }
 }
 
-bool FontActivationService::askGroupIn(const QString &font, const struct stat &info)
+bool FontActivationService::askGroupIn(const QString &font)
 {
     const auto id = m_groupOfFont.constFind(font);
     if (id == m_groupOfFont.cend())
@@ -194,8 +208,9 @@ bool FontActivationService::askGroupIn(const QString &font, const struct stat &i
     Group &group = m_groups[*id];
     if (!group.ready || group.live)
         return false;
-    // Changed since it was made ready: the cache describes the file as it was.
-    if (!isNewer(group.staged, info.st_mtim) || !isNewer(group.staged, info.st_ctim)) {
+    // Changed since it was made ready (the file, or the link it is): the cache describes
+    // the file as it was.
+    if (changedSince(font, group.staged)) {
         group.ready = false;
         return false;
     }

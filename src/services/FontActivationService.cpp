@@ -460,7 +460,7 @@ QList<bool> FontActivationService::activateFonts(const QStringList &paths)
                 failForSystem(path, errorText(error));
         } else if (!S_ISREG(info.st_mode))
             failActivation(path, u"not a font file"_s, u"it is not a font file"_s);
-        else if (askGroupIn(path, info))
+        else if (askGroupIn(path))
             continue; // fontconfig read it when its group was made ready
         else if (!readsAsFont(path))
             failActivation(path, u"not a font file fontconfig can read"_s, kUnreadable);

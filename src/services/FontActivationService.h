@@ -135,7 +135,7 @@ private:
     void loadGroups();
     // A font asked for whose whole group is ready: noted, and the group renamed in once
     // all its fonts are asked for. False when the font has to be linked on its own.
-    bool askGroupIn(const QString &font, const struct stat &info);
+    bool askGroupIn(const QString &font);
     // An active font whose link is in an unchanged live group: noted, and the group
     // renamed out once all its fonts are asked for.
     bool askGroupOut(const QString &font, const QString &link);
