@@ -25,17 +25,21 @@ QString progressMessage(const QString &label, qsizetype done, qsizetype total)
     return u"%1 fonts (%2 of %3)..."_s.arg(label).arg(done).arg(total);
 }
 
-template <typename Fonts>
-ActivationState stateOf(const Fonts &fonts, const QSet<QString> &activated)
+template <typename Fonts, typename Count>
+Count countOf(const Fonts &fonts, const QSet<QString> &activated)
 {
-    long long active = 0;
-    long long total = 0;
+    Count count;
     for (const FontNode &font : fonts) {
-        ++total;
+        ++count.total;
         if (activated.contains(font.path()))
-            ++active;
+            ++count.active;
     }
-    return activationStateFor(active, total);
+    return count;
+}
+
+bool isUnder(const QString &path, const QString &folder)
+{
+    return path.size() > folder.size() && path.startsWith(folder) && (path.at(folder.size()) == u'/' || folder.endsWith(u'/'));
 }
 
 } // namespace
@@ -44,23 +48,49 @@ ActivationState AppState::activationState(const FontNode &node)
 {
     if (node.isFont())
         return m_activatedFonts.contains(node.path()) ? ActivationState::Active : ActivationState::Inactive;
-    const auto memo = m_activationStateCache.constFind(node.path());
-    if (memo != m_activationStateCache.cend())
-        return *memo;
+    auto memo = m_activationStateCache.constFind(node.path());
     // Read from the scan only; a folder it does not know has no fonts.
-    const ActivationState state = stateOf(m_fileSystemService->allFonts(node.path()), m_activatedFonts);
-    m_activationStateCache.insert(node.path(), state);
-    return state;
+    if (memo == m_activationStateCache.cend())
+        memo = m_activationStateCache.insert(node.path(),
+                                             countOf<decltype(m_fileSystemService->allFonts(node.path())), ActiveCount>(
+                                                 m_fileSystemService->allFonts(node.path()), m_activatedFonts));
+    return activationStateFor(memo->active, memo->total);
 }
 
 ActivationState AppState::collectionActivationState(const FontCollection &collection)
 {
-    const auto memo = m_collectionStateCache.constFind(collection.id);
-    if (memo != m_collectionStateCache.cend())
-        return *memo;
-    const ActivationState state = stateOf(allFontsInCollection(collection), m_activatedFonts);
-    m_collectionStateCache.insert(collection.id, state);
-    return state;
+    auto memo = m_collectionStateCache.constFind(collection.id);
+    if (memo == m_collectionStateCache.cend()) {
+        const auto fonts = allFontsInCollection(collection);
+        memo = m_collectionStateCache.insert(collection.id, countOf<decltype(fonts), ActiveCount>(fonts, m_activatedFonts));
+    }
+    return activationStateFor(memo->active, memo->total);
+}
+
+void AppState::countChanged(const QStringList &changed, bool nowActive)
+{
+    // Only what the scan knows is counted, as when a row's count is first taken.
+    QStringList fonts;
+    for (const QString &font : changed) {
+        if (m_fileSystemService->exists(font))
+            fonts.append(font);
+    }
+    const qint64 step = nowActive ? 1 : -1;
+    for (auto it = m_activationStateCache.begin(); it != m_activationStateCache.end(); ++it) {
+        for (const QString &font : fonts)
+            it->active += isUnder(font, it.key()) ? step : 0;
+    }
+    for (const FontCollection &collection : std::as_const(m_collections)) {
+        const auto memo = m_collectionStateCache.find(collection.id);
+        if (memo == m_collectionStateCache.end())
+            continue;
+        for (const QString &font : fonts) {
+            const bool member = std::any_of(collection.members.cbegin(), collection.members.cend(), [&](const CollectionMember &m) {
+                return m.isDirectory ? isUnder(font, m.path) : m.path == font;
+            });
+            memo->active += member ? step : 0;
+        }
+    }
 }
 
 void AppState::saveActivatedFonts()
@@ -295,18 +325,17 @@ QCoro::Task<> AppState::batchProcess(QList<FontNode> fonts, bool activate, QStri
                 failed.append(path);
         }
         // Changed in place: copying a set of 100,000 paths per chunk would add up.
-        bool changed = false;
+        QStringList changed;
         for (const QString &path : succeeded) {
-            if (!activate) {
-                changed |= m_activatedFonts.remove(path);
-            } else if (!m_activatedFonts.contains(path)) {
+            if (activate ? !m_activatedFonts.contains(path) : m_activatedFonts.contains(path))
+                changed.append(path);
+            if (activate)
                 m_activatedFonts.insert(path);
-                changed = true;
-            }
+            else
+                m_activatedFonts.remove(path);
         }
-        if (changed) {
-            m_activationStateCache.clear();
-            m_collectionStateCache.clear();
+        if (!changed.isEmpty()) {
+            countChanged(changed, activate);
             Q_EMIT activatedFontsChanged();
         }
         const qsizetype done = std::min(start + kChunkSize, total);
@@ -341,12 +370,13 @@ QCoro::Task<> AppState::batchProcess(QList<FontNode> fonts, bool activate, QStri
             reportFontFailures(failed + *turnedDown, reasons, total, activate);
         }
     }
-    bool changed = false;
-    for (const QString &path : turnedDown.value_or(QStringList()))
-        changed |= m_activatedFonts.remove(path);
-    if (changed) {
-        m_activationStateCache.clear();
-        m_collectionStateCache.clear();
+    QStringList refused;
+    for (const QString &path : turnedDown.value_or(QStringList())) {
+        if (m_activatedFonts.remove(path))
+            refused.append(path);
+    }
+    if (!refused.isEmpty()) {
+        countChanged(refused, false);
         Q_EMIT activatedFontsChanged();
     }
     qCDebug(lcActivation) << (activate ? "activated" : "deactivated") << total << "fonts in" << took.elapsed() << "ms";

@@ -166,3 +166,48 @@ TEST_F(Activation, FolderStatesAreMemoisedUntilTheFontsOrTheLibraryChange)
     scan();
     EXPECT_EQ(store->activationState(unknown), ActivationState::Active);
 }
+
+// Rows already drawn keep counting as batches go, chunk by chunk: after each step every
+// folder's and collection's state is what counting its fonts afresh says.
+TEST_F(Activation, RowStatesFollowEveryBatchWithoutBeingCountedAgain)
+{
+    store->createCollection(u"Set"_s);
+    const QUuid id = store->collections().first().id;
+    store->addToCollection(id, folder(u"Mixed"_s));
+    store->addToCollection(id, font(u"Big/f03.ttf"_s));
+    const QStringList folders{u"Big"_s, u"Mixed"_s, u"Other"_s};
+    const auto freshState = [&](const QList<FontNode> &fonts) {
+        qsizetype active = 0;
+        for (const FontNode &f : fonts)
+            active += store->activatedFonts().contains(f.path()) ? 1 : 0;
+        return activationStateFor(active, fonts.size());
+    };
+    const auto check = [&](const char *step) {
+        for (const QString &name : folders)
+            EXPECT_EQ(store->activationState(folder(name)), freshState(fontsOf(name))) << step << " " << name.toStdString();
+        const std::span<const FontNode> all = store->fileSystemService().allFonts(library);
+        EXPECT_EQ(store->activationState(FontNode::folder(library)), freshState(QList<FontNode>(all.begin(), all.end()))) << step;
+        const FontCollection set = store->collections().first();
+        EXPECT_EQ(store->collectionActivationState(set), freshState(fontsOf(u"Mixed"_s) << font(u"Big/f03.ttf"_s))) << step;
+    };
+    check("nothing active"); // every row counted once, as a first paint does
+    const struct
+    {
+        const char *step;
+        std::function<void()> act;
+    } steps[] = {
+        {"a folder on", [&] { store->toggleActivation(folder(u"Big"_s)); }},
+        {"one font off", [&] { store->toggleActivation(font(u"Big/f03.ttf"_s)); }},
+        {"the collection on", [&] { store->toggleCollectionActivation(store->collections().first()); }},
+        {"a font fontconfig turns down", [&] {
+             activation.failing.insert(path(u"Other/o.otf"_s));
+             store->toggleActivation(folder(u"Other"_s));
+         }},
+        {"the source off", [&] { store->toggleActivation(FontNode::folder(library)); }},
+    };
+    for (const auto &s : steps) {
+        s.act();
+        ASSERT_TRUE(waitUntilIdle()) << s.step;
+        check(s.step);
+    }
+}
