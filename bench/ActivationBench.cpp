@@ -8,12 +8,14 @@
 #include "services/FontActivationService.h"
 #include "state/AppState.h"
 
+#include <QCoroTask>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QEventLoop>
 #include <QFile>
 #include <QProcess>
 #include <QStandardPaths>
+#include <QThread>
 
 #include <benchmark/benchmark.h>
 
@@ -80,8 +82,14 @@ public:
         }
         return m_store.activatedFonts().size() == count;
     }
-    // Deactivated at the end, so the next run starts from nothing.
-    void clear() { m_activation.removeLinks(m_activation.links().keys()); }
+    // Deactivated at the end, so the next run starts from nothing: through the store, as
+    // "Deactivate All Fonts" does, so whole folders go back ready for the next benchmark.
+    void clear()
+    {
+        QCoro::waitFor(m_store.deactivateAllFonts());
+        waitUntilIdle(m_store);
+        m_activation.removeLinks(m_activation.links().keys()); // whatever an interrupted run left
+    }
 
 private:
     ActivationStore()
@@ -93,11 +101,19 @@ private:
         FontCorpus::fonts(u"store/Batch"_s, 10'000);
         FontCorpus::fonts(u"store/More"_s, 80'000);
         FontCorpus::fonts(u"store/Single"_s, 1);
-        clear(); // whatever an interrupted run left
+        m_activation.removeLinks(m_activation.links().keys()); // whatever an interrupted run left
         const FolderSource source{QUuid::createUuid(), corpusRoot(), u"store"_s};
+        m_store.setCatalogueFile(BenchFigures::dataDirectory() + u"/catalog-activation.sqlite"_s);
+        m_store.setCatalogueSettleTime(0);
         m_store.setSourcesForTesting({source});
         m_store.refreshFileSystem();
         waitUntilIdle(m_store);
+        // After the scan the library is catalogued and its folders made ready, as a
+        // user's long have been by the time they click.
+        QElapsedTimer waited;
+        waited.start();
+        while ((!m_store.waitForCatalogue(50) || m_activation.readyFonts() < 100'000) && waited.elapsed() < 30 * 60'000)
+            QThread::msleep(50);
     }
 
     FontActivationService m_activation;
@@ -226,6 +242,61 @@ void toggleOneWith100000(benchmark::State &state)
 BENCHMARK(toggleOneWith100000)->Unit(benchmark::kMillisecond)->Iterations(10)->Repetitions(3)
     ->ComputeStatistics("min", BenchFigures::fastest)->ReportAggregatesOnly(true);
 
+// The whole library on, until the card goes; then "Deactivate All Fonts" likewise.
+void activateAll100k(benchmark::State &state)
+{
+    ActivationStore &bench = ActivationStore::instance();
+    bench.clear();
+    const FontNode all = FontNode::folder(corpusRoot());
+    for (auto _ : state) {
+        bench.toggle(all);
+        state.PauseTiming();
+        const qsizetype active = bench.store().activatedFonts().size();
+        QElapsedTimer off;
+        off.start();
+        QCoro::waitFor(bench.store().deactivateAllFonts());
+        waitUntilIdle(bench.store());
+        BenchFigures::recordMilliseconds("deactivateAll100k", off.nsecsElapsed() / 1e6);
+        state.ResumeTiming();
+        if (active != 100'001 || !bench.store().activatedFonts().isEmpty()) {
+            state.SkipWithError("the library did not go on and off whole");
+            break;
+        }
+    }
+}
+BENCHMARK(activateAll100k)->Unit(benchmark::kMillisecond)->Iterations(1)->Repetitions(1);
+
+// A start with 100,000 active and their links in place: new services and store, until
+// the restore's card goes.
+void restore100000(benchmark::State &state)
+{
+    ActivationStore &bench = ActivationStore::instance();
+    if (!bench.ensureActive(100'000)) {
+        state.SkipWithError("the active set could not be built");
+        return;
+    }
+    bench.persistence().waitForWrites();
+    for (auto _ : state) {
+        auto activation = std::make_unique<FontActivationService>(ActivationStore::linkFolder());
+        auto persistence = std::make_unique<PersistenceService>(ActivationStore::storageFolder());
+        auto store = std::make_unique<AppState>(*activation, *persistence);
+        store->loadPersistedState();
+        waitUntilIdle(*store);
+        state.PauseTiming();
+        const qsizetype restored = store->activatedFonts().size();
+        store.reset();
+        persistence.reset();
+        activation.reset();
+        state.ResumeTiming();
+        if (restored != 100'000) {
+            state.SkipWithError("the restore lost fonts");
+            break;
+        }
+    }
+}
+BENCHMARK(restore100000)->Unit(benchmark::kMillisecond)->Iterations(1)->Repetitions(2)
+    ->ComputeStatistics("min", BenchFigures::fastest)->ReportAggregatesOnly(true);
+
 void addActivationFigures()
 {
     const double ours = BenchFigures::milliseconds("activate10000");
@@ -237,6 +308,9 @@ void addActivationFigures()
     BenchFigures::set("toggle-one-with-20000-ms", BenchFigures::milliseconds("toggleOneWith20000"));
     BenchFigures::set("toggle-one-with-100000-ms", BenchFigures::milliseconds("toggleOneWith100000"));
     BenchFigures::set("restore-20000-ms", BenchFigures::milliseconds("restore20000"));
+    BenchFigures::set("restore-100000-ms", BenchFigures::milliseconds("restore100000"));
+    BenchFigures::set("activate-all-100k-s", BenchFigures::milliseconds("activateAll100k") / 1000);
+    BenchFigures::set("deactivate-all-100k-s", BenchFigures::milliseconds("deactivateAll100k") / 1000);
 }
 
 const bool registered = BenchFigures::onFinish(addActivationFigures);

@@ -58,10 +58,13 @@ bool sameFonts(const QStringList &a, const QStringList &b)
 
 QString FontActivationService::groupOfShard(const QString &shard) const
 {
+    // groupsFolder()/ab/abcd…-0
     const QString groups = groupsFolder();
-    return shard.size() > groups.size() && shard.startsWith(groups) && shard.at(groups.size()) == u'/'
-               ? shard.mid(groups.size() + 1)
-               : QString();
+    if (shard.size() <= groups.size() + 4 || !shard.startsWith(groups) || shard.at(groups.size()) != u'/'
+        || shard.at(groups.size() + 3) != u'/')
+        return {};
+    const QString id = shard.mid(groups.size() + 4);
+    return id.startsWith(QStringView(shard).mid(groups.size() + 1, 2)) ? id : QString();
 }
 
 void FontActivationService::loadGroups()
@@ -70,18 +73,25 @@ void FontActivationService::loadGroups()
     // changed since it was made ready is not known after a restart: its fonts then go
     // one by one, and an emptied group's folder goes with its last link.
     QSet<QString> duplicates;
-    for (const QString &id : readFolder(groupsFolder()).folders) {
-        const QString folder = liveGroupPath(id);
-        const FolderEntries entries = readFolder(folder);
-        if (entries.linkNames.isEmpty()) {
-            ::rmdir(encoded(folder).constData()); // emptied, then killed before it went
+    for (const QString &bucket : readFolder(groupsFolder()).folders) {
+        if (bucket.size() != 2) { // not ours to keep: nothing may be listed that the index doesn't know
+            QDir(groupsFolder() + u'/' + bucket).removeRecursively();
             m_pendingShards.insert(groupsFolder());
             continue;
         }
-        m_shardSize.insert(folder, 0);
-        indexLinks(folder, entries, duplicates);
-        m_noNewLinks.insert(folder);
-        m_groups.insert(id, Group{.fonts = entries.targets, .live = true, .changed = true});
+        for (const QString &id : readFolder(groupsFolder() + u'/' + bucket).folders) {
+            const QString folder = liveGroupPath(id);
+            const FolderEntries entries = readFolder(folder);
+            if (entries.linkNames.isEmpty() || bucketOf(id) != groupsFolder() + u'/' + bucket) {
+                QDir(groupsFolder() + u'/' + bucket + u'/' + id).removeRecursively(); // emptied, then killed before it went
+                m_pendingShards.insert(groupsFolder() + u'/' + bucket);
+                continue;
+            }
+            m_shardSize.insert(folder, 0);
+            indexLinks(folder, entries, duplicates);
+            m_noNewLinks.insert(folder);
+            m_groups.insert(id, Group{.fonts = entries.targets, .live = true, .changed = true});
+        }
     }
     rebuildShards(duplicates);
     if (m_stagingFolder.isEmpty())
@@ -92,15 +102,21 @@ void FontActivationService::loadGroups()
         QDir(stagedGroupPath(id)).removeRecursively();
         QFile::remove(building + u'/' + id);
     }
-    for (const QString &id : readFolder(m_stagingFolder + u"/g"_s).folders) {
-        const FolderEntries entries = readFolder(stagedGroupPath(id));
-        if (m_groups.contains(id) || entries.targets.isEmpty()) {
-            QDir(stagedGroupPath(id)).removeRecursively();
+    for (const QString &bucket : readFolder(m_stagingFolder + u"/g"_s).folders) {
+        if (bucket.size() != 2) {
+            QDir(m_stagingFolder + u"/g/"_s + bucket).removeRecursively();
             continue;
         }
-        m_groups.insert(id, Group{.fonts = entries.targets, .staged = entries.changed, .ready = true});
-        for (const QString &font : entries.targets)
-            m_groupOfFont.insert(font, id);
+        for (const QString &id : readFolder(m_stagingFolder + u"/g/"_s + bucket).folders) {
+            const FolderEntries entries = readFolder(stagedGroupPath(id));
+            if (m_groups.contains(id) || entries.targets.isEmpty() || !id.startsWith(bucket)) {
+                QDir(m_stagingFolder + u"/g/"_s + bucket + u'/' + id).removeRecursively();
+                continue;
+            }
+            m_groups.insert(id, Group{.fonts = entries.targets, .staged = entries.changed, .ready = true});
+            for (const QString &font : entries.targets)
+                m_groupOfFont.insert(font, id);
+        }
     }
 }
 
@@ -249,10 +265,13 @@ bool FontActivationService::moveGroupIn(const QString &id)
 {
     Group &group = m_groups[id];
     const QString live = liveGroupPath(id);
-    if (!QFileInfo::exists(groupsFolder())) {
-        if (!QDir().mkpath(groupsFolder()))
+    const QString bucket = bucketOf(id);
+    if (!QFileInfo::exists(bucket)) {
+        if (!QFileInfo::exists(groupsFolder()))
+            m_pendingShards.insert(m_linkFolder); // lists one more folder
+        if (!QDir().mkpath(bucket))
             return false;
-        m_pendingShards.insert(m_linkFolder); // lists one more folder
+        m_pendingShards.insert(groupsFolder());
     }
     if (::rename(encoded(stagedGroupPath(id)).constData(), encoded(live).constData()) != 0) {
         group.ready = false; // another file system, or gone: its fonts go one by one
@@ -268,7 +287,7 @@ bool FontActivationService::moveGroupIn(const QString &id)
         m_linkOfFont.insert(font, link);
         m_fontOfLink.insert(link, font);
     }
-    m_pendingShards.insert(groupsFolder()); // lists one more folder; the group's own cache is ready
+    m_pendingShards.insert(bucket); // lists one more folder; the group's own cache is ready
     return true;
 }
 
@@ -286,7 +305,7 @@ bool FontActivationService::moveGroupOut(const QString &id)
     m_shardSize.remove(live);
     m_noNewLinks.remove(live);
     m_pendingShards.remove(live);
-    m_pendingShards.insert(groupsFolder());
+    m_pendingShards.insert(bucketOf(id)); // emptied, it goes at the rebuild
     return true;
 }
 
@@ -323,7 +342,7 @@ void FontActivationService::removeEmptyGroups()
         m_shardSize.remove(shard);
         m_noNewLinks.remove(shard);
         m_pendingShards.remove(shard);
-        m_pendingShards.insert(groupsFolder());
+        m_pendingShards.insert(bucketOf(id));
         const auto group = m_groups.constFind(id);
         if (group != m_groups.cend()) {
             for (const QString &font : group->fonts) {
@@ -332,5 +351,21 @@ void FontActivationService::removeEmptyGroups()
             }
             m_groups.erase(group);
         }
+    }
+    // A bucket that lost its last group goes too (rmdir refuses one that has any), and
+    // then the groups' folder if it is empty: nothing is left for programs to read.
+    bool bucketGone = false;
+    for (const QString &shard : QSet<QString>(m_pendingShards)) {
+        if (shard.size() == groupsFolder().size() + 3 && shard.startsWith(groupsFolder() + u'/')
+            && ::rmdir(encoded(shard).constData()) == 0) {
+            m_pendingShards.remove(shard);
+            bucketGone = true;
+        }
+    }
+    if (bucketGone) {
+        if (::rmdir(encoded(groupsFolder()).constData()) == 0)
+            m_pendingShards.insert(m_linkFolder);
+        else
+            m_pendingShards.insert(groupsFolder());
     }
 }

@@ -128,9 +128,16 @@ private:
         bool ready = false; // staged, its cache in place
         bool changed = false; // live, and a link added or taken since: a shard like any other
     };
+    // Live groups sit in 256 buckets (by their id's first two digits), made with their
+    // first group and removed with their last: a group coming or going rescans its
+    // bucket's short list of folders, not one of every active group.
     QString groupsFolder() const { return m_linkFolder + QStringLiteral("/g"); }
-    QString liveGroupPath(const QString &id) const { return groupsFolder() + u'/' + id; }
-    QString stagedGroupPath(const QString &id) const { return m_stagingFolder + QStringLiteral("/g/") + id; }
+    QString bucketOf(const QString &id) const { return groupsFolder() + u'/' + id.left(2); }
+    QString liveGroupPath(const QString &id) const { return bucketOf(id) + u'/' + id; }
+    QString stagedGroupPath(const QString &id) const
+    {
+        return m_stagingFolder + QStringLiteral("/g/") + id.left(2) + u'/' + id;
+    }
     QString groupOfShard(const QString &shard) const;
     void loadGroups();
     // A font asked for whose whole group is ready: noted, and the group renamed in once
