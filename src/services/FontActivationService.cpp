@@ -33,6 +33,7 @@ const QString kUnreadable = QStringLiteral("it is not a font file that fontconfi
 
 
 constexpr int kTopCount = 256;
+constexpr int kShardsPerTop = 16;
 constexpr qsizetype kMaxNameBytes = 255;
 constexpr qint64 kRebuildIntervalMs = 1000;
 
@@ -120,30 +121,14 @@ bool FontActivationService::ensureReady()
     // Loaded on first use, under the lock and usually on a worker, not while the
     // window is built. Configuration only (where caches go), no font list.
     m_fontconfig.load();
-    // The 256 top folders exist from the start: making one later would change their
-    // parent and make every application rescan it.
-    // Kept only once all exist: a set-up tried again must not list a folder twice.
-    bool created = false;
-    QStringList tops;
-    for (int i = 0; i < kTopCount; ++i) {
-        const QString top = m_linkFolder + u'/' + u"%1"_s.arg(i, 2, 16, QChar(u'0'));
-        if (!QFileInfo::exists(top)) {
-            if (!QDir().mkpath(top)) {
-                m_systemFailureReason = u"can't create the folder "_s + top;
-                return false;
-            }
-            created = true;
-        }
-        tops.append(top);
-    }
-    m_tops = tops;
-    m_topSet = QSet<QString>(tops.cbegin(), tops.cend());
+    // Every program that uses fontconfig reads each of our folders when it starts, empty
+    // ones too: folders are made with their first link and go with their last, so with
+    // nothing active there is nothing to read. Up to 256 top folders (00 … ff) hold the
+    // shards, each filled to kShardsPerTop before another is made.
+    for (int i = 0; i < kTopCount; ++i)
+        m_tops.append(m_linkFolder + u'/' + u"%1"_s.arg(i, 2, 16, QChar(u'0')));
+    m_topSet = QSet<QString>(m_tops.cbegin(), m_tops.cend());
     m_noNewLinks = m_topSet;
-    if (created) {
-        QSet<QString> all(m_tops.begin(), m_tops.end());
-        all << m_linkFolder << m_linkFolder.section(u'/', 0, -2);
-        rebuildShards(all);
-    }
     loadIndex();
     loadGroups();
     m_ready = true;
@@ -225,7 +210,8 @@ void FontActivationService::loadIndex()
     }
     for (qsizetype i = 0; i < m_tops.size(); ++i) {
         indexLinks(m_tops.at(i), tops.at(i), duplicates);
-        m_shardsInTop.insert(m_tops.at(i), static_cast<int>(tops.at(i).folders.size()));
+        if (QFileInfo::exists(m_tops.at(i)))
+            m_shardsInTop.insert(m_tops.at(i), static_cast<int>(tops.at(i).folders.size()));
     }
     rebuildShards(duplicates);
 }
@@ -249,11 +235,31 @@ void FontActivationService::unlinkAndForget(QString linkPath)
 
 QString FontActivationService::createShard()
 {
-    // In the top folder with the fewest shards, so the top folders' caches (which
-    // list only their shard folders) stay small and even.
-    const QString top = *std::min_element(m_tops.cbegin(), m_tops.cend(), [this](const QString &a, const QString &b) {
-        return m_shardsInTop.value(a) < m_shardsInTop.value(b);
-    });
+    // In the made top folder with the fewest shards while it has room, so the top
+    // folders' caches (which list only their shard folders) stay small and few; a new
+    // top folder only when all made ones are full; past 256, the emptiest.
+    QString top;
+    for (const QString &made : m_tops) {
+        const auto shards = m_shardsInTop.constFind(made);
+        if (shards != m_shardsInTop.cend() && *shards < kShardsPerTop && (top.isEmpty() || *shards < m_shardsInTop.value(top)))
+            top = made;
+    }
+    if (top.isEmpty()) {
+        const auto unmade = std::find_if(m_tops.cbegin(), m_tops.cend(), [this](const QString &t) { return !m_shardsInTop.contains(t); });
+        if (unmade != m_tops.cend()) {
+            if (!QFileInfo::exists(m_linkFolder))
+                m_pendingShards.insert(m_linkFolder.section(u'/', 0, -2)); // lists our folder now
+            if (!QDir().mkpath(*unmade))
+                return {};
+            top = *unmade;
+            m_shardsInTop.insert(top, 0);
+            m_pendingShards.insert(m_linkFolder); // lists one more top folder
+        } else {
+            top = *std::min_element(m_tops.cbegin(), m_tops.cend(), [this](const QString &a, const QString &b) {
+                return m_shardsInTop.value(a) < m_shardsInTop.value(b);
+            });
+        }
+    }
     int number = m_shardsInTop.value(top);
     QString shard;
     do {
@@ -345,6 +351,7 @@ void FontActivationService::rebuildPending()
 {
     m_sinceRebuild.restart();
     removeEmptyGroups();
+    removeEmptyShards();
     if (m_pendingShards.isEmpty())
         return;
     setAsideSpecialFiles(m_pendingShards);
@@ -371,6 +378,30 @@ void FontActivationService::rebuildPending()
     }
     if (!refused.isEmpty())
         rebuildShards(std::exchange(m_pendingShards, {}));
+}
+
+void FontActivationService::removeEmptyShards()
+{
+    // A shard without links goes (rmdir refuses one that has anything), then a top folder
+    // without shards: fontconfig would go on reading them in every program.
+    for (const QString &shard : QSet<QString>(m_pendingShards)) {
+        const QString top = shardOf(shard);
+        if (!m_topSet.contains(top) || m_shardSize.value(shard) != 0 || ::rmdir(encoded(shard).constData()) != 0)
+            continue;
+        m_shardSize.remove(shard);
+        m_pendingShards.remove(shard);
+        m_shardsInTop[top] = std::max(0, m_shardsInTop.value(top) - 1);
+        m_pendingShards.insert(top);
+    }
+    for (const QString &top : QSet<QString>(m_pendingShards)) {
+        if (!m_topSet.contains(top) || m_shardsInTop.value(top, -1) != 0 || m_shardSize.value(top) != 0
+            || ::rmdir(encoded(top).constData()) != 0)
+            continue;
+        m_shardsInTop.remove(top);
+        m_shardSize.remove(top);
+        m_pendingShards.remove(top);
+        m_pendingShards.insert(m_linkFolder);
+    }
 }
 
 void FontActivationService::beginBatch()

@@ -152,6 +152,7 @@ private:
     void settleGroups();
     bool isAskedIn(const QString &font) const;
     void removeEmptyGroups();
+    void removeEmptyShards();
 
     QString m_linkFolder;
     QString m_stagingFolder; // empty: no staging where the link folder is
