@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Groups: each folder's fonts, sixteen at a time, made ready in a staging folder that
+// Groups: each folder's fonts, up to 256 at a time, made ready in a staging folder that
 // fontconfig never lists, with fontconfig's cache already written under the name the
 // group will have once live; activating a whole group renames it in, deactivating one
 // renames it back out, and nobody scans a font at the switch.
@@ -20,7 +20,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr qsizetype kGroupSize = FontActivationService::kShardCapacity;
+constexpr qsizetype kGroupSize = FontActivationService::kGroupSize;
 
 QByteArray encoded(const QString &path)
 {
@@ -42,7 +42,7 @@ bool changedSince(const QString &font, const timespec &when)
            || !isNewer(when, link.st_ctim);
 }
 
-// Stable for a folder's n-th sixteen fonts, and a plain folder name.
+// Stable for a folder's n-th group of fonts, and a plain folder name.
 QString groupId(const QString &folder, qsizetype chunk)
 {
     return QString::fromLatin1(QCryptographicHash::hash(folder.toUtf8(), QCryptographicHash::Sha1).toHex().left(16)) + u'-'
@@ -60,11 +60,12 @@ QString FontActivationService::groupOfShard(const QString &shard) const
 {
     // groupsFolder()/ab/abcd…-0
     const QString groups = groupsFolder();
-    if (shard.size() <= groups.size() + 4 || !shard.startsWith(groups) || shard.at(groups.size()) != u'/'
-        || shard.at(groups.size() + 3) != u'/')
+    constexpr qsizetype b = kBucketDigits;
+    if (shard.size() <= groups.size() + b + 2 || !shard.startsWith(groups) || shard.at(groups.size()) != u'/'
+        || shard.at(groups.size() + b + 1) != u'/')
         return {};
-    const QString id = shard.mid(groups.size() + 4);
-    return id.startsWith(QStringView(shard).mid(groups.size() + 1, 2)) ? id : QString();
+    const QString id = shard.mid(groups.size() + b + 2);
+    return id.startsWith(QStringView(shard).mid(groups.size() + 1, b)) ? id : QString();
 }
 
 void FontActivationService::loadGroups()
@@ -74,7 +75,7 @@ void FontActivationService::loadGroups()
     // one by one, and an emptied group's folder goes with its last link.
     QSet<QString> duplicates;
     for (const QString &bucket : readFolder(groupsFolder()).folders) {
-        if (bucket.size() != 2) { // not ours to keep: nothing may be listed that the index doesn't know
+        if (bucket.size() != kBucketDigits) { // not ours to keep: nothing may be listed that the index doesn't know
             QDir(groupsFolder() + u'/' + bucket).removeRecursively();
             m_pendingShards.insert(groupsFolder());
             continue;
@@ -103,7 +104,7 @@ void FontActivationService::loadGroups()
         QFile::remove(building + u'/' + id);
     }
     for (const QString &bucket : readFolder(m_stagingFolder + u"/g"_s).folders) {
-        if (bucket.size() != 2) {
+        if (bucket.size() != kBucketDigits) {
             QDir(m_stagingFolder + u"/g/"_s + bucket).removeRecursively();
             continue;
         }
@@ -356,7 +357,7 @@ void FontActivationService::removeEmptyGroups()
     // then the groups' folder if it is empty: nothing is left for programs to read.
     bool bucketGone = false;
     for (const QString &shard : QSet<QString>(m_pendingShards)) {
-        if (shard.size() == groupsFolder().size() + 3 && shard.startsWith(groupsFolder() + u'/')
+        if (shard.size() == groupsFolder().size() + 1 + kBucketDigits && shard.startsWith(groupsFolder() + u'/')
             && ::rmdir(encoded(shard).constData()) == 0) {
             m_pendingShards.remove(shard);
             bucketGone = true;

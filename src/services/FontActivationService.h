@@ -32,7 +32,7 @@
 // An index of our links (read from disk on first use) finds a font's link.
 //
 // Whole folders are made ready ahead of time, where nobody waits: each folder's fonts,
-// sixteen at a time, get a "group" folder of links in a staging folder beside ours that
+// up to 256 at a time, get a "group" folder of links in a staging folder beside ours that
 // fontconfig never lists (its name starts with a dot), and fontconfig's cache of it,
 // moved to the name the group will have once live. Activating every font of a group then
 // renames the group into our folder: the folder keeps its time, the cache is valid, and
@@ -43,6 +43,10 @@ class FontActivationService : public FontActivating
 {
 public:
     static constexpr qsizetype kShardCapacity = 16;
+    // Fonts of a folder made ready together. Every program reads each of our folders at
+    // its start, so a group is large; a font switched on or off alone in a wholly active
+    // group has the rest of its group read again, at most this many fonts.
+    static constexpr qsizetype kGroupSize = 256;
 
     // `linkFolder` overrides where the links live (tests); the application passes none.
     explicit FontActivationService(std::optional<QString> linkFolder = std::nullopt);
@@ -128,15 +132,16 @@ private:
         bool ready = false; // staged, its cache in place
         bool changed = false; // live, and a link added or taken since: a shard like any other
     };
-    // Live groups sit in 256 buckets (by their id's first two digits), made with their
+    // Live groups sit in 16 buckets (by their id's first digit), made with their
     // first group and removed with their last: a group coming or going rescans its
     // bucket's short list of folders, not one of every active group.
     QString groupsFolder() const { return m_linkFolder + QStringLiteral("/g"); }
-    QString bucketOf(const QString &id) const { return groupsFolder() + u'/' + id.left(2); }
+    static constexpr qsizetype kBucketDigits = 1;
+    QString bucketOf(const QString &id) const { return groupsFolder() + u'/' + id.left(kBucketDigits); }
     QString liveGroupPath(const QString &id) const { return bucketOf(id) + u'/' + id; }
     QString stagedGroupPath(const QString &id) const
     {
-        return m_stagingFolder + QStringLiteral("/g/") + id.left(2) + u'/' + id;
+        return m_stagingFolder + QStringLiteral("/g/") + id.left(kBucketDigits) + u'/' + id;
     }
     QString groupOfShard(const QString &shard) const;
     void loadGroups();

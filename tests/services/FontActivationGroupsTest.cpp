@@ -52,6 +52,7 @@ QStringList inBatch(FontActivationService &service, const QStringList &fonts, bo
 }
 
 const auto never = [] { return false; };
+constexpr qsizetype G = FontActivationService::kGroupSize;
 
 // The group folders in our link folder, in their buckets.
 QStringList liveGroups(const FontActivationService &service)
@@ -70,11 +71,13 @@ class Groups : public testing::Test
 protected:
     void SetUp() override
     {
+        // Two whole groups and half of a third; links to installed fonts, as a library's
+        // own links to fonts elsewhere are.
         folder = makeDir(testRoot() + u"/Library/Pack"_s);
         const QStringList faces{u"DejaVuSans.ttf"_s, u"DejaVuSans-Bold.ttf"_s, u"DejaVuSerif.ttf"_s, u"DejaVuSansMono.ttf"_s};
-        for (int i = 0; i < 40; ++i) {
-            const QString font = folder + u"/Font %1.ttf"_s.arg(i, 2, 10, QChar(u'0'));
-            ASSERT_TRUE(QFile::copy(kDejaVu + faces[i % faces.size()], font));
+        for (int i = 0; i < 2 * G + G / 2; ++i) {
+            const QString font = folder + u"/Font %1.ttf"_s.arg(i, 3, 10, QChar(u'0'));
+            ASSERT_TRUE(QFile::link(kDejaVu + faces[i % faces.size()], font));
             fonts.append(font);
         }
     }
@@ -91,7 +94,7 @@ TEST_F(Groups, AWholeFolderMadeReadyGoesInAndOutWithoutAScan)
     FontActivationService service;
     ASSERT_EQ(service.stagingFolder().size(), service.linkFolder().size());
     service.prepareActivation({fonts}, never);
-    EXPECT_EQ(service.readyFonts(), 40);
+    EXPECT_EQ(service.readyFonts(), fonts.size());
     EXPECT_TRUE(listedByFontconfig(service.linkFolder()).isEmpty()) << "ready is not active";
 
     for (int round = 0; round < 2; ++round) {
@@ -109,7 +112,7 @@ TEST_F(Groups, AWholeFolderMadeReadyGoesInAndOutWithoutAScan)
         EXPECT_EQ(service.fontsScanned(), scanned);
         EXPECT_TRUE(listedByFontconfig(service.linkFolder()).isEmpty());
         EXPECT_TRUE(recorded(service).isEmpty());
-        EXPECT_EQ(service.readyFonts(), 40) << "back out, and ready again";
+        EXPECT_EQ(service.readyFonts(), fonts.size()) << "back out, and ready again";
         EXPECT_FALSE(QFileInfo::exists(service.linkFolder() + u"/g"_s)) << "no emptied folder left";
     }
 }
@@ -121,22 +124,22 @@ TEST_F(Groups, SingleFontsInAndAroundWholeGroupsAgreeWithFontconfig)
     {
         FontActivationService service;
         service.prepareActivation({fonts}, never);
-        inBatch(service, fonts.mid(0, 32), true); // two whole groups; the third is asked for in part
-        EXPECT_EQ(listedByFontconfig(service.linkFolder()), QSet<QString>(fonts.cbegin(), fonts.cbegin() + 32));
+        inBatch(service, fonts.mid(0, 2 * G), true); // two whole groups
+        EXPECT_EQ(listedByFontconfig(service.linkFolder()), QSet<QString>(fonts.cbegin(), fonts.cbegin() + 2 * G));
 
         EXPECT_TRUE(service.deactivateFont(fonts[3]));
-        QSet<QString> expected(fonts.cbegin(), fonts.cbegin() + 32);
+        QSet<QString> expected(fonts.cbegin(), fonts.cbegin() + 2 * G);
         expected.remove(fonts[3]);
         EXPECT_EQ(listedByFontconfig(service.linkFolder()), expected);
-        EXPECT_TRUE(service.activateFont(fonts[35]));
-        expected.insert(fonts[35]);
+        EXPECT_TRUE(service.activateFont(fonts[2 * G + 3])); // one of the third group, alone
+        expected.insert(fonts[2 * G + 3]);
         EXPECT_EQ(listedByFontconfig(service.linkFolder()), expected);
         EXPECT_EQ(recorded(service), expected);
     }
     FontActivationService restarted; // the next start reads what is on disk
-    QSet<QString> expected(fonts.cbegin(), fonts.cbegin() + 32);
+    QSet<QString> expected(fonts.cbegin(), fonts.cbegin() + 2 * G);
     expected.remove(fonts[3]);
-    expected.insert(fonts[35]);
+    expected.insert(fonts[2 * G + 3]);
     EXPECT_EQ(recorded(restarted), expected);
     const QStringList active(expected.cbegin(), expected.cend());
     EXPECT_TRUE(inBatch(restarted, active, false).isEmpty());
@@ -151,7 +154,7 @@ TEST_F(Groups, AFontAddedToAWhollyActiveFolderStaysInactive)
     FontActivationService service;
     service.prepareActivation({fonts}, never);
     inBatch(service, fonts, true);
-    const QString added = folder + u"/Font 99.ttf"_s;
+    const QString added = folder + u"/Font 999.ttf"_s;
     ASSERT_TRUE(QFile::copy(kDejaVu + u"DejaVuSerif-Bold.ttf"_s, added));
     service.prepareActivation({QStringList(fonts) << added}, never);
     EXPECT_EQ(listedByFontconfig(service.linkFolder()), all());
@@ -170,8 +173,8 @@ TEST_F(Groups, AFileChangedSinceItWasMadeReadyIsReadAgain)
     ASSERT_TRUE(QFile::copy(kDejaVu + u"DejaVuSerif-Bold.ttf"_s, fonts[0]));
     const int scanned = service.fontsScanned();
     EXPECT_TRUE(inBatch(service, fonts, true).isEmpty());
-    EXPECT_GE(service.fontsScanned() - scanned, 16) << "the changed file's group, font by font";
-    EXPECT_LT(service.fontsScanned() - scanned, 32) << "and no other group";
+    EXPECT_GE(service.fontsScanned() - scanned, G) << "the changed file's group, font by font";
+    EXPECT_LT(service.fontsScanned() - scanned, 2 * G) << "and no other group";
     QProcess process;
     process.start(u"fc-list"_s, {u"--format=%{file}|%{family[0]}|%{style[0]}\\n"_s});
     ASSERT_TRUE(process.waitForFinished(60'000));
@@ -192,13 +195,12 @@ TEST_F(Groups, AKillInTheMiddleLeavesLinksAndFontconfigAgreeing)
         FontActivationService service;
         service.prepareActivation({fonts}, never);
         service.beginBatch();
-        service.activateFonts(fonts.mid(0, 8));
-        service.activateFonts(fonts.mid(8, 8)); // the first group goes in
-        service.activateFonts(fonts.mid(16, 8)); // half of the second: never finished
+        for (qsizetype start = 0; start < G + G / 2; start += 8)
+            service.activateFonts(fonts.mid(start, 8)); // the first group goes in, half of the second is asked
     }
     FontActivationService next;
     const QSet<QString> onDisk = recorded(next);
-    EXPECT_EQ(onDisk, QSet<QString>(fonts.cbegin(), fonts.cbegin() + 16));
+    EXPECT_EQ(onDisk, QSet<QString>(fonts.cbegin(), fonts.cbegin() + G));
     EXPECT_EQ(listedByFontconfig(next.linkFolder()), onDisk);
     next.repairActivations();
     next.removeActivationsExcept(QSet<QString>(fonts.cbegin(), fonts.cbegin() + 4)); // what was saved
