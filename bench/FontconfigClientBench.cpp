@@ -52,8 +52,8 @@ void fcClientStartRatio(benchmark::State &state)
     const QString root = BenchFigures::dataDirectory() + u"/fc-client"_s;
     const QString without = root + u"/without"_s, firstStart = root + u"/first-start"_s;
     const QString ours = root + u"/ours-20000"_s, flat = root + u"/flat-20000"_s;
-    QStringList fonts = FontCorpus::fonts(u"store/Active"_s, 10'000, false);
-    fonts += FontCorpus::fonts(u"store/Batch"_s, 10'000, false);
+    QStringList fonts = FontCorpus::fonts(u"fc-client/A"_s, 10'000, false);
+    fonts += FontCorpus::fonts(u"fc-client/B"_s, 10'000, false);
     for (const QString &home : {without, firstStart, ours, flat})
         QDir().mkpath(home + u"/.local/share/fonts"_s);
     {

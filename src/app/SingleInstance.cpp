@@ -12,6 +12,8 @@
 #include <QStandardPaths>
 #include <QThread>
 
+#include <memory>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -43,7 +45,7 @@ SingleInstance::SingleInstance(const QString &storageFolder, QObject *parent)
 
 SingleInstance::~SingleInstance() = default;
 
-SingleInstance::Outcome SingleInstance::start()
+SingleInstance::Outcome SingleInstance::start(const QStringList &paths)
 {
     QDir().mkpath(m_lockPath.section(u'/', 0, -2)); // a first start has no storage folder yet
     if (m_lock.tryLock(0)) {
@@ -53,12 +55,12 @@ SingleInstance::Outcome SingleInstance::start()
     if (m_lock.error() != QLockFile::LockFailedError) {
         // No lock can be made (a read-only storage folder): Morvane still runs, with
         // the socket alone keeping a second copy away. Nothing says one runs: one try.
-        if (handOver(0))
+        if (handOver(paths, 0))
             return Outcome::HandedOver;
         listen();
         return Outcome::Owner;
     }
-    if (handOver(kAnswerTimeoutMs))
+    if (handOver(paths, kAnswerTimeoutMs))
         return Outcome::HandedOver;
     qint64 pid = 0;
     QString host;
@@ -69,8 +71,18 @@ SingleInstance::Outcome SingleInstance::start()
     return Outcome::NoAnswer;
 }
 
-bool SingleInstance::handOver(int patienceMs)
+bool SingleInstance::handOver(const QStringList &paths, int patienceMs)
 {
+    // One line each: the paths (percent-encoded: a file name may hold a line break), the
+    // desktop's token for raising a window, then "show".
+    QByteArray request;
+    for (const QString &path : paths)
+        request += "open " + path.toUtf8().toPercentEncoding("/") + '\n';
+    const QByteArray token = qgetenv("XDG_ACTIVATION_TOKEN").isEmpty() ? qgetenv("DESKTOP_STARTUP_ID")
+                                                                        : qgetenv("XDG_ACTIVATION_TOKEN");
+    if (!token.isEmpty())
+        request += "token " + token.toPercentEncoding() + '\n';
+    request += kShow.toByteArray();
     // The running copy may be between taking the lock and listening: try for a while.
     const QDeadlineTimer deadline(std::max(patienceMs, 500));
     const QDeadlineTimer patience(patienceMs);
@@ -78,7 +90,7 @@ bool SingleInstance::handOver(int patienceMs)
         QLocalSocket socket;
         socket.connectToServer(m_socketPath);
         if (socket.waitForConnected(static_cast<int>(deadline.remainingTime()))) {
-            socket.write(kShow.data(), kShow.size());
+            socket.write(request);
             socket.flush();
             QByteArray answer;
             const QDeadlineTimer answered(kAnswerTimeoutMs); // a busy copy answers between two jobs
@@ -110,14 +122,26 @@ void SingleInstance::listen()
     connect(m_server, &QLocalServer::newConnection, this, [this] {
         while (QLocalSocket *socket = m_server->nextPendingConnection()) {
             connect(socket, &QLocalSocket::disconnected, socket, &QObject::deleteLater);
-            connect(socket, &QLocalSocket::readyRead, this, [this, socket] {
-                if (!socket->canReadLine())
-                    return;
-                if (socket->readLine() == kShow.toByteArray()) {
-                    Q_EMIT showRequested();
-                    socket->write(kShown.data(), kShown.size());
+            auto paths = std::make_shared<QStringList>();
+            auto token = std::make_shared<QString>();
+            connect(socket, &QLocalSocket::readyRead, this, [this, socket, paths, token] {
+                while (socket->canReadLine()) {
+                    const QByteArray line = socket->readLine();
+                    if (line.startsWith("open ") && line.endsWith('\n')) {
+                        paths->append(QString::fromUtf8(QByteArray::fromPercentEncoding(line.mid(5).chopped(1))));
+                    } else if (line.startsWith("token ") && line.endsWith('\n')) {
+                        *token = QString::fromUtf8(QByteArray::fromPercentEncoding(line.mid(6).chopped(1)));
+                    } else {
+                        if (line == kShow.toByteArray()) {
+                            if (!paths->isEmpty())
+                                Q_EMIT openRequested(*paths);
+                            Q_EMIT showRequested(*token);
+                            socket->write(kShown.data(), kShown.size());
+                        }
+                        socket->disconnectFromServer();
+                        return;
+                    }
                 }
-                socket->disconnectFromServer();
             });
         }
     });

@@ -9,6 +9,9 @@
 #include "ui/window/MainWindow.h"
 
 #include <QApplication>
+#include <QCommandLineParser>
+#include <QFileInfo>
+#include <QTimer>
 #include <QFontDatabase>
 #include <QStandardPaths>
 #include <QSocketNotifier>
@@ -64,9 +67,20 @@ int main(int argc, char *argv[])
     QApplication::setDesktopFileName(QStringLiteral(MORVANE_APP_ID)); // names data/<id>.desktop
     quitOnSignals(app);
 
+    QCommandLineParser parser;
+    parser.setApplicationDescription(QCoreApplication::translate("main", "Browse, activate and organise folders of fonts."));
+    parser.addHelpOption();
+    parser.addVersionOption();
+    parser.addPositionalArgument(u"paths"_s, QCoreApplication::translate("main", "Font files to show, or folders to add as sources."),
+                                 u"[FILE|FOLDER…]"_s);
+    parser.process(app); // --help and --version print and exit here
+    QStringList paths;
+    for (const QString &given : parser.positionalArguments())
+        paths.append(QFileInfo(given).absoluteFilePath()); // the running copy has another working folder
+
     // Before any store exists: a second copy must not read or write our files.
     SingleInstance instance(PersistenceService::defaultStorageFolder());
-    switch (instance.start()) {
+    switch (instance.start(paths)) {
     case SingleInstance::Outcome::HandedOver:
         return 0;
     case SingleInstance::Outcome::NoAnswer:
@@ -81,8 +95,17 @@ int main(int argc, char *argv[])
     AppMenus::install(window);
     if (StartupReport::requested())
         StartupReport::watch(window, sinceStart);
-    QObject::connect(&instance, &SingleInstance::showRequested, &window, &MainWindow::bringToFront);
+    QObject::connect(&instance, &SingleInstance::showRequested, &window, [&window](const QString &token) {
+        // The desktop lets a window come to the front with the token of the start that
+        // asked for it: Wayland's activation token, or X11's startup notification.
+        if (!token.isEmpty())
+            qputenv(QGuiApplication::platformName() == u"wayland"_s ? "XDG_ACTIVATION_TOKEN" : "DESKTOP_STARTUP_ID", token.toUtf8());
+        window.bringToFront();
+    });
+    QObject::connect(&instance, &SingleInstance::openRequested, &window, [&window](const QStringList &handed) { window.openPaths(handed); });
     window.show();
+    if (!paths.isEmpty())
+        QTimer::singleShot(0, &window, [&window, paths] { window.openPaths(paths); }); // once the window is up
     const int code = QApplication::exec();
     // A job stuck in the kernel (a drive that stopped answering) must not keep a logout
     // waiting: once the saves are on disk the process ends without it.

@@ -221,6 +221,10 @@ void AppState::setSidebarSelection(const std::optional<SidebarItem> &selection)
     const bool same = m_sidebarSelection.has_value() == selection.has_value() &&
                       (!selection || *m_sidebarSelection == *selection);
     m_sidebarSelection = selection;
+    if (selection && !m_openedFontFile.isEmpty()) {
+        m_openedFontFile.clear(); // the chosen item takes the detail area
+        Q_EMIT openedFontFileChanged();
+    }
     if (same)
         return;
     Q_EMIT sidebarSelectionChanged();
@@ -229,6 +233,16 @@ void AppState::setSidebarSelection(const std::optional<SidebarItem> &selection)
     setNavigationPath({});
     setActiveColumnIndex(0);
     setCachedColumns(buildColumns());
+}
+
+void AppState::openFontFile(const QString &path)
+{
+    setSearchQuery(QString());
+    setSidebarSelection(std::nullopt);
+    if (m_openedFontFile == path)
+        return;
+    m_openedFontFile = path;
+    Q_EMIT openedFontFileChanged();
 }
 
 void AppState::setShouldFocusBrowser(bool focus)

@@ -58,6 +58,10 @@ public:
     // ---- Selection and column navigation (AppStateNavigation.cpp) --------------
     const std::optional<SidebarItem> &sidebarSelection() const { return m_sidebarSelection; }
     void setSidebarSelection(const std::optional<SidebarItem> &selection);
+    // A font file opened from outside (the command line, a file manager's "Open With"):
+    // the detail area shows it until anything in the sidebar is chosen. Empty: none.
+    const QString &openedFontFile() const { return m_openedFontFile; }
+    void openFontFile(const QString &path);
     const QList<FontNode> &navigationPath() const { return m_navigationPath; } // selection per column
     int activeColumnIndex() const { return m_activeColumnIndex; }               // column with focus
     const QList<QList<FontNode>> &cachedColumns() const { return m_cachedColumns; } // always buildColumns()
@@ -262,6 +266,7 @@ Q_SIGNALS:
     void sourcesChanged();
     void collectionsChanged();
     void sidebarSelectionChanged();
+    void openedFontFileChanged();
     void navigationPathChanged();
     void activeColumnIndexChanged();
     void cachedColumnsChanged();
@@ -331,6 +336,7 @@ private:
     QList<FontCollection> m_collections;
     // Navigation
     std::optional<SidebarItem> m_sidebarSelection;
+    QString m_openedFontFile;
     QList<FontNode> m_navigationPath;
     int m_activeColumnIndex = 0;
     QList<QList<FontNode>> m_cachedColumns;

@@ -3,6 +3,8 @@
 // middle of a batch, then started again.
 #include "TestSupport.h"
 
+#include "SingleInstance.h"
+
 #include "services/FontActivationService.h"
 #include "services/PersistenceService.h"
 
@@ -12,6 +14,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QProcess>
+#include <QSignalSpy>
 #include <QStandardPaths>
 #include <QTest>
 
@@ -185,4 +188,43 @@ TEST(SingleInstance, AKillInTheMiddleOfABatchLosesNothing)
     const QString caches = QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation) + u"/fontconfig"_s;
     EXPECT_EQ(QDir(caches).entryList({u"*.LCK"_s, u"*.NEW"_s, u"*.TMP-*"_s}, QDir::Files | QDir::Hidden), QStringList());
     EXPECT_FALSE(QFileInfo::exists(QDir::homePath() + u"/.fontconfig"_s));
+}
+
+// A second start with files hands them, made absolute, to the running copy with the
+// desktop's activation token, and exits; --help and --version answer without starting.
+TEST(SingleInstance, ASecondStartHandsItsFilesToTheRunningCopy)
+{
+    SingleInstance running(storage());
+    ASSERT_EQ(running.start(), SingleInstance::Outcome::Owner);
+    QSignalSpy opened(&running, &SingleInstance::openRequested);
+    QSignalSpy shown(&running, &SingleInstance::showRequested);
+
+    const QString folder = makeDir(testRoot() + u"/Downloads/New fonts"_s);
+    ASSERT_TRUE(QFile::copy(kFonts + u"/Plain.ttf"_s, folder + u"/Odd\nname.ttf"_s));
+    QProcess second;
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.insert(u"XDG_ACTIVATION_TOKEN"_s, u"token from the desktop"_s);
+    second.setProcessEnvironment(env);
+    second.setWorkingDirectory(testRoot() + u"/Downloads"_s);
+    second.start(kMorvane, {u"New fonts/Odd\nname.ttf"_s, u"New fonts"_s});
+    ASSERT_TRUE(QTest::qWaitFor([&] { return second.state() == QProcess::NotRunning; }, 30'000));
+    EXPECT_EQ(second.exitCode(), 0);
+    ASSERT_EQ(opened.count(), 1);
+    EXPECT_EQ(opened.first().first().toStringList(), (QStringList{folder + u"/Odd\nname.ttf"_s, folder}));
+    ASSERT_EQ(shown.count(), 1);
+    EXPECT_EQ(shown.first().first().toString(), u"token from the desktop"_s);
+
+    const struct
+    {
+        QString option;
+        QString says;
+    } answers[] = {{u"--version"_s, u"Morvane "_s}, {u"--help"_s, u"[FILE|FOLDER…]"_s}};
+    for (const auto &a : answers) {
+        QProcess asked;
+        asked.start(kMorvane, {a.option});
+        ASSERT_TRUE(asked.waitForFinished(30'000));
+        EXPECT_EQ(asked.exitCode(), 0) << a.option.toStdString();
+        EXPECT_TRUE(QString::fromUtf8(asked.readAllStandardOutput()).contains(a.says)) << a.option.toStdString();
+    }
+    EXPECT_EQ(shown.count(), 1) << "neither reached the running copy";
 }

@@ -8,6 +8,7 @@
 #include "ui/collection/CollectionMemberList.h"
 #include "ui/browser/ColumnBrowserView.h"
 #include "ui/window/EmptyStateView.h"
+#include "ui/window/OpenedFontView.h"
 #include "ui/window/MainWindow.h"
 #include "ui/window/MessageArea.h"
 #include "ui/common/Symbols.h"
@@ -621,4 +622,42 @@ TEST(MainWindowLooks, FirstStartWordsReachFourAndAHalfToOne)
         EXPECT_GE(measured(shot, rowArea.adjusted(4, 30, -4, -2)), 4.5)
             << "the placeholder's words, window colour " << palette.color(QPalette::Window).name().toStdString();
     }
+}
+
+// What a file manager's "Open With" or the command line gives the window: a font file is
+// shown with its preview until the sidebar is used; a folder is offered as a source;
+// anything else is named in the message area.
+TEST(MainWindow, OpensFontFilesAndOffersFoldersAsSources)
+{
+    auto window = openWindow();
+    const QString elsewhere = TestSupport::makeDir(TestSupport::testRoot() + u"/Downloads"_s);
+    const QString font = elsewhere + u"/Plain.ttf"_s;
+    ASSERT_TRUE(QFile::copy(QStringLiteral(MORVANE_TEST_FONTS "/Plain.ttf"), font));
+    const QString notes = TestSupport::writeFile(elsewhere + u"/read me.txt"_s, "text");
+
+    window->openPaths({font});
+    auto *page = qobject_cast<OpenedFontView *>(window->detail());
+    ASSERT_TRUE(page);
+    EXPECT_EQ(page->path(), font);
+    EXPECT_TRUE(page->addFolderButton()->isEnabled()) << "the folder is no source yet";
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !page->preview()->isLoading(); }));
+    EXPECT_TRUE(page->preview()->metadata().has_value()) << "the file's own details";
+
+    // A folder asked about and declined changes nothing; accepted, it is a source, and
+    // the opened font's page knows its folder is in the library now.
+    QStringList asked;
+    window->openPaths({elsewhere}, [&](const QString &folder) { asked.append(folder); return false; });
+    EXPECT_EQ(asked, QStringList{elsewhere});
+    EXPECT_TRUE(window->state().sources().isEmpty());
+    window->openPaths({font});
+    page = qobject_cast<OpenedFontView *>(window->detail());
+    ASSERT_TRUE(page);
+    QTest::mouseClick(page->addFolderButton(), Qt::LeftButton);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return window->state().sources().size() == 1; }));
+    EXPECT_EQ(window->state().sources().first().path, elsewhere);
+    EXPECT_NE(window->detail(), page) << "the new source is shown";
+
+    window->openPaths({notes, elsewhere + u"/gone.ttf"_s}, [](const QString &) { return false; });
+    EXPECT_TRUE(window->state().notice().contains(u"2 items can't be opened"_s)) << window->state().notice().toStdString();
+    EXPECT_EQ(window->state().noticeDetails(), (QStringList{notes, elsewhere + u"/gone.ttf"_s}));
 }

@@ -12,6 +12,7 @@
 #include "ui/collection/CollectionMemberList.h"
 #include "ui/browser/ColumnBrowserView.h"
 #include "ui/window/EmptyStateView.h"
+#include "ui/window/OpenedFontView.h"
 #include "ui/window/ProcessingOverlay.h"
 #include "ui/window/ReindexingStrip.h"
 #include "ui/search/SearchResultsView.h"
@@ -26,6 +27,8 @@
 #include <QKeyEvent>
 #include <QContextMenuEvent>
 #include <QApplication>
+#include <QDir>
+#include <QFileInfo>
 #include <QAction>
 #include <QCloseEvent>
 #include <QHBoxLayout>
@@ -108,6 +111,7 @@ MainWindow::MainWindow(std::unique_ptr<FontActivating> activation, QWidget *pare
     connect(m_state.get(), &AppState::unavailableSourcesChanged, this, &MainWindow::showDetail);
     connect(m_unavailable, &UnavailableSourceView::retryRequested, m_state.get(), &AppState::refreshFileSystem);
     connect(m_state.get(), &AppState::sidebarSelectionChanged, this, &MainWindow::showDetail);
+    connect(m_state.get(), &AppState::openedFontFileChanged, this, &MainWindow::showDetail);
     connect(m_state.get(), &AppState::searchQueryChanged, this, &MainWindow::showDetail);
     connect(m_state.get(), &AppState::collectionsChanged, this, &MainWindow::showDetail);
     connect(m_state.get(), &AppState::sourcesChanged, this, &MainWindow::showDetail);
@@ -242,6 +246,14 @@ void MainWindow::showDetail()
     std::optional<FolderSource> source;
     if (m_state->isSearching()) {
         m_detail->setCurrentWidget(m_results);
+    } else if (!m_state->openedFontFile().isEmpty()) {
+        if (!m_opened || m_opened->path() != m_state->openedFontFile()) {
+            if (m_opened)
+                m_opened->deleteLater();
+            m_opened = new OpenedFontView(*m_state, m_state->openedFontFile(), m_detail);
+            m_detail->addWidget(m_opened);
+        }
+        m_detail->setCurrentWidget(m_opened);
     } else if ((source = m_state->selectedSource()) && !m_state->isSourceAvailable(*source)) {
         m_unavailable->setFolder(source->path);
         m_detail->setCurrentWidget(m_unavailable);
@@ -368,6 +380,36 @@ bool MainWindow::finishBackgroundWork(int msecs)
     const bool finished = m_state->waitForBackgroundWork(msecs);
     m_persistence->waitForWrites();
     return finished;
+}
+
+void MainWindow::openPaths(const QStringList &paths, std::function<bool(const QString &folder)> ask)
+{
+    QStringList refused;
+    for (const QString &given : paths) {
+        const QFileInfo info(given);
+        const QString path = info.absoluteFilePath();
+        if (info.isDir()) {
+            const bool add = ask ? ask(path)
+                                 : QMessageBox::question(this, tr("Add Folder as Source"),
+                                                         tr("Add “%1” as a source of fonts?").arg(info.fileName()),
+                                                         QMessageBox::Yes | QMessageBox::No, QMessageBox::Yes)
+                                       == QMessageBox::Yes;
+            if (add)
+                m_state->addSource(QDir::cleanPath(path));
+        } else if (info.isFile() && isFontFileName(info.fileName())) {
+            m_state->openFontFile(path);
+        } else {
+            refused.append(QDir::toNativeSeparators(given));
+        }
+    }
+    // Spelled out for one: without a translation loaded, Qt leaves "%n" plurals alone.
+    if (refused.size() == 1)
+        m_state->setNotice(tr("“%1” can't be opened: Morvane opens font files (.ttf, .otf, .ttc, .otc, .dfont) and folders.")
+                               .arg(refused.constFirst()));
+    else if (!refused.isEmpty())
+        m_state->setNotice(tr("%n items can't be opened: Morvane opens font files (.ttf, .otf, .ttc, .otc, .dfont) and folders.",
+                              nullptr, int(refused.size())),
+                           refused);
 }
 
 void MainWindow::bringToFront()

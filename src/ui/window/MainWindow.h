@@ -10,6 +10,7 @@ class AppState;
 class CollectionView;
 class ColumnBrowserView;
 class EmptyStateView;
+class OpenedFontView;
 class FontListView;
 class FontActivating;
 class PersistenceService;
@@ -59,6 +60,11 @@ public:
     QMenu *createPopupMenu() override { return nullptr; } // nothing to hide or move
     // A second start of Morvane asked for this window.
     void bringToFront();
+    // Files and folders given on the command line or handed over by a second start: a
+    // font file is shown with its preview; a folder is offered as a source (`ask`
+    // answers the question, a dialog when none is given); anything else is named in
+    // the message area.
+    void openPaths(const QStringList &paths, std::function<bool(const QString &folder)> ask = {});
     // After the event loop: waits up to `msecs` for the running background job and the
     // saves. False when a job is stuck in the kernel (a drive that stopped answering):
     // the saves are on disk then, and the process may end without waiting for it.
@@ -102,6 +108,7 @@ private:
     SearchResultsView *m_results = nullptr;
     ColumnBrowserView *m_browser = nullptr;
     EmptyStateView *m_empty = nullptr;
+    OpenedFontView *m_opened = nullptr; // the font file opened from outside, while shown
     CollectionView *m_collection = nullptr;
     FontListView *m_fontList = nullptr; // made when first shown
     ProcessingOverlay *m_overlay = nullptr;
