@@ -6,6 +6,7 @@
 #include "services/FontActivationService.h"
 #include "services/OwnFontconfig.h"
 #include "services/PersistenceService.h"
+#include "state/AppState.h"
 #include "ui/window/MainWindow.h"
 
 #include <QApplication>
@@ -90,6 +91,7 @@ int main(int argc, char *argv[])
     }
 
     MainWindow window;
+    window.state().setWatchingSources(true); // fonts copied into a source appear without Refresh
     QFontDatabase::families(); // read now, with our links left out
     OwnFontconfig::restoreEnvironment();
     AppMenus::install(window);

@@ -201,7 +201,10 @@ void FontActivationService::prepareActivation(const QList<QStringList> &fontsByF
                 m_groupOfFont.insert(font, id);
         }
     }
-    // Groups of folders that are gone, or that have other fonts now, go too.
+    // Groups of folders that are gone, or that have other fonts now, go too: only after
+    // a whole pass, never one that was stopped.
+    if (stop())
+        return;
     const QMutexLocker lock(&m_mutex);
     for (auto it = m_groups.begin(); it != m_groups.end();) {
         if (it->live || wanted.contains(it.key())) {

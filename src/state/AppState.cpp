@@ -3,7 +3,9 @@
 
 #include "services/MountWatcher.h"
 
+#include <QDir>
 #include <QElapsedTimer>
+#include <QFileInfo>
 #include <QLocale>
 #include <QThread>
 #include <QThreadPool>
@@ -296,4 +298,39 @@ void AppState::installLibrary(std::shared_ptr<const FileSystemService> service, 
     m_missingIcons.clear();
     m_finderTagService = FinderTagService(); // tags are read afresh after a refresh
     setCachedColumns(buildColumns());
+    watchSources();
+}
+
+void AppState::setWatchingSources(bool watching)
+{
+    if (watching == (m_sourceWatcher != nullptr))
+        return;
+    if (!watching) {
+        delete std::exchange(m_sourceWatcher, nullptr);
+        return;
+    }
+    m_sourceWatcher = new SourceWatcher(this);
+    connect(m_sourceWatcher, &SourceWatcher::changed, this, &AppState::refreshFileSystem);
+    watchSources();
+}
+
+void AppState::watchSources()
+{
+    if (!m_sourceWatcher || !m_fileSystemService)
+        return;
+    // Every folder of every source the scan reached, the sources themselves included.
+    QStringList folders;
+    for (const FolderSource &source : std::as_const(m_sources)) {
+        const QString root = QDir::cleanPath(source.path);
+        if (!QFileInfo(root).isDir())
+            continue;
+        folders.append(root);
+        for (const FontNode &folder : m_fileSystemService->allFolders(root))
+            folders.append(folder.path());
+    }
+    if (!m_sourceWatcher->watch(folders) && !m_watchLimitSaid) {
+        m_watchLimitSaid = true;
+        setNotice(tr("Morvane can't watch all your source folders (the system's limit of watched folders is reached): "
+                     "fonts added to them appear after Refresh Sources."));
+    }
 }

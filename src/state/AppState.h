@@ -11,6 +11,7 @@
 #include "model/SidebarItem.h"
 #include "services/FinderTagService.h"
 #include "services/FontActivating.h"
+#include "services/SourceWatcher.h"
 #include "services/FontPreviewService.h"
 #include "services/PersistenceService.h"
 
@@ -62,6 +63,10 @@ public:
     // the detail area shows it until anything in the sidebar is chosen. Empty: none.
     const QString &openedFontFile() const { return m_openedFontFile; }
     void openFontFile(const QString &path);
+    // Source folders watched for fonts added, removed or renamed: a refresh follows a
+    // quiet second. The application turns it on; tests that want it do.
+    void setWatchingSources(bool watching);
+    SourceWatcher *sourceWatcher() const { return m_sourceWatcher; }
     const QList<FontNode> &navigationPath() const { return m_navigationPath; } // selection per column
     int activeColumnIndex() const { return m_activeColumnIndex; }               // column with focus
     const QList<QList<FontNode>> &cachedColumns() const { return m_cachedColumns; } // always buildColumns()
@@ -337,6 +342,9 @@ private:
     // Navigation
     std::optional<SidebarItem> m_sidebarSelection;
     QString m_openedFontFile;
+    SourceWatcher *m_sourceWatcher = nullptr;
+    bool m_watchLimitSaid = false; // the message is said once
+    void watchSources();
     QList<FontNode> m_navigationPath;
     int m_activeColumnIndex = 0;
     QList<QList<FontNode>> m_cachedColumns;

@@ -195,6 +195,8 @@ void AppState::indexCatalogue()
         if (!cancellation.isCancelled())
             report(false, done, total, true);
         // Then, on the same idle thread, what activating each folder will need.
+        if (cancellation.isCancelled())
+            return;
         QHash<QString, QStringList> byFolder;
         for (const QString &path : std::as_const(paths))
             byFolder[path.section(u'/', 0, -2)].append(path);
