@@ -9,7 +9,7 @@ prefix=$(mktemp -d)
 trap 'rm -rf "$prefix"' EXIT
 cmake --install "$build" --prefix "$prefix" >/dev/null
 share=$prefix/share
-for f in "$prefix/bin/morvane" "$share/applications/$id.desktop" \
+for f in "$prefix/bin/morvane" "$share/applications/$id.desktop" "$share/man/man1/morvane.1" \
          "$share/icons/hicolor/scalable/apps/$id.svg" "$share/metainfo/$id.metainfo.xml"; do
   [ -e "$f" ] || { echo "not installed: ${f#"$prefix"/}"; exit 1; }
 done
@@ -35,4 +35,7 @@ if [ -f /usr/share/mime/packages/freedesktop.org.xml ]; then
     case ";$types" in *";$t;"*) ;; *) echo "MimeType lacks $t, the type of .$ext"; exit 1 ;; esac
   done
 fi
+grep -q '^\.SH SYNOPSIS' "$share/man/man1/morvane.1" || { echo "the man page has no synopsis"; exit 1; }
+summary=$(sed -n 's:.*<summary>\(.*\)</summary>.*:\1:p' "$share/metainfo/$id.metainfo.xml")
+[ ${#summary} -le 35 ] || { echo "the summary is longer than a software centre shows: $summary"; exit 1; }
 echo "install ok"
