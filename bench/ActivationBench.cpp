@@ -204,11 +204,12 @@ void toggleOneWith20000(benchmark::State &state)
 BENCHMARK(toggleOneWith20000)->Unit(benchmark::kMillisecond)->Iterations(10)->Repetitions(3)
     ->ComputeStatistics("min", BenchFigures::fastest)->ReportAggregatesOnly(true);
 
-// A start-up: new services and store, the saved 20,000 restored (already linked).
-void restore20000(benchmark::State &state)
+// A start-up: new services and store, the saved `count` restored (already linked),
+// until the restore's card goes.
+void restore(benchmark::State &state, qsizetype count)
 {
     ActivationStore &bench = ActivationStore::instance();
-    if (!bench.ensureActive(20'000)) {
+    if (!bench.ensureActive(count)) {
         state.SkipWithError("the active set could not be built");
         return;
     }
@@ -228,11 +229,16 @@ void restore20000(benchmark::State &state)
         persistence.reset();
         activation.reset();
         state.ResumeTiming();
-        if (restored != 20'000) {
+        if (restored != count) {
             state.SkipWithError("the restore lost fonts");
             break;
         }
     }
+}
+
+void restore20000(benchmark::State &state)
+{
+    restore(state, 20'000);
 }
 BENCHMARK(restore20000)->Unit(benchmark::kMillisecond)->Iterations(1)->Repetitions(3)
     ->ComputeStatistics("min", BenchFigures::fastest)->ReportAggregatesOnly(true);
@@ -269,37 +275,10 @@ void activateAll100k(benchmark::State &state)
 }
 BENCHMARK(activateAll100k)->Unit(benchmark::kMillisecond)->Iterations(1)->Repetitions(1);
 
-// A start with 100,000 active and their links in place: new services and store, until
-// the restore's card goes.
 void restore100000(benchmark::State &state)
 {
-    ActivationStore &bench = ActivationStore::instance();
-    if (!bench.ensureActive(100'000)) {
-        state.SkipWithError("the active set could not be built");
-        return;
-    }
-    bench.persistence().waitForWrites();
-    for (auto _ : state) {
-        auto activation = std::make_unique<FontActivationService>(ActivationStore::linkFolder());
-        auto persistence = std::make_unique<PersistenceService>(ActivationStore::storageFolder());
-        auto store = std::make_unique<AppState>(*activation, *persistence);
-        // One Morvane runs per account: this one's library work (cataloguing, making
-        // folders ready) would run beside the first store's, as no real start does.
-        store->setCatalogueSettleTime(24 * 3600 * 1000);
-        store->loadPersistedState();
-        waitUntilIdle(*store);
-        state.PauseTiming();
-        const qsizetype restored = store->activatedFonts().size();
-        store.reset();
-        persistence.reset();
-        activation.reset();
-        state.ResumeTiming();
-        if (restored != 100'000) {
-            state.SkipWithError("the restore lost fonts");
-            break;
-        }
-    }
-    bench.clear(); // no other benchmark's fc-list reads 100,000 fonts of ours
+    restore(state, 100'000);
+    ActivationStore::instance().clear(); // no other benchmark's fc-list reads 100,000 fonts of ours
 }
 BENCHMARK(restore100000)->Unit(benchmark::kMillisecond)->Iterations(1)->Repetitions(2)
     ->ComputeStatistics("min", BenchFigures::fastest)->ReportAggregatesOnly(true);

@@ -20,19 +20,6 @@ namespace {
 
 const QString kDejaVu = u"/usr/share/fonts/truetype/dejavu/"_s;
 
-QSet<QString> listedByFontconfig(const QString &linkFolder)
-{
-    QProcess process;
-    process.start(u"fc-list"_s, {u"--format=%{file}\\n"_s});
-    EXPECT_TRUE(process.waitForFinished(60'000));
-    QSet<QString> fonts;
-    for (const QString &file : QString::fromUtf8(process.readAllStandardOutput()).split(u'\n', Qt::SkipEmptyParts)) {
-        if (file.startsWith(linkFolder + u'/'))
-            fonts.insert(QFile::symLinkTarget(file));
-    }
-    return fonts;
-}
-
 QSet<QString> recorded(FontActivationService &service)
 {
     const QHash<QString, QString> links = service.links();
@@ -95,13 +82,13 @@ TEST_F(Groups, AWholeFolderMadeReadyGoesInAndOutWithoutAScan)
     ASSERT_EQ(service.stagingFolder().size(), service.linkFolder().size());
     service.prepareActivation({fonts}, never);
     EXPECT_EQ(service.readyFonts(), fonts.size());
-    EXPECT_TRUE(listedByFontconfig(service.linkFolder()).isEmpty()) << "ready is not active";
+    EXPECT_TRUE(fontsListedByFontconfig(service.linkFolder()).isEmpty()) << "ready is not active";
 
     for (int round = 0; round < 2; ++round) {
         const int scanned = service.fontsScanned();
         EXPECT_TRUE(inBatch(service, fonts, true).isEmpty());
         EXPECT_EQ(service.fontsScanned(), scanned) << "round " << round << ": no font read at the switch";
-        EXPECT_EQ(listedByFontconfig(service.linkFolder()), all());
+        EXPECT_EQ(fontsListedByFontconfig(service.linkFolder()), all());
         EXPECT_EQ(recorded(service), all());
         const QStringList groups = liveGroups(service);
         EXPECT_EQ(groups.size(), 3);
@@ -110,7 +97,7 @@ TEST_F(Groups, AWholeFolderMadeReadyGoesInAndOutWithoutAScan)
 
         EXPECT_TRUE(inBatch(service, fonts, false).isEmpty());
         EXPECT_EQ(service.fontsScanned(), scanned);
-        EXPECT_TRUE(listedByFontconfig(service.linkFolder()).isEmpty());
+        EXPECT_TRUE(fontsListedByFontconfig(service.linkFolder()).isEmpty());
         EXPECT_TRUE(recorded(service).isEmpty());
         EXPECT_EQ(service.readyFonts(), fonts.size()) << "back out, and ready again";
         EXPECT_FALSE(QFileInfo::exists(service.linkFolder() + u"/g"_s)) << "no emptied folder left";
@@ -125,15 +112,15 @@ TEST_F(Groups, SingleFontsInAndAroundWholeGroupsAgreeWithFontconfig)
         FontActivationService service;
         service.prepareActivation({fonts}, never);
         inBatch(service, fonts.mid(0, 2 * G), true); // two whole groups
-        EXPECT_EQ(listedByFontconfig(service.linkFolder()), QSet<QString>(fonts.cbegin(), fonts.cbegin() + 2 * G));
+        EXPECT_EQ(fontsListedByFontconfig(service.linkFolder()), QSet<QString>(fonts.cbegin(), fonts.cbegin() + 2 * G));
 
         EXPECT_TRUE(service.deactivateFont(fonts[3]));
         QSet<QString> expected(fonts.cbegin(), fonts.cbegin() + 2 * G);
         expected.remove(fonts[3]);
-        EXPECT_EQ(listedByFontconfig(service.linkFolder()), expected);
+        EXPECT_EQ(fontsListedByFontconfig(service.linkFolder()), expected);
         EXPECT_TRUE(service.activateFont(fonts[2 * G + 3])); // one of the third group, alone
         expected.insert(fonts[2 * G + 3]);
-        EXPECT_EQ(listedByFontconfig(service.linkFolder()), expected);
+        EXPECT_EQ(fontsListedByFontconfig(service.linkFolder()), expected);
         EXPECT_EQ(recorded(service), expected);
     }
     FontActivationService restarted; // the next start reads what is on disk
@@ -143,7 +130,7 @@ TEST_F(Groups, SingleFontsInAndAroundWholeGroupsAgreeWithFontconfig)
     EXPECT_EQ(recorded(restarted), expected);
     const QStringList active(expected.cbegin(), expected.cend());
     EXPECT_TRUE(inBatch(restarted, active, false).isEmpty());
-    EXPECT_TRUE(listedByFontconfig(restarted.linkFolder()).isEmpty());
+    EXPECT_TRUE(fontsListedByFontconfig(restarted.linkFolder()).isEmpty());
     EXPECT_FALSE(QFileInfo::exists(restarted.linkFolder() + u"/g"_s)) << "no emptied folder left";
 }
 
@@ -157,10 +144,10 @@ TEST_F(Groups, AFontAddedToAWhollyActiveFolderStaysInactive)
     const QString added = folder + u"/Font 999.ttf"_s;
     ASSERT_TRUE(QFile::copy(kDejaVu + u"DejaVuSerif-Bold.ttf"_s, added));
     service.prepareActivation({QStringList(fonts) << added}, never);
-    EXPECT_EQ(listedByFontconfig(service.linkFolder()), all());
+    EXPECT_EQ(fontsListedByFontconfig(service.linkFolder()), all());
     EXPECT_EQ(recorded(service), all());
     EXPECT_TRUE(service.activateFont(added));
-    EXPECT_EQ(listedByFontconfig(service.linkFolder()), all() + QSet<QString>{added});
+    EXPECT_EQ(fontsListedByFontconfig(service.linkFolder()), all() + QSet<QString>{added});
 }
 
 // A file replaced after its group was made ready is not taken from the group's cache:
@@ -184,7 +171,7 @@ TEST_F(Groups, AFileChangedSinceItWasMadeReadyIsReadAgain)
             described = line.section(u'|', 1);
     }
     EXPECT_EQ(described, u"DejaVu Serif|Bold"_s);
-    EXPECT_EQ(listedByFontconfig(service.linkFolder()), all());
+    EXPECT_EQ(fontsListedByFontconfig(service.linkFolder()), all());
 }
 
 // A process killed between two chunks of a whole folder: the next start's record is
@@ -201,9 +188,9 @@ TEST_F(Groups, AKillInTheMiddleLeavesLinksAndFontconfigAgreeing)
     FontActivationService next;
     const QSet<QString> onDisk = recorded(next);
     EXPECT_EQ(onDisk, QSet<QString>(fonts.cbegin(), fonts.cbegin() + G));
-    EXPECT_EQ(listedByFontconfig(next.linkFolder()), onDisk);
+    EXPECT_EQ(fontsListedByFontconfig(next.linkFolder()), onDisk);
     next.repairActivations();
     next.removeActivationsExcept(QSet<QString>(fonts.cbegin(), fonts.cbegin() + 4)); // what was saved
-    EXPECT_EQ(listedByFontconfig(next.linkFolder()), QSet<QString>(fonts.cbegin(), fonts.cbegin() + 4));
+    EXPECT_EQ(fontsListedByFontconfig(next.linkFolder()), QSet<QString>(fonts.cbegin(), fonts.cbegin() + 4));
     EXPECT_EQ(recorded(next), QSet<QString>(fonts.cbegin(), fonts.cbegin() + 4));
 }

@@ -22,20 +22,6 @@ namespace {
 const QString kFonts = QStringLiteral(MORVANE_TEST_FONTS);
 const QString kDejaVu = u"/usr/share/fonts/truetype/dejavu/"_s;
 
-// fontconfig is the judge: what a newly started application sees, through fc-list
-// in this test's own environment, with our links mapped back to the fonts.
-QSet<QString> fontsListedByFontconfig(const QString &linkFolder)
-{
-    QProcess process;
-    process.start(u"fc-list"_s, {u"--format=%{file}\\n"_s});
-    EXPECT_TRUE(process.waitForFinished(60'000));
-    QSet<QString> fonts;
-    for (const QString &file : QString::fromUtf8(process.readAllStandardOutput()).split(u'\n', Qt::SkipEmptyParts)) {
-        if (file.startsWith(linkFolder + u'/'))
-            fonts.insert(QFile::symLinkTarget(file));
-    }
-    return fonts;
-}
 
 QString copyFont(const QString &source, const QString &target)
 {

@@ -7,6 +7,7 @@
 #include <QMutex>
 #include <QDir>
 #include <QFile>
+#include <QProcess>
 #include <QLocale>
 #include <QStandardPaths>
 #include <QTemporaryDir>
@@ -188,6 +189,19 @@ QString CapturedLog::text() const
 {
     const QMutexLocker lock(&capturedMutex);
     return *capturedText;
+}
+
+QSet<QString> fontsListedByFontconfig(const QString &linkFolder)
+{
+    QProcess process;
+    process.start(QStringLiteral("fc-list"), {QStringLiteral("--format=%{file}\\n")});
+    EXPECT_TRUE(process.waitForFinished(60'000));
+    QSet<QString> fonts;
+    for (const QString &file : QString::fromUtf8(process.readAllStandardOutput()).split(u'\n', Qt::SkipEmptyParts)) {
+        if (file.startsWith(linkFolder + u'/'))
+            fonts.insert(QFile::symLinkTarget(file));
+    }
+    return fonts;
 }
 
 } // namespace TestSupport

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QSet>
 #include <QString>
 #include <QStringList>
 
@@ -52,5 +53,9 @@ public:
 bool isolateProcess();
 void isolateEachTest();
 void removeProcessRoot();
+
+// fontconfig is the judge: what a newly started application sees, through fc-list in
+// this test's own environment, with the links in `linkFolder` mapped back to the fonts.
+QSet<QString> fontsListedByFontconfig(const QString &linkFolder);
 
 } // namespace TestSupport

@@ -46,6 +46,7 @@ OpenedFontView::OpenedFontView(AppState &state, const QString &path, QWidget *pa
     connect(m_addFolder, &QPushButton::clicked, this, [&state, folder] { state.addSource(folder); });
 
     auto *header = new QHBoxLayout;
+    header->setContentsMargins(0, 0, 16, 0);
     auto *titles = new QVBoxLayout;
     titles->addWidget(name);
     titles->addWidget(where);
