@@ -287,8 +287,6 @@ TEST_F(Sidebar, DropsAddExistingFilesAndFoldersAndSkipMissingOnes)
     const std::optional<FontCollection> target = find(u"Drop Here"_s);
     ASSERT_TRUE(target);
     EXPECT_EQ(target->members, (QList<CollectionMember>{{outside, false}, {folder, true}}));
-    // A source row takes no drop, nor does data without files.
-    EXPECT_FALSE(drop(viewportOf(u"Library"_s), rect(u"Library"_s).center(), {outside}));
     // Offered only a move, the drop is refused rather than taken as one.
     EXPECT_FALSE(drop(viewportOf(u"Drop Here"_s), rect(u"Drop Here"_s).center(), {library + u"/c.ttf"_s}, Qt::MoveAction));
     EXPECT_EQ(find(u"Drop Here"_s)->members.size(), 2);
@@ -526,4 +524,52 @@ TEST_F(Sidebar, ChangesElsewhereLeaveWhatTheUserChoseInPlace)
             << change.change;
     }
     EXPECT_TRUE(resets.isEmpty());
+}
+
+// Files and folders dropped on the sources add their folder as a source, asking which
+// when the fonts come from several; nothing is moved or copied, and what holds no font
+// is turned away.
+TEST_F(Sidebar, FoldersAndFontsDroppedOnTheSourcesBecomeSources)
+{
+    const QString downloads = makeDir(testRoot() + u"/Downloads"_s);
+    const QString pack = makeDir(downloads + u"/Pack"_s);
+    const QString loose = writeFile(downloads + u"/Loose.otf"_s, "font");
+    const QString other = writeFile(makeDir(testRoot() + u"/Other"_s) + u"/Other.ttf"_s, "font");
+    const QString notes = writeFile(downloads + u"/notes.txt"_s, "text");
+    SidebarList *sources = sidebar->sourcesList();
+    QStringList offered;
+    sources->setFolderChooser([&](const QStringList &folders) {
+        offered = folders;
+        return folders.last();
+    });
+    const QPoint at = sources->viewport()->rect().center();
+    const auto paths = [&] {
+        QStringList list;
+        for (const FolderSource &source : store.sources())
+            list.append(source.path);
+        return list;
+    };
+
+    const struct
+    {
+        const char *what;
+        QStringList dropped;
+        bool accepted;
+        QStringList sources;
+        QStringList asked;
+    } drops[] = {
+        {"a folder", {pack}, true, {library, pack}, {}},
+        {"only a file that is no font", {notes}, false, {library, pack}, {}},
+        {"a font file: its folder", {loose, notes}, true, {library, pack, downloads}, {}},
+        {"fonts from two folders: the chosen one", {loose, other}, true, {library, pack, downloads, testRoot() + u"/Other"_s},
+         {downloads, testRoot() + u"/Other"_s}},
+    };
+    for (const auto &d : drops) {
+        offered.clear();
+        EXPECT_EQ(drop(sources->viewport(), at, d.dropped), d.accepted) << d.what;
+        EXPECT_TRUE(QTest::qWaitFor([&] { return paths() == d.sources; })) << d.what << ": " << paths().join(u", "_s).toStdString();
+        EXPECT_EQ(offered, d.asked) << d.what;
+    }
+    for (const QString &file : {loose, other, notes})
+        EXPECT_TRUE(QFile::exists(file)) << "a drop never moves a file";
 }

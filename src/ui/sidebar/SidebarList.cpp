@@ -13,6 +13,9 @@
 #include "state/AppState.h"
 
 #include <QContextMenuEvent>
+#include <QDir>
+#include <QFileInfo>
+#include <QInputDialog>
 #include <QDragEnterEvent>
 #include <QMenu>
 #include <QMimeData>
@@ -42,7 +45,7 @@ SidebarList::SidebarList(SidebarView &sidebar, AppState &state, SidebarModel *mo
     setSelectionMode(QAbstractItemView::SingleSelection);
     setEditTriggers(collections ? QAbstractItemView::EditKeyPressed : QAbstractItemView::NoEditTriggers); // F2
     setMouseTracking(true);
-    setAcceptDrops(collections);
+    setAcceptDrops(true); // collections take files; the sources, folders to add
     setDropIndicatorShown(false);
     setFrameShape(QFrame::NoFrame);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
@@ -198,6 +201,16 @@ void SidebarList::dragEnterEvent(QDragEnterEvent *event)
 
 void SidebarList::dragMoveEvent(QDragMoveEvent *event)
 {
+    if (!m_collections) { // the whole sources list takes folders to add
+        const std::optional<Qt::DropAction> action = Drops::safeAction(event->possibleActions());
+        if (!action) {
+            event->ignore();
+            return;
+        }
+        event->setDropAction(*action);
+        event->accept();
+        return;
+    }
     const int row = collectionRowAt(event->position().toPoint());
     const std::optional<Qt::DropAction> action = Drops::safeAction(event->possibleActions());
     setDropRow(row >= 0 && action ? row : -1);
@@ -218,6 +231,41 @@ void SidebarList::dragLeaveEvent(QDragLeaveEvent *event)
 void SidebarList::dropEvent(QDropEvent *event)
 {
     setDropRow(-1);
+    if (!m_collections) {
+        const std::optional<Qt::DropAction> action = Drops::safeAction(event->possibleActions());
+        // A folder as it is; a font file's folder; anything else is no source.
+        QStringList folders;
+        for (const QUrl &url : event->mimeData()->urls()) {
+            const QFileInfo info(url.toLocalFile());
+            const QString folder = info.isDir() ? info.absoluteFilePath()
+                                   : info.isFile() && isFontFileName(info.fileName()) ? info.absolutePath()
+                                                                                      : QString();
+            if (!folder.isEmpty() && !folders.contains(QDir::cleanPath(folder)))
+                folders.append(QDir::cleanPath(folder));
+        }
+        if (folders.isEmpty() || !action) {
+            event->ignore();
+            return;
+        }
+        event->setDropAction(*action);
+        event->accept();
+        QString chosen = folders.constFirst();
+        if (folders.size() > 1) {
+            if (m_chooseFolder) {
+                chosen = m_chooseFolder(folders);
+            } else {
+                bool ok = false;
+                chosen = QInputDialog::getItem(this, tr("Add Folder as Source"),
+                                               tr("The fonts come from several folders. Which one should be a source?"),
+                                               folders, 0, false, &ok);
+                if (!ok)
+                    chosen.clear();
+            }
+        }
+        if (!chosen.isEmpty())
+            m_state.addSource(chosen);
+        return;
+    }
     const int row = collectionRowAt(event->position().toPoint());
     const std::optional<Qt::DropAction> action = Drops::safeAction(event->possibleActions());
     const std::optional<SidebarItem> item = row >= 0 ? m_model->item(row) : std::nullopt;

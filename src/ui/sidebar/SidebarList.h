@@ -3,6 +3,8 @@
 
 #include <QListView>
 
+#include <functional>
+
 class AppState;
 class SidebarDelegate;
 class SidebarModel;
@@ -10,7 +12,9 @@ class SidebarSectionProxy;
 class SidebarView;
 
 // One section's list in the sidebar: the sources, or the collections. Both show the
-// same model, each hiding the other's rows.
+// same model, each hiding the other's rows. Files and folders dropped on a collection
+// join it; dropped on the sources, their folder becomes a source (a folder as it is, a
+// font file's own folder); a drop never moves or copies a file.
 class SidebarList : public QListView
 {
     Q_OBJECT
@@ -28,6 +32,9 @@ public:
     int rowOf(const QModelIndex &index) const;
     // The sidebar model's row of this list's first or last selectable row; -1 for none.
     int edgeRow(bool last) const;
+    // Which folder to add when a drop brings fonts from several (a dialog unless set);
+    // an empty answer adds none.
+    void setFolderChooser(std::function<QString(const QStringList &folders)> choose) { m_chooseFolder = std::move(choose); }
 
 protected:
     void keyPressEvent(QKeyEvent *event) override;
@@ -52,4 +59,5 @@ private:
     SidebarDelegate *m_delegate;
     bool m_collections;
     bool m_syncing = false;
+    std::function<QString(const QStringList &folders)> m_chooseFolder;
 };
