@@ -12,10 +12,12 @@
 
 #include <QApplication>
 #include <QElapsedTimer>
+#include <QFile>
 #include <QMouseEvent>
 
 #include <benchmark/benchmark.h>
 
+#include <functional>
 #include <memory>
 
 using namespace Qt::StringLiterals;
@@ -97,8 +99,50 @@ void browserPaintColumn(benchmark::State &state)
 BENCHMARK(browserPaintColumn)->Unit(benchmark::kMillisecond)->Iterations(50)->Repetitions(3)
     ->ComputeStatistics("min", BenchFigures::fastest)->ReportAggregatesOnly(true);
 
+// A font copied into a folder of the watched 100k library, until its row is in the
+// browser's open column: inotify, the quiet second the watch waits for, the refresh and
+// the column built again.
+void liveNewFontVisible(benchmark::State &state)
+{
+    BrowserWindow window;
+    AppState &store = BenchStore::instance().store();
+    store.setWatchingSources(true);
+    const auto column = [&] { return window.view->columns().value(1); };
+    const auto shown = [&](const QString &path) { return column() && column()->nodeModel()->rowOf(path) >= 0; };
+    const auto waitFor = [&](const std::function<bool()> &done) {
+        QElapsedTimer waited;
+        waited.start();
+        while (!done() && waited.elapsed() < 30'000)
+            QApplication::processEvents(QEventLoop::WaitForMoreEvents, 50);
+        return done();
+    };
+    int n = 0;
+    for (auto _ : state) {
+        const QString font = sansSerif() + u"/Live %1.ttf"_s.arg(n++);
+        QFile file(font);
+        if (!file.open(QIODevice::WriteOnly)) {
+            state.SkipWithError("the library can't be written");
+            break;
+        }
+        file.close();
+        const bool appeared = waitFor([&] { return shown(font); });
+        state.PauseTiming();
+        QFile::remove(font);
+        const bool went = waitFor([&] { return !shown(font); });
+        state.ResumeTiming();
+        if (!appeared || !went) {
+            state.SkipWithError("the new font did not show");
+            break;
+        }
+    }
+    store.setWatchingSources(false);
+}
+BENCHMARK(liveNewFontVisible)->Unit(benchmark::kMillisecond)->Iterations(1)->Repetitions(3)
+    ->ComputeStatistics("min", BenchFigures::fastest)->ReportAggregatesOnly(true);
+
 void addBrowserFigures()
 {
+    BenchFigures::set("live-new-font-visible-ms", BenchFigures::milliseconds("liveNewFontVisible"));
     BenchFigures::set("browser-open-10k-folder-ms", BenchFigures::milliseconds("browserOpen10kFolder"));
     BenchFigures::set("browser-paint-column-ms", BenchFigures::milliseconds("browserPaintColumn"));
 }
