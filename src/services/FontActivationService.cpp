@@ -213,6 +213,18 @@ void FontActivationService::loadIndex()
         if (QFileInfo::exists(m_tops.at(i)))
             m_shardsInTop.insert(m_tops.at(i), static_cast<int>(tops.at(i).folders.size()));
     }
+    // Empty shards and top folders (an older Morvane made all 256 at its first start, a
+    // kill may leave one emptied) go now rather than be read by every program.
+    for (qsizetype i = 0; i < shards.size(); ++i) {
+        if (shardEntries.at(i).linkNames.isEmpty() && shardEntries.at(i).folders.isEmpty())
+            m_pendingShards.insert(shards.at(i));
+    }
+    for (const QString &top : std::as_const(m_tops)) {
+        if (m_shardsInTop.value(top, -1) == 0)
+            m_pendingShards.insert(top);
+    }
+    removeEmptyShards();
+    m_pendingShards.clear(); // nothing else changed: their parents are rescanned by whoever reads them next
     rebuildShards(duplicates);
 }
 
