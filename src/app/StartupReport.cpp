@@ -64,8 +64,10 @@ private:
         if (m_reported || m_window.state().isIndexing() || m_window.state().isProcessing())
             return;
         m_reported = true;
-        // The scanned library's columns lay out and paint before memory is read.
-        QTimer::singleShot(0, this, [] {
+        // The scanned library's columns lay out and paint, and the catalogue's background
+        // work ends, before memory is read: the window as it will stay.
+        QTimer::singleShot(0, this, [this] {
+            m_window.state().waitForCatalogue(600'000);
             std::printf("rss-mb: %.1f\n", residentMegabytes());
             std::fflush(stdout);
             QApplication::quit();

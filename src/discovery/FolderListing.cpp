@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "FolderListing.h"
+#include "model/SharedPaths.h"
 
 #include <QFile>
 
@@ -132,6 +133,8 @@ std::optional<FontNode> FolderListing::node(const QString &prefix, const Entry &
     QString child = childPath(prefix, names.data() + entry.offset, entry.length);
     if (child.isEmpty())
         return std::nullopt;
+    if (!entry.isFolder)
+        child = SharedPaths::share(child); // the catalogue and the links hold the same paths
     return FontNode::scanned(std::move(child), prefix.size(), entry.isFolder);
 }
 

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "CatalogIndex.h"
+#include "model/SharedPaths.h"
 
 #include "FontCatalog.h"
 
@@ -46,6 +47,7 @@ void CatalogIndex::setFile(quint32 id, const File &file)
         m_folders.push_back(folder);
     }
     File entry = file;
+    entry.path = SharedPaths::share(file.path);
     entry.folder = *known;
     putAt(m_files, id, entry);
 }

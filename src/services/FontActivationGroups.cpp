@@ -114,9 +114,13 @@ void FontActivationService::loadGroups()
                 QDir(m_stagingFolder + u"/g/"_s + bucket + u'/' + id).removeRecursively();
                 continue;
             }
-            m_groups.insert(id, Group{.fonts = entries.targets, .staged = entries.changed, .ready = true});
-            for (const QString &font : entries.targets)
-                m_groupOfFont.insert(font, id);
+            QStringList fonts;
+            fonts.reserve(entries.targets.size());
+            for (const QString &font : entries.targets) {
+                fonts.append(m_links.sharedFont(font));
+                m_groupOfFont.insert(fonts.last(), id);
+            }
+            m_groups.insert(id, Group{.fonts = fonts, .staged = entries.changed, .ready = true});
         }
     }
 }
@@ -237,7 +241,7 @@ bool FontActivationService::askGroupIn(const QString &font)
     QSet<QString> &asked = m_askedIn[*id];
     asked.insert(font);
     if (asked.size() == group.fonts.size()
-        && std::none_of(group.fonts.cbegin(), group.fonts.cend(), [this](const QString &f) { return m_linkOfFont.contains(f); })
+        && std::none_of(group.fonts.cbegin(), group.fonts.cend(), [this](const QString &f) { return m_links.containsFont(f); })
         && moveGroupIn(*id))
         m_askedIn.remove(*id);
     return true; // linked with its group, or on its own once the batch ends
@@ -288,8 +292,7 @@ bool FontActivationService::moveGroupIn(const QString &id)
     m_noNewLinks.insert(live);
     for (const QString &font : std::as_const(group.fonts)) {
         const QString link = live + u'/' + linkNameFor(font);
-        m_linkOfFont.insert(font, link);
-        m_fontOfLink.insert(link, font);
+        m_links.insert(font, link);
     }
     m_pendingShards.insert(bucket); // lists one more folder; the group's own cache is ready
     return true;
@@ -303,7 +306,7 @@ bool FontActivationService::moveGroupOut(const QString &id)
         || ::rename(encoded(live).constData(), encoded(stagedGroupPath(id)).constData()) != 0)
         return false;
     for (const QString &font : std::as_const(group.fonts))
-        m_fontOfLink.remove(m_linkOfFont.take(font));
+        m_links.removeFont(font);
     group.live = false;
     group.ready = true; // its folder kept its time, so its cache is valid when it comes back
     m_shardSize.remove(live);
@@ -318,7 +321,7 @@ void FontActivationService::settleGroups()
     QStringList loose;
     for (const QSet<QString> &asked : std::as_const(m_askedIn)) {
         for (const QString &font : asked) {
-            if (!m_linkOfFont.contains(font))
+            if (!m_links.containsFont(font))
                 loose.append(font);
         }
     }
@@ -326,7 +329,7 @@ void FontActivationService::settleGroups()
     linkLoose(loose); // fontconfig read them when they were made ready; the rebuild judges again
     for (const QSet<QString> &asked : std::as_const(m_askedOut)) {
         for (const QString &font : asked) {
-            const QString link = m_linkOfFont.value(font); // a copy: forgetting it removes the index's
+            const QString link = m_links.linkOf(font);
             if (!link.isEmpty())
                 unlinkAndForget(link);
         }

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "FontActivationService.h"
+#include "model/SharedPaths.h"
 
 #include "Console.h"
 #include "LinkPlacement.h"
@@ -101,8 +102,8 @@ std::optional<QString> FontActivationService::linkPathFor(const QString &fontPat
     const QMutexLocker lock(&m_mutex);
     if (!ensureReady())
         return std::nullopt;
-    const auto found = m_linkOfFont.constFind(fontPath);
-    return found == m_linkOfFont.cend() ? std::nullopt : std::optional<QString>(*found);
+    const QString link = m_links.linkOf(fontPath);
+    return link.isEmpty() ? std::nullopt : std::optional<QString>(link);
 }
 
 QString FontActivationService::shardOf(const QString &linkPath)
@@ -174,15 +175,14 @@ void FontActivationService::indexLinks(const QString &folder, const FolderEntrie
 {
     for (qsizetype i = 0; i < entries.linkNames.size(); ++i) {
         const QString link = folder + u'/' + entries.linkNames[i];
-        const QString &font = entries.targets[i];
-        if (m_linkOfFont.contains(font)) {
+        const QString font = SharedPaths::share(entries.targets[i]);
+        if (m_links.containsFont(font)) {
             // Linked twice (a crash mid-batch): fontconfig would list it twice.
             ::unlink(encoded(link).constData());
             duplicateShards.insert(folder);
             continue;
         }
-        m_linkOfFont.insert(font, link);
-        m_fontOfLink.insert(link, font);
+        m_links.insert(font, link);
         ++m_shardSize[folder];
     }
     if (!entries.linkNames.isEmpty())
@@ -230,8 +230,7 @@ void FontActivationService::loadIndex()
 
 void FontActivationService::forget(QString linkPath)
 {
-    const QString font = m_fontOfLink.take(linkPath);
-    m_linkOfFont.remove(font);
+    m_links.takeLink(linkPath);
     --m_shardSize[shardOf(linkPath)];
     const auto group = m_groups.find(groupOfShard(shardOf(linkPath)));
     if (group != m_groups.end())
@@ -347,14 +346,14 @@ void FontActivationService::setAsideSpecialFiles(const QSet<QString> &shards)
         }
     }
     for (const QString &link : std::as_const(special)) {
-        const QString font = m_fontOfLink.value(link);
+        const QString font = m_links.fontOf(link);
         Console::printLine(u"Failed to activate font at "_s + font + u": it is no longer a regular file"_s);
         if (!font.isEmpty()) {
             m_turnedDown.append(font);
             m_failureReasons.insert(font, u"it is no longer a regular file"_s);
         }
         ::unlink(encoded(link).constData());
-        if (m_fontOfLink.contains(link))
+        if (m_links.containsLink(link))
             forget(link);
     }
 }
@@ -377,12 +376,12 @@ void FontActivationService::rebuildPending()
         const QSet<QString> &files = listed[shard];
         for (const QString &name : readFolder(shard).linkNames) {
             const QString link = shard + u'/' + name;
-            if (!files.contains(link) && m_fontOfLink.contains(link))
+            if (!files.contains(link) && m_links.containsLink(link))
                 refused.append(link);
         }
     }
     for (const QString &link : std::as_const(refused)) {
-        const QString font = m_fontOfLink.value(link);
+        const QString font = m_links.fontOf(link);
         Console::printLine(u"Failed to activate font at "_s + font + u": not a font file fontconfig can read"_s);
         m_turnedDown.append(font);
         m_failureReasons.insert(font, kUnreadable);
@@ -468,8 +467,7 @@ void FontActivationService::linkLoose(const QStringList &fonts)
             failForSystem(font, error + u" (in "_s + shards[n] + u')');
             continue;
         }
-        m_linkOfFont.insert(font, link);
-        m_fontOfLink.insert(link, font);
+        m_links.insert(font, link);
         ++m_shardSize[shards[n]];
         m_pendingShards.insert(shards[n]);
     }
@@ -491,7 +489,7 @@ QList<bool> FontActivationService::activateFonts(const QStringList &paths)
     QSet<QString> seen;
     for (const QString &path : paths) {
         struct stat info{};
-        if (m_linkOfFont.contains(path) || seen.contains(path))
+        if (m_links.containsFont(path) || seen.contains(path))
             continue; // already active, or asked twice
         seen.insert(path);
         if (::stat(encoded(path).constData(), &info) != 0) {
@@ -522,7 +520,7 @@ QList<bool> FontActivationService::activateFonts(const QStringList &paths)
     }
     // Duplicates share the first one's outcome; what fontconfig refused is not active.
     for (qsizetype i = 0; i < paths.size(); ++i)
-        results[i] = m_linkOfFont.contains(paths[i]) || isAskedIn(paths[i]);
+        results[i] = m_links.containsFont(paths[i]) || isAskedIn(paths[i]);
     return results;
 }
 
@@ -533,10 +531,9 @@ QList<bool> FontActivationService::deactivateFonts(const QStringList &paths)
     if (!ensureReady())
         return results; // nothing of ours can be active
     for (qsizetype i = 0; i < paths.size(); ++i) {
-        const auto found = m_linkOfFont.constFind(paths[i]);
-        if (found == m_linkOfFont.cend())
+        const QString link = m_links.linkOf(paths[i]);
+        if (link.isEmpty())
             continue; // not active
-        const QString link = *found;
         if (askGroupOut(paths[i], link))
             continue; // goes with its whole group
         if (::unlink(encoded(link).constData()) == 0 || errno == ENOENT) {
@@ -566,14 +563,14 @@ QHash<QString, QString> FontActivationService::links()
 {
     const QMutexLocker lock(&m_mutex);
     ensureReady();
-    return m_fontOfLink;
+    return m_links.linksToFonts();
 }
 
 QSet<QString> FontActivationService::recordedActivations()
 {
     const QMutexLocker lock(&m_mutex);
     ensureReady();
-    return QSet<QString>(m_fontOfLink.cbegin(), m_fontOfLink.cend());
+    return m_links.fonts();
 }
 
 void FontActivationService::removeLinks(const QStringList &linkPaths)
@@ -582,7 +579,7 @@ void FontActivationService::removeLinks(const QStringList &linkPaths)
     if (!ensureReady())
         return;
     for (const QString &link : linkPaths) {
-        if (m_fontOfLink.contains(link))
+        if (m_links.containsLink(link))
             unlinkAndForget(link);
     }
     rebuildPending();
@@ -591,12 +588,17 @@ void FontActivationService::removeLinks(const QStringList &linkPaths)
 void FontActivationService::removeActivationsExcept(const QSet<QString> &keep)
 {
     // Links to files that are gone were taken back by repairActivations().
+    const QMutexLocker lock(&m_mutex);
+    if (!ensureReady())
+        return;
     QStringList unknown;
-    for (const auto &[link, font] : links().asKeyValueRange()) {
+    m_links.forEach([&](const QString &link, const QString &font) {
         if (!keep.contains(font))
             unknown.append(link);
-    }
-    removeLinks(unknown);
+    });
+    for (const QString &link : std::as_const(unknown))
+        unlinkAndForget(link);
+    rebuildPending();
 }
 
 void FontActivationService::removeStaleCacheLocks()
@@ -614,13 +616,12 @@ void FontActivationService::repairActivations()
         return;
     removeStaleCacheLocks();
     QSet<QString> changed;
-    const QHash<QString, QString> links = m_fontOfLink;
-    for (const auto &[link, font] : links.asKeyValueRange()) {
+    m_links.forEach([&](const QString &link, const QString &font) {
         struct stat target{};
         if (::stat(encoded(font).constData(), &target) != 0 || !S_ISREG(target.st_mode)) {
             // Gone, or now a folder (fontconfig would list what is inside it).
             unlinkAndForget(link);
-            continue;
+            return;
         }
         // Changed since its shard last changed (when the link was made, or the shard
         // last repaired): fontconfig's cache may still describe the old file, because
@@ -630,11 +631,11 @@ void FontActivationService::repairActivations()
             (isNewer(target.st_mtim, *shardChanged) || isNewer(target.st_ctim, *shardChanged))) {
             if (!readsAsFont(font)) {
                 unlinkAndForget(link);
-                continue;
+                return;
             }
             changed.insert(shardOf(link));
         }
-    }
+    });
     // The shard's own time marks it checked until a file changes again; set before the
     // rebuild, so the new cache records it and stays valid.
     for (const QString &shard : std::as_const(changed)) {

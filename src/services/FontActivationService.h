@@ -3,6 +3,7 @@
 
 #include "FontActivating.h"
 #include "FontconfigCache.h"
+#include "LinkIndex.h"
 
 #include <QElapsedTimer>
 #include <QHash>
@@ -166,8 +167,7 @@ private:
     QStringList m_tops;                   // 00 … ff
     QSet<QString> m_topSet;
     QHash<QString, int> m_shardsInTop;    // top folder -> shards made in it
-    QHash<QString, QString> m_linkOfFont; // font path -> link path
-    QHash<QString, QString> m_fontOfLink; // link path -> font path
+    LinkIndex m_links;                    // font path <-> link path
     QHash<QString, timespec> m_shardTimes; // shard -> when it last changed, as read at start
     QHash<QString, qsizetype> m_shardSize; // every folder holding links, new shards included
     QSet<QString> m_pendingShards;         // changed, cache not yet rebuilt

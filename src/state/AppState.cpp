@@ -2,6 +2,7 @@
 #include "AppState.h"
 
 #include "services/MountWatcher.h"
+#include "services/FreedMemory.h"
 
 #include <QDir>
 #include <QElapsedTimer>
@@ -132,6 +133,8 @@ void AppState::setIsProcessing(bool processing)
     if (m_isProcessing == processing)
         return;
     m_isProcessing = processing;
+    if (!processing)
+        FreedMemory::giveBack(); // a batch's passing lists
     Q_EMIT isProcessingChanged();
 }
 
@@ -152,6 +155,8 @@ void AppState::setIsIndexing(bool indexing)
     if (m_isIndexing == indexing)
         return;
     m_isIndexing = indexing;
+    if (!indexing)
+        FreedMemory::giveBack(); // the scan's passing lists
     Q_EMIT isIndexingChanged();
 }
 

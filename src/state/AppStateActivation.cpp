@@ -8,6 +8,7 @@
 
 #include <QElapsedTimer>
 #include <QCoroFuture>
+#include <QFutureWatcher>
 #include <QDateTime>
 #include <QDir>
 #include <QLocale>
@@ -103,12 +104,24 @@ void AppState::saveActivatedFonts()
         m_persistenceService.saveActivatedFonts(m_activatedFonts + m_waitingActivations);
 }
 
+namespace {
+
+void settle(QPromise<bool> &outcome, bool finished)
+{
+    if (outcome.future().isFinished())
+        return;
+    outcome.addResult(finished);
+    outcome.finish();
+}
+
+} // namespace
+
 void AppState::cancelBatch()
 {
     if (!m_isProcessing)
         return;
-    if (m_isProcessingStalled)
-        m_abandonBatch.finish(); // nothing answers: stop waiting now
+    if (m_isProcessingStalled && m_batchJobOutcome)
+        settle(*m_batchJobOutcome, false); // nothing answers: stop waiting now
     else
         m_stopBatch = true; // a chunk half done would leave fontconfig behind
 }
@@ -118,13 +131,27 @@ QCoro::Task<std::optional<QStringList>> AppState::awaitBatchJob(QFuture<QStringL
     QPointer<AppState> self(this);
     m_runningJob = QFuture<void>(job);
     m_stallTimer.start();
-    const QFuture<void> abandoned = m_abandonBatch.future();
-    const auto first = co_await QtFuture::whenAny(job, abandoned);
+    // Whichever comes first, the job's end or cancelBatch() giving up on it. A promise
+    // of our own per job rather than QtFuture::whenAny: that left a context alive for
+    // every chunk of a batch (12,500 for 100,000 fonts).
+    const auto outcome = std::make_shared<QPromise<bool>>();
+    outcome->start();
+    m_batchJobOutcome = outcome;
+    auto *watcher = new QFutureWatcher<QStringList>(this);
+    connect(watcher, &QFutureWatcherBase::finished, this, [watcher, outcome] {
+        watcher->deleteLater();
+        settle(*outcome, true);
+    });
+    // The store going first: the wait ends, and finds the store gone.
+    connect(watcher, &QObject::destroyed, [outcome] { settle(*outcome, false); });
+    watcher->setFuture(job);
+    const bool finished = co_await outcome->future();
     if (!self)
         co_return std::nullopt;
+    m_batchJobOutcome.reset();
     m_stallTimer.stop();
     setIsProcessingStalled(false);
-    if (first.index() != 0)
+    if (!finished)
         co_return std::nullopt; // given up on: the job may still end, unheard
     co_return job.result();
 }
@@ -280,8 +307,6 @@ QCoro::Task<> AppState::batchProcess(QList<FontNode> fonts, bool activate, QStri
     setProcessing(0.0, progressMessage(label, 0, total));
 
     FontActivating *service = &m_fontActivationService;
-    m_abandonBatch = QPromise<void>();
-    m_abandonBatch.start();
     m_batchSystemFailures.clear();
     m_batchUntouched.clear();
     m_stopBatch = false;

@@ -5,6 +5,7 @@
 
 #include "fonts/FaceReader.h"
 #include "services/Diagnostics.h"
+#include "services/FreedMemory.h"
 
 #include <QCoroFuture>
 #include <QDateTime>
@@ -206,6 +207,7 @@ void AppState::indexCatalogue()
             return cancellation.isCancelled();
         });
         qCDebug(lcActivation) << "made" << byFolder.size() << "folders ready to activate in" << took.elapsed() << "ms";
+        FreedMemory::giveBack();
     });
     m_catalogueJobs.removeIf([](const QFuture<void> &job) { return job.isFinished(); });
     m_catalogueJobs.append(m_catalogueJob);

@@ -108,7 +108,10 @@ SavedFonts sortSavedFonts(const QSet<QString> &candidates, const QSet<QString> &
     result.existing.reserve(candidates.size());
     for (const QString &path : candidates) {
         struct stat info{};
-        if (recorded.contains(path) || ::stat(QFile::encodeName(path).constData(), &info) == 0)
+        // The links' own copy of the path is kept, so 100,000 active paths are held once.
+        if (const auto linked = recorded.constFind(path); linked != recorded.cend())
+            result.existing.insert(*linked);
+        else if (::stat(QFile::encodeName(path).constData(), &info) == 0)
             result.existing.insert(path);
         else if ((errno != ENOENT && errno != ENOTDIR) || isUnder(path, unavailableRoots))
             result.waiting.insert(path);

@@ -1,0 +1,12 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+// A scan or a restore of 100,000 fonts builds large passing lists on several threads;
+// glibc keeps what they freed for later, and the window would carry it for the rest of
+// its life. Called when such a job ends, this lets go of shared paths nobody holds and
+// hands freed memory back to the system.
+namespace FreedMemory {
+
+void giveBack();
+
+} // namespace FreedMemory
