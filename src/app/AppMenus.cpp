@@ -9,10 +9,19 @@
 #include "state/AppState.h"
 #include "ui/window/MainWindow.h"
 
+#include <QCoreApplication>
 #include <QApplication>
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QStandardPaths>
+
+namespace {
+// The context its texts are translated in.
+struct MenuText
+{
+    Q_DECLARE_TR_FUNCTIONS(MenuText)
+};
+} // namespace
 
 using namespace Qt::StringLiterals;
 
@@ -66,10 +75,10 @@ void install(MainWindow &window)
     // Returns at once; the job reports through the window's progress card.
     QObject::connect(deactivate, &QAction::triggered, &window, [&window] { window.state().deactivateAllFonts(); });
     QMenu *help = bar->addMenu(u"&Help"_s);
-    QAction *about = help->addAction(u"About Morvane"_s);
+    QAction *about = help->addAction(MenuText::tr("About Morvane"));
     about->setMenuRole(QAction::NoRole);
     QObject::connect(about, &QAction::triggered, &window,
-                     [&window] { QMessageBox::about(&window, u"About Morvane"_s, aboutText()); });
+                     [&window] { QMessageBox::about(&window, MenuText::tr("About Morvane"), aboutText()); });
     for (QAction *menu : bar->actions()) {
         if (menu->menu())
             Mnemonics::assign(menu->menu());

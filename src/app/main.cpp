@@ -3,6 +3,7 @@
 #include "SingleInstance.h"
 #include "StartupReport.h"
 
+#include "services/Translations.h"
 #include "services/FontActivationService.h"
 #include "services/OwnFontconfig.h"
 #include "services/PersistenceService.h"
@@ -67,6 +68,7 @@ int main(int argc, char *argv[])
     QApplication::setApplicationVersion(QStringLiteral(MORVANE_VERSION));
     QApplication::setDesktopFileName(QStringLiteral(MORVANE_APP_ID)); // names data/<id>.desktop
     quitOnSignals(app);
+    Translations::install(app);
 
     QCommandLineParser parser;
     parser.setApplicationDescription(QCoreApplication::translate("main", "Browse, activate and organise folders of fonts."));

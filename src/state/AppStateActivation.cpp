@@ -21,9 +21,14 @@ namespace {
 
 constexpr qsizetype kChunkSize = 8;
 
+// `label` names the kind of batch ("Activating", "Deactivating", "Restoring", "Updating").
 QString progressMessage(const QString &label, qsizetype done, qsizetype total)
 {
-    return u"%1 fonts (%2 of %3)..."_s.arg(label).arg(done).arg(total);
+    const char *text = label == u"Activating"_s     ? QT_TRANSLATE_NOOP("AppState", "Activating fonts (%1 of %2)...")
+                       : label == u"Deactivating"_s ? QT_TRANSLATE_NOOP("AppState", "Deactivating fonts (%1 of %2)...")
+                       : label == u"Restoring"_s    ? QT_TRANSLATE_NOOP("AppState", "Restoring fonts (%1 of %2)...")
+                                                    : QT_TRANSLATE_NOOP("AppState", "Updating fonts (%1 of %2)...");
+    return QCoreApplication::translate("AppState", text).arg(done).arg(total);
 }
 
 template <typename Fonts, typename Count>

@@ -63,7 +63,7 @@ void AppState::loadPersistedState()
     refreshFileSystem();
 
     setIsProcessing(true);
-    setProcessing(m_processingProgress, u"Restoring fonts…"_s);
+    setProcessing(m_processingProgress, tr("Restoring fonts…"));
     restoreActivations(saved, savedStatus == PersistenceService::LoadStatus::Read);
 }
 

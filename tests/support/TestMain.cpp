@@ -2,6 +2,8 @@
 // Shared main for every test executable.
 #include "TestSupport.h"
 
+#include "services/Translations.h"
+
 #ifdef MORVANE_TEST_WIDGETS
 #include <QApplication>
 using TestApplication = QApplication;
@@ -19,6 +21,7 @@ int main(int argc, char **argv)
     int result = 0;
     {
         TestApplication app(argc, argv);
+        Translations::install(app); // English plurals, as the program has them
         result = RUN_ALL_TESTS();
     } // the application may still read the folder's font configuration as it goes
     TestSupport::removeProcessRoot();

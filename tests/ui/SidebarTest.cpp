@@ -197,7 +197,12 @@ TEST_F(Sidebar, RowsCountFontsAndItemsWithTheirPlurals)
     EXPECT_EQ(model()->flags(model()->index(0)), Qt::NoItemFlags);
     EXPECT_EQ(sidebar->sourcesList()->model()->rowCount(), 1);
     EXPECT_EQ(caption(u"One"_s), u"1 font · 1 item"_s);
-    EXPECT_EQ(SidebarModel::count(12, u"font"_s), u"12 fonts"_s);
+    const QList<std::pair<QString, QString>> counts{{SidebarModel::fontCount(0), u"0 fonts"_s},
+                                                    {SidebarModel::fontCount(1), u"1 font"_s},
+                                                    {SidebarModel::fontCount(12), u"12 fonts"_s},
+                                                    {SidebarModel::itemCount(0), u"0 items"_s}};
+    for (const auto &[shown, expected] : counts)
+        EXPECT_EQ(shown, expected);
 }
 
 TEST_F(Sidebar, CollectionIconsFollowTheirRules)

@@ -44,13 +44,13 @@ ColumnBrowserView::ColumnBrowserView(AppState &state, QWidget *parent)
     : QWidget(parent)
     , m_state(state)
 {
-    setAccessibleName(u"Font browser"_s);
+    setAccessibleName(tr("Font browser"));
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
 
     m_breadcrumb = new QWidget(this);
-    m_breadcrumb->setAccessibleName(u"Path"_s);
+    m_breadcrumb->setAccessibleName(tr("Path"));
     m_breadcrumb->setAutoFillBackground(true);
     m_breadcrumb->setBackgroundRole(QPalette::AlternateBase);
     m_crumbs = new QHBoxLayout(m_breadcrumb);
@@ -62,7 +62,7 @@ ColumnBrowserView::ColumnBrowserView(AppState &state, QWidget *parent)
     layout->addWidget(divider(Qt::Horizontal, this));
 
     m_scroll = new QScrollArea(this);
-    m_scroll->setAccessibleName(u"Columns"_s);
+    m_scroll->setAccessibleName(tr("Columns"));
     m_scroll->setFocusPolicy(Qt::NoFocus); // the columns themselves take the keys
     m_scroll->setFrameShape(QFrame::NoFrame);
     m_scroll->setWidgetResizable(true);

@@ -57,11 +57,11 @@ FontNodeDelegate::Layout FontNodeDelegate::layout(const QRect &row, bool isFolde
 QString FontNodeDelegate::buttonToolTip(int activationState)
 {
     switch (static_cast<ActivationState>(activationState)) {
-    case ActivationState::Active: return u"Deactivate"_s;
-    case ActivationState::Mixed: return u"Activate All"_s;
+    case ActivationState::Active: return tr("Deactivate");
+    case ActivationState::Mixed: return tr("Activate All");
     case ActivationState::Inactive: break;
     }
-    return u"Activate"_s;
+    return tr("Activate");
 }
 
 FontNodeDelegate::Layout FontNodeDelegate::layout(const QRect &row, bool isFolder, Qt::LayoutDirection direction)

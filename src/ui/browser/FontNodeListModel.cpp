@@ -69,7 +69,7 @@ Qt::ItemFlags FontNodeListModel::flags(const QModelIndex &index) const
 
 QString FontNodeListModel::describe(const FontNode &node) const
 {
-    QString text = node.isDirectory() ? u"Folder, "_s : u"Font, "_s;
+    QString text = node.isDirectory() ? tr("Folder, ") : tr("Font, ");
     text += SidebarModel::stateWord(m_state.activationState(node));
     if (node.isDirectory()) {
         const LicenseStatus status = License::from(m_state.finderTagService().tags(node.path()));

@@ -39,7 +39,7 @@ SingleColumnView::SingleColumnView(AppState &state, int columnIndex, QWidget *pa
     viewport()->setAttribute(Qt::WA_Hover);
     setViewportMargins(0, 3, 0, 3);
     setFocusPolicy(Qt::StrongFocus);
-    setAccessibleName(u"Column %1"_s.arg(columnIndex + 1));
+    setAccessibleName(tr("Column %1").arg(columnIndex + 1));
     // Qt's own drag, of the model's file URLs.
     setDragEnabled(true);
     setDragDropMode(QAbstractItemView::DragOnly);
@@ -52,7 +52,7 @@ SingleColumnView::SingleColumnView(AppState &state, int columnIndex, QWidget *pa
 void SingleColumnView::setColumn(int columnIndex, const QList<FontNode> &nodes)
 {
     m_columnIndex = columnIndex;
-    setAccessibleName(u"Column %1"_s.arg(columnIndex + 1));
+    setAccessibleName(tr("Column %1").arg(columnIndex + 1));
     m_model->setNodes(nodes);
 }
 

@@ -22,7 +22,7 @@ CollectionMemberList::CollectionMemberList(AppState &state, QUuid collectionId, 
     , m_model(new CollectionMemberModel(state, collectionId, this))
 {
     RowListAccessible::enable(this);
-    setAccessibleName(u"Members"_s);
+    setAccessibleName(tr("Members"));
     setModel(m_model);
     auto *delegate = new CollectionMemberDelegate(this);
     setItemDelegate(delegate);

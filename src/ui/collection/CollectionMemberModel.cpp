@@ -72,9 +72,9 @@ QVariant CollectionMemberModel::data(const QModelIndex &index, int role) const
     case Qt::AccessibleTextRole:
         return QFileInfo(member.path).fileName();
     case Qt::AccessibleDescriptionRole: {
-        QStringList parts{member.isDirectory ? u"Folder"_s : u"Font"_s};
+        QStringList parts{member.isDirectory ? tr("Folder") : tr("Font")};
         if (isMissing(member)) {
-            parts.append(u"Missing"_s);
+            parts.append(tr("Missing"));
         } else {
             parts.append(SidebarModel::stateWord(m_state.activationState(node)));
         }

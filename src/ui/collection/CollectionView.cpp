@@ -37,7 +37,7 @@ CollectionView::CollectionView(AppState &state, QUuid collectionId, QWidget *par
     , m_state(state)
     , m_collectionId(collectionId)
 {
-    setAccessibleName(u"Collection"_s);
+    setAccessibleName(tr("Collection"));
     setAcceptDrops(true);
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -54,10 +54,10 @@ CollectionView::CollectionView(AppState &state, QUuid collectionId, QWidget *par
     titles->setSpacing(0);
     m_name = new QLabel(header);
     m_name->setFont(TextStyles::title2(font()));
-    m_name->setAccessibleName(u"Collection name"_s);
+    m_name->setAccessibleName(tr("Collection name"));
     titles->addWidget(m_name);
     m_counts = new QLabel(header);
-    m_counts->setAccessibleName(u"Collection contents"_s);
+    m_counts->setAccessibleName(tr("Collection contents"));
     TextStyles::applySecondary(m_counts);
     titles->addWidget(m_counts);
     headerLayout->addLayout(titles, 1);
@@ -79,8 +79,8 @@ CollectionView::CollectionView(AppState &state, QUuid collectionId, QWidget *par
     m_row->setSpacing(0);
     m_body = new QStackedWidget(this);
     m_list = new CollectionMemberList(state, collectionId, m_body);
-    auto *empty = new QLabel(u"Drag fonts or folders here"_s, m_body);
-    empty->setAccessibleName(u"Empty collection"_s);
+    auto *empty = new QLabel(tr("Drag fonts or folders here"), m_body);
+    empty->setAccessibleName(tr("Empty collection"));
     empty->setAlignment(Qt::AlignCenter);
     TextStyles::applySecondary(empty);
     m_body->addWidget(m_list);
@@ -106,10 +106,10 @@ void CollectionView::syncHeader()
         return; // deleted: the window replaces this view
     const FontCollection &collection = *found;
     m_name->setText(collection.name);
-    m_counts->setText(SidebarModel::count(m_state.allFontsInCollection(collection).size(), u"font"_s) + u" · "_s
-                      + SidebarModel::count(collection.members.size(), u"item"_s));
+    m_counts->setText(SidebarModel::fontCount(m_state.allFontsInCollection(collection).size()) + u" · "_s
+                      + SidebarModel::itemCount(collection.members.size()));
     const bool active = m_state.collectionActivationState(collection) == ActivationState::Active;
-    m_toggle->setText(active ? u"Deactivate All"_s : u"Activate All"_s);
+    m_toggle->setText(active ? tr("Deactivate All") : tr("Activate All"));
     m_toggle->setAccessibleName(m_toggle->text());
     m_toggle->setEnabled(!collection.members.isEmpty());
 

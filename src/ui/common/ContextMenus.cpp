@@ -16,6 +16,14 @@
 #include <QPixmap>
 #include <QUrl>
 
+namespace {
+// The context its texts are translated in.
+struct ContextMenuText
+{
+    Q_DECLARE_TR_FUNCTIONS(ContextMenuText)
+};
+} // namespace
+
 using namespace Qt::StringLiterals;
 
 namespace ContextMenus {
@@ -41,7 +49,7 @@ void revealInFileManager(AppState &state, const QString &path, const QDBusConnec
         return;
     }
     QDBusMessage call = QDBusMessage::createMethodCall(u"org.freedesktop.FileManager1"_s, u"/org/freedesktop/FileManager1"_s,
-                                                       u"org.freedesktop.FileManager1"_s, u"ShowItems"_s);
+                                                       u"org.freedesktop.FileManager1"_s, ContextMenuText::tr("ShowItems"));
     call << QStringList{QUrl::fromLocalFile(path).toString()} << QString();
     auto *watcher = new QDBusPendingCallWatcher(bus.asyncCall(call));
     QObject::connect(watcher, &QDBusPendingCallWatcher::finished, &state,
@@ -54,7 +62,7 @@ void revealInFileManager(AppState &state, const QString &path, const QDBusConnec
 
 void addLicenseMenu(QMenu *menu, AppState &state, const QString &path)
 {
-    QMenu *statuses = menu->addMenu(u"License Status"_s);
+    QMenu *statuses = menu->addMenu(ContextMenuText::tr("License Status"));
     const LicenseStatus current = License::from(state.finderTagService().tags(path));
     const qreal ratio = menu->devicePixelRatioF();
     for (const LicenseStatus status : License::allCases()) {
@@ -73,17 +81,17 @@ QMenu *buildNodeMenu(AppState &state, const FontNode &node, QWidget *parent)
     auto *menu = new QMenu(parent);
     menu->setAccessibleName(node.name().toString());
     const QString path = node.path();
-    QObject::connect(menu->addAction(u"Show in File Manager"_s), &QAction::triggered, menu,
+    QObject::connect(menu->addAction(ContextMenuText::tr("Show in File Manager")), &QAction::triggered, menu,
                      [&state, path] { revealInFileManager(state, path); });
     menu->addSeparator();
     const bool active = state.activationState(node) == ActivationState::Active;
     const QString toggle = node.isDirectory()
-        ? (active ? u"Deactivate All Fonts in Folder"_s : u"Activate All Fonts in Folder"_s)
-        : (active ? u"Deactivate Font"_s : u"Activate Font"_s);
+        ? (active ? ContextMenuText::tr("Deactivate All Fonts in Folder") : ContextMenuText::tr("Activate All Fonts in Folder"))
+        : (active ? ContextMenuText::tr("Deactivate Font") : ContextMenuText::tr("Activate Font"));
     QObject::connect(menu->addAction(toggle), &QAction::triggered, menu, [&state, node] { state.toggleActivation(node); });
     if (!state.collections().isEmpty()) {
         menu->addSeparator();
-        QMenu *collections = menu->addMenu(u"Add to Collection"_s);
+        QMenu *collections = menu->addMenu(ContextMenuText::tr("Add to Collection"));
         for (const FontCollection &collection : state.collections()) {
             QAction *item = collections->addAction(QString(collection.name).replace(u'&', u"&&"_s)); // a name's own "&" shows as one
             item->setEnabled(!collection.contains(path));
@@ -109,12 +117,12 @@ QMenu *buildSourceMenu(AppState &state, const FolderSource &source, QWidget *par
                                             : QCoreApplication::translate("ContextMenus", "Activate All Fonts in Source")),
                      &QAction::triggered, menu, [&state, root] { state.toggleActivation(root); });
     menu->addSeparator();
-    QObject::connect(menu->addAction(u"Show in File Manager"_s), &QAction::triggered, menu,
+    QObject::connect(menu->addAction(ContextMenuText::tr("Show in File Manager")), &QAction::triggered, menu,
                      [&state, path] { revealInFileManager(state, path); });
     menu->addSeparator();
     addLicenseMenu(menu, state, path);
     menu->addSeparator();
-    QObject::connect(menu->addAction(u"Remove Source"_s), &QAction::triggered, menu, [&state, source, parent] {
+    QObject::connect(menu->addAction(ContextMenuText::tr("Remove Source")), &QAction::triggered, menu, [&state, source, parent] {
         Confirmations::removeSource(parent, state, source, [&state, source] { state.removeSource(source); });
     });
     Mnemonics::assign(menu);
@@ -136,14 +144,14 @@ QMenu *buildCollectionMenu(AppState &state, const FontCollection &collection, QW
         QObject::connect(menu->addAction(QCoreApplication::translate("ContextMenus", "Edit Filters…")), &QAction::triggered,
                          menu, [&state, smart] { state.requestSmartEdit(smart); });
     }
-    QObject::connect(menu->addAction(u"Rename"_s), &QAction::triggered, menu, rename);
-    QObject::connect(menu->addAction(u"Set Custom Icon…"_s), &QAction::triggered, menu, pickIcon);
-    QAction *removeIcon = menu->addAction(u"Remove Custom Icon"_s);
+    QObject::connect(menu->addAction(ContextMenuText::tr("Rename")), &QAction::triggered, menu, rename);
+    QObject::connect(menu->addAction(ContextMenuText::tr("Set Custom Icon…")), &QAction::triggered, menu, pickIcon);
+    QAction *removeIcon = menu->addAction(ContextMenuText::tr("Remove Custom Icon"));
     removeIcon->setEnabled(collection.iconPath.has_value());
     const QUuid id = collection.id;
     QObject::connect(removeIcon, &QAction::triggered, menu, [&state, id] { state.setCollectionIcon(id, std::nullopt); });
     menu->addSeparator();
-    QObject::connect(menu->addAction(u"Delete Collection"_s), &QAction::triggered, menu, [&state, collection, parent] {
+    QObject::connect(menu->addAction(ContextMenuText::tr("Delete Collection")), &QAction::triggered, menu, [&state, collection, parent] {
         Confirmations::deleteCollection(parent, collection, [&state, collection] { state.deleteCollection(collection); });
     });
     Mnemonics::assign(menu);
@@ -155,12 +163,12 @@ QMenu *buildMemberMenu(AppState &state, const CollectionMember &member, const QU
     auto *menu = new QMenu(parent);
     menu->setAccessibleName(QFileInfo(member.path).fileName());
     const QString path = member.path;
-    QObject::connect(menu->addAction(u"Show in File Manager"_s), &QAction::triggered, menu,
+    QObject::connect(menu->addAction(ContextMenuText::tr("Show in File Manager")), &QAction::triggered, menu,
                      [&state, path] { revealInFileManager(state, path); });
     menu->addSeparator();
     addLicenseMenu(menu, state, path);
     menu->addSeparator();
-    QObject::connect(menu->addAction(u"Remove from Collection"_s), &QAction::triggered, menu,
+    QObject::connect(menu->addAction(ContextMenuText::tr("Remove from Collection")), &QAction::triggered, menu,
                      [&state, member, collectionId] { state.removeFromCollection(collectionId, member); });
     Mnemonics::assign(menu);
     return menu;

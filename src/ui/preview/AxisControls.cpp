@@ -24,11 +24,11 @@ AxisControls::AxisControls(const QList<VariationAxis> &axes, const QList<NamedIn
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     auto *header = new QHBoxLayout;
-    auto *caption = new QLabel(u"Variable Font Axes"_s, this);
+    auto *caption = new QLabel(tr("Variable Font Axes"), this);
     TextStyles::applyCaption(caption);
     header->addWidget(caption);
     header->addStretch(1);
-    auto *reset = new QPushButton(u"Reset to Defaults"_s, this);
+    auto *reset = new QPushButton(tr("Reset to Defaults"), this);
     reset->setAccessibleName(reset->text());
     connect(reset, &QPushButton::clicked, this, &AxisControls::resetToDefaults);
     header->addWidget(reset);
@@ -36,15 +36,15 @@ AxisControls::AxisControls(const QList<VariationAxis> &axes, const QList<NamedIn
 
     if (!m_instances.isEmpty()) {
         m_instanceBox = new QComboBox(this);
-        m_instanceBox->setAccessibleName(u"Named instance"_s);
-        m_instanceBox->setPlaceholderText(u"Custom"_s);
+        m_instanceBox->setAccessibleName(tr("Named instance"));
+        m_instanceBox->setPlaceholderText(tr("Custom"));
         for (const NamedInstance &instance : std::as_const(m_instances))
             m_instanceBox->addItem(instance.name);
         connect(m_instanceBox, &QComboBox::activated, this,
                 [this](int index) { setValues(m_instances.value(index).values); });
         // Screen readers on Linux name a combo box by its text and find its label through the buddy.
         auto *row = new QHBoxLayout;
-        auto *label = new QLabel(u"Instance"_s, this);
+        auto *label = new QLabel(tr("Instance"), this);
         label->setBuddy(m_instanceBox);
         row->addWidget(label);
         row->addWidget(m_instanceBox, 1);

@@ -29,7 +29,7 @@ FeatureToggles::FeatureToggles(const QList<quint32> &tags, const QHash<quint32, 
 {
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
-    auto *caption = new QLabel(u"OpenType Features"_s, this);
+    auto *caption = new QLabel(tr("OpenType Features"), this);
     TextStyles::applyCaption(caption);
     layout->addWidget(caption);
     auto *grid = new QGridLayout;
@@ -65,31 +65,31 @@ QList<QPair<quint32, bool>> FeatureToggles::changes() const
 
 QString FeatureToggles::describe(const QString &tag)
 {
-    static const QHash<QString, QString> names{
-        {u"aalt"_s, u"Access All Alternates"_s}, {u"c2sc"_s, u"Small Capitals From Capitals"_s},
-        {u"calt"_s, u"Contextual Alternates"_s}, {u"case"_s, u"Case-Sensitive Forms"_s},
-        {u"ccmp"_s, u"Glyph Composition"_s},     {u"clig"_s, u"Contextual Ligatures"_s},
-        {u"dlig"_s, u"Discretionary Ligatures"_s}, {u"dnom"_s, u"Denominators"_s},
-        {u"frac"_s, u"Fractions"_s},             {u"hlig"_s, u"Historical Ligatures"_s},
-        {u"kern"_s, u"Kerning"_s},               {u"liga"_s, u"Standard Ligatures"_s},
-        {u"lnum"_s, u"Lining Figures"_s},        {u"locl"_s, u"Localized Forms"_s},
-        {u"mark"_s, u"Mark Positioning"_s},      {u"mkmk"_s, u"Mark to Mark Positioning"_s},
-        {u"numr"_s, u"Numerators"_s},            {u"onum"_s, u"Oldstyle Figures"_s},
-        {u"ordn"_s, u"Ordinals"_s},              {u"pnum"_s, u"Proportional Figures"_s},
-        {u"rlig"_s, u"Required Ligatures"_s},    {u"salt"_s, u"Stylistic Alternates"_s},
-        {u"sinf"_s, u"Scientific Inferiors"_s},  {u"smcp"_s, u"Small Capitals"_s},
-        {u"subs"_s, u"Subscript"_s},             {u"sups"_s, u"Superscript"_s},
-        {u"swsh"_s, u"Swash"_s},                 {u"tnum"_s, u"Tabular Figures"_s},
-        {u"zero"_s, u"Slashed Zero"_s},          {u"init"_s, u"Initial Forms"_s},
-        {u"medi"_s, u"Medial Forms"_s},          {u"fina"_s, u"Terminal Forms"_s},
-        {u"isol"_s, u"Isolated Forms"_s},        {u"curs"_s, u"Cursive Positioning"_s}};
+    static const QHash<QString, const char *> names{
+        {u"aalt"_s, QT_TR_NOOP("Access All Alternates")}, {u"c2sc"_s, QT_TR_NOOP("Small Capitals From Capitals")},
+        {u"calt"_s, QT_TR_NOOP("Contextual Alternates")}, {u"case"_s, QT_TR_NOOP("Case-Sensitive Forms")},
+        {u"ccmp"_s, QT_TR_NOOP("Glyph Composition")},     {u"clig"_s, QT_TR_NOOP("Contextual Ligatures")},
+        {u"dlig"_s, QT_TR_NOOP("Discretionary Ligatures")}, {u"dnom"_s, QT_TR_NOOP("Denominators")},
+        {u"frac"_s, QT_TR_NOOP("Fractions")},             {u"hlig"_s, QT_TR_NOOP("Historical Ligatures")},
+        {u"kern"_s, QT_TR_NOOP("Kerning")},               {u"liga"_s, QT_TR_NOOP("Standard Ligatures")},
+        {u"lnum"_s, QT_TR_NOOP("Lining Figures")},        {u"locl"_s, QT_TR_NOOP("Localized Forms")},
+        {u"mark"_s, QT_TR_NOOP("Mark Positioning")},      {u"mkmk"_s, QT_TR_NOOP("Mark to Mark Positioning")},
+        {u"numr"_s, QT_TR_NOOP("Numerators")},            {u"onum"_s, QT_TR_NOOP("Oldstyle Figures")},
+        {u"ordn"_s, QT_TR_NOOP("Ordinals")},              {u"pnum"_s, QT_TR_NOOP("Proportional Figures")},
+        {u"rlig"_s, QT_TR_NOOP("Required Ligatures")},    {u"salt"_s, QT_TR_NOOP("Stylistic Alternates")},
+        {u"sinf"_s, QT_TR_NOOP("Scientific Inferiors")},  {u"smcp"_s, QT_TR_NOOP("Small Capitals")},
+        {u"subs"_s, QT_TR_NOOP("Subscript")},             {u"sups"_s, QT_TR_NOOP("Superscript")},
+        {u"swsh"_s, QT_TR_NOOP("Swash")},                 {u"tnum"_s, QT_TR_NOOP("Tabular Figures")},
+        {u"zero"_s, QT_TR_NOOP("Slashed Zero")},          {u"init"_s, QT_TR_NOOP("Initial Forms")},
+        {u"medi"_s, QT_TR_NOOP("Medial Forms")},          {u"fina"_s, QT_TR_NOOP("Terminal Forms")},
+        {u"isol"_s, QT_TR_NOOP("Isolated Forms")},        {u"curs"_s, QT_TR_NOOP("Cursive Positioning")}};
     if (const auto found = names.constFind(tag); found != names.cend())
-        return *found;
+        return tr(*found);
     bool numbered = false;
     const int number = tag.mid(2).toInt(&numbered);
     if (numbered && tag.startsWith(u"ss"_s))
-        return u"Stylistic Set %1"_s.arg(number);
+        return tr("Stylistic Set %1").arg(number);
     if (numbered && tag.startsWith(u"cv"_s))
-        return u"Character Variant %1"_s.arg(number);
+        return tr("Character Variant %1").arg(number);
     return {};
 }

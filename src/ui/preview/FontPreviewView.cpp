@@ -27,7 +27,17 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-const QStringList kRows{u"Family"_s, u"Style"_s, u"PostScript"_s, u"Format"_s, u"Size"_s, u"Glyphs"_s, u"Type"_s};
+// Each row's English name is also its value label's object name.
+const char *const kRowNames[] = {QT_TRANSLATE_NOOP("FontPreviewView", "Family"), QT_TRANSLATE_NOOP("FontPreviewView", "Style"),
+                                 QT_TRANSLATE_NOOP("FontPreviewView", "PostScript"), QT_TRANSLATE_NOOP("FontPreviewView", "Format"),
+                                 QT_TRANSLATE_NOOP("FontPreviewView", "Size"), QT_TRANSLATE_NOOP("FontPreviewView", "Glyphs"),
+                                 QT_TRANSLATE_NOOP("FontPreviewView", "Type")};
+const QStringList kRows = [] {
+    QStringList rows;
+    for (const char *name : kRowNames)
+        rows.append(QString::fromLatin1(name));
+    return rows;
+}();
 
 QIcon activationIcon(ActivationState state, const QPalette &palette)
 {
@@ -74,7 +84,7 @@ FontPreviewView::FontPreviewView(AppState &state, FontNode fontNode, QWidget *pa
     , m_state(state)
     , m_fontNode(std::move(fontNode))
 {
-    setAccessibleName(u"Preview"_s);
+    setAccessibleName(tr("Preview"));
     setWidgetResizable(true);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setFrameShape(QFrame::NoFrame);
@@ -90,10 +100,10 @@ FontPreviewView::FontPreviewView(AppState &state, FontNode fontNode, QWidget *pa
     setWidget(content);
 
     // Ctrl+Plus / Ctrl+Minus while the pane is shown, wherever the focus is in the window.
-    auto *larger = new QAction(u"Larger Preview"_s, this);
+    auto *larger = new QAction(tr("Larger Preview"), this);
     larger->setShortcuts({QKeySequence::ZoomIn, QKeySequence(Qt::CTRL | Qt::Key_Equal)});
     connect(larger, &QAction::triggered, this, [this] { stepSize(+1); });
-    auto *smaller = new QAction(u"Smaller Preview"_s, this);
+    auto *smaller = new QAction(tr("Smaller Preview"), this);
     smaller->setShortcuts({QKeySequence::ZoomOut});
     connect(smaller, &QAction::triggered, this, [this] { stepSize(-1); });
     for (QAction *action : {larger, smaller}) {
@@ -121,7 +131,7 @@ QString FontPreviewView::typeText(const FontMetadata &metadata)
 {
     const qsizetype axes = metadata.variationAxes.size();
     if (axes == 0)
-        return u"Static Font"_s;
+        return tr("Static Font");
     return u"Variable Font (%1 %2)"_s.arg(axes).arg(axes == 1 ? u"axis"_s : u"axes"_s);
 }
 
@@ -130,7 +140,7 @@ QWidget *FontPreviewView::buildMetadataSection()
     auto *section = new QWidget;
     auto *layout = new QVBoxLayout(section);
     layout->setContentsMargins(0, 0, 0, 0);
-    m_status = new QLabel(u"Loading font…"_s, section);
+    m_status = new QLabel(tr("Loading font…"), section);
     // A screen reader hears a label's own text; what it is goes to the description.
     m_status->setObjectName(u"Font status"_s);
     m_status->setAccessibleDescription(tr("Font status"));
@@ -150,11 +160,12 @@ QWidget *FontPreviewView::buildMetadataSection()
     grid->setHorizontalSpacing(12);
     grid->setVerticalSpacing(4);
     for (const QString &row : kRows) {
-        auto *label = new QLabel(row, m_details);
+        const QString shown = tr(row.toLatin1().constData());
+        auto *label = new QLabel(shown, m_details);
         TextStyles::applySecondary(label);
         auto *value = new QLabel(m_details);
         value->setObjectName(row);
-        value->setAccessibleDescription(row);
+        value->setAccessibleDescription(shown);
         value->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
         value->setTextFormat(Qt::PlainText);
         label->setBuddy(value);
@@ -186,14 +197,14 @@ QWidget *FontPreviewView::buildPreviewSection()
     auto *textRow = new QHBoxLayout;
     auto *symbol = new QLabel(section);
     symbol->setPixmap(textSymbol(palette()));
-    symbol->setAccessibleName(u"Preview text"_s); // the field's picture, nothing to press
+    symbol->setAccessibleName(tr("Preview text")); // the field's picture, nothing to press
     textRow->addWidget(symbol);
     m_textField = new QLineEdit(section);
-    m_textField->setPlaceholderText(u"Preview text…"_s);
-    m_textField->setAccessibleName(u"Preview text"_s);
+    m_textField->setPlaceholderText(tr("Preview text…"));
+    m_textField->setAccessibleName(tr("Preview text"));
     connect(m_textField, &QLineEdit::textEdited, &m_state, &AppState::setPreviewText);
     textRow->addWidget(m_textField, 1);
-    m_clear = new QPushButton(u"Clear"_s, section);
+    m_clear = new QPushButton(tr("Clear"), section);
     m_clear->setAccessibleName(m_clear->text());
     connect(m_clear, &QPushButton::clicked, this, [this] { m_state.setPreviewText({}); });
     textRow->addWidget(m_clear);
@@ -203,17 +214,17 @@ QWidget *FontPreviewView::buildPreviewSection()
     m_sizeLabel = new QLabel(section);
     TextStyles::applyCaption(m_sizeLabel);
     m_sizeLabel->setFixedWidth(40);
-    m_sizeLabel->setAccessibleName(u"Preview size value"_s);
+    m_sizeLabel->setAccessibleName(tr("Preview size value"));
     sizeRow->addWidget(m_sizeLabel);
     m_sizeSlider = new QSlider(Qt::Horizontal, section);
     m_sizeSlider->setRange(kMinimumSize, kMaximumSize);
     m_sizeSlider->setPageStep(12);
-    m_sizeSlider->setAccessibleName(u"Preview size"_s);
+    m_sizeSlider->setAccessibleName(tr("Preview size"));
     connect(m_sizeSlider, &QSlider::valueChanged, this, [this](int size) { m_state.setPreviewSize(size); });
     sizeRow->addWidget(m_sizeSlider, 1);
-    m_waterfall = new QCheckBox(u"Waterfall"_s, section);
+    m_waterfall = new QCheckBox(tr("Waterfall"), section);
     m_waterfall->setAccessibleName(m_waterfall->text());
-    m_waterfall->setToolTip(u"Show the text at 12, 18, 24, 36, 48, 72 and 96 pt"_s);
+    m_waterfall->setToolTip(tr("Show the text at 12, 18, 24, 36, 48, 72 and 96 pt"));
     connect(m_waterfall, &QCheckBox::toggled, this, [this](bool on) {
         m_sample->setWaterfall(on ? QList<double>(kWaterfallSizes.cbegin(), kWaterfallSizes.cend()) : QList<double>{});
     });
@@ -221,11 +232,11 @@ QWidget *FontPreviewView::buildPreviewSection()
     layout->addLayout(sizeRow);
 
     m_sample = new SampleView(section);
-    m_sample->setAccessibleName(u"Sample"_s);
+    m_sample->setAccessibleName(tr("Sample"));
     m_sample->hide();
     layout->addWidget(m_sample);
-    m_noPreview = new QLabel(u"Unable to preview this font"_s, section);
-    m_noPreview->setAccessibleName(u"Sample"_s);
+    m_noPreview = new QLabel(tr("Unable to preview this font"), section);
+    m_noPreview->setAccessibleName(tr("Sample"));
     TextStyles::applySecondary(m_noPreview);
     m_noPreview->hide();
     layout->addWidget(m_noPreview);
@@ -237,11 +248,11 @@ QWidget *FontPreviewView::buildCharacterSet()
     m_characterSet = new QWidget;
     auto *layout = new QVBoxLayout(m_characterSet);
     layout->setContentsMargins(0, 0, 0, 0);
-    auto *caption = new QLabel(u"Character Set"_s, m_characterSet);
+    auto *caption = new QLabel(tr("Character Set"), m_characterSet);
     TextStyles::applyCaption(caption);
     layout->addWidget(caption);
     m_characters = new SampleView(m_characterSet);
-    m_characters->setAccessibleName(u"Character Set"_s);
+    m_characters->setAccessibleName(tr("Character Set"));
     m_characters->setText(u"ABCDEFGHIJKLMNOPQRSTUVWXYZ\nabcdefghijklmnopqrstuvwxyz\n0123456789\n!@#$%^&*(){}[]<>/?|\\~`+=_-"_s);
     m_characters->setPointSize(18);
     layout->addWidget(m_characters);
@@ -296,7 +307,7 @@ void FontPreviewView::applyMetadata(std::optional<FontMetadata> metadata)
             m_renderer = SampleRenderer::open(file);
         showMetadata(*m_metadata);
     } else {
-        m_status->setText(u"Unable to read font metadata"_s);
+        m_status->setText(tr("Unable to read font metadata"));
     }
     m_sample->setRenderer(m_renderer.get());
     m_characters->setRenderer(m_renderer.get());
@@ -376,7 +387,7 @@ void FontPreviewView::changeEvent(QEvent *event)
 void FontPreviewView::syncActivation()
 {
     const bool active = m_state.activationState(m_fontNode) == ActivationState::Active;
-    const QString text = active ? u"Deactivate"_s : u"Activate"_s;
+    const QString text = active ? tr("Deactivate") : tr("Activate");
     if (m_activate->text() == text && !m_activate->icon().isNull())
         return;
     m_activate->setText(text);

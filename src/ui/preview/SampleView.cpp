@@ -250,9 +250,9 @@ void SampleView::keyPressEvent(QKeyEvent *event)
 void SampleView::contextMenuEvent(QContextMenuEvent *event)
 {
     QMenu menu(this);
-    QAction *copy = menu.addAction(u"Copy"_s, this, &SampleView::copySelection);
+    QAction *copy = menu.addAction(tr("Copy"), this, &SampleView::copySelection);
     copy->setEnabled(!selectedText().isEmpty());
-    menu.addAction(u"Select All"_s, this, &SampleView::selectAll);
+    menu.addAction(tr("Select All"), this, &SampleView::selectAll);
     menu.exec(event->globalPos());
 }
 

@@ -58,7 +58,7 @@ QVariant SearchResultsModel::data(const QModelIndex &index, int role) const
     case FontCountRole:
         return fontCount();
     case CountTextRole:
-        return SidebarModel::count(fontCount(), u"font"_s);
+        return SidebarModel::fontCount(fontCount());
     case LocationRole: {
         // A hundred "Display" folders must read apart: the folder holding each, from its source.
         const QString root = QDir::cleanPath(result.source.path);
@@ -69,7 +69,7 @@ QVariant SearchResultsModel::data(const QModelIndex &index, int role) const
     case Qt::AccessibleDescriptionRole: {
         const auto license = static_cast<LicenseStatus>(data(index, LicenseRole).toInt());
         QStringList parts{SidebarModel::stateWord(m_state.activationState(result.folder)),
-                          SidebarModel::count(fontCount(), u"font"_s), tr("in %1").arg(data(index, LocationRole).toString())};
+                          SidebarModel::fontCount(fontCount()), tr("in %1").arg(data(index, LocationRole).toString())};
         if (license != LicenseStatus::None)
             parts << License::rawValue(license);
         return parts.join(u", "_s);

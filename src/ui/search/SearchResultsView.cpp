@@ -108,7 +108,7 @@ SearchResultsList::SearchResultsList(AppState &state, SearchResultsModel *model,
     setViewportMargins(0, 4, 0, 4);
     setBackgroundRole(QPalette::Base); // under the margins too
     setAutoFillBackground(true);
-    setAccessibleName(u"Search Results"_s);
+    setAccessibleName(tr("Search Results"));
     viewport()->setAttribute(Qt::WA_Hover);
 }
 
@@ -139,14 +139,14 @@ SearchResultsView::SearchResultsView(AppState &state, QWidget *parent)
     , m_model(new SearchResultsModel(state, this))
 {
     auto *spinner = new BusyIndicator(22);
-    auto *searching = new QLabel(u"Searching folders…"_s);
+    auto *searching = new QLabel(tr("Searching folders…"));
     searching->setAlignment(Qt::AlignCenter); // under the spinner, the label being as wide as the page
     TextStyles::applySecondary(searching);
     m_progress = centredPage(this, {spinner, searching}, 8);
     m_list = new SearchResultsList(state, m_model, this);
     m_empty = centredPage(this,
-                          {new MagnifierPicture(this), styledLabel(u"No matching folders"_s, this, 15, false),
-                           styledLabel(u"Try a different search term."_s, this, 13, true)},
+                          {new MagnifierPicture(this), styledLabel(tr("No matching folders"), this, 15, false),
+                           styledLabel(tr("Try a different search term."), this, 13, true)},
                           8);
     // Above the folders, the fonts whose names match: a line of its own in the list's top margin.
     m_fontsLink = new QPushButton(m_list);

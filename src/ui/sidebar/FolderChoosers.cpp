@@ -1,11 +1,20 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/sidebar/FolderChoosers.h"
 
+#include <QCoreApplication>
 #include <QAbstractItemView>
 #include <QDir>
 #include <QFileDialog>
 #include <QGridLayout>
 #include <QLabel>
+
+namespace {
+// The context its texts are translated in.
+struct FolderChooserText
+{
+    Q_DECLARE_TR_FUNCTIONS(FolderChooserText)
+};
+} // namespace
 
 using namespace Qt::StringLiterals;
 
@@ -29,7 +38,7 @@ QFileDialog *dialog(QWidget *parent, const QString &title, const QString &messag
 
 QFileDialog *FolderChoosers::makeFolderChooser(QWidget *parent)
 {
-    QFileDialog *chooser = dialog(parent, u"Choose a Font Folder"_s, u"Select a folder containing fonts"_s);
+    QFileDialog *chooser = dialog(parent, FolderChooserText::tr("Choose a Font Folder"), FolderChooserText::tr("Select a folder containing fonts"));
     chooser->setFileMode(QFileDialog::Directory);
     chooser->setOption(QFileDialog::ShowDirsOnly);
     chooser->setDirectory(QDir::homePath()); // not wherever Morvane was started from
@@ -42,7 +51,7 @@ QFileDialog *FolderChoosers::makeFolderChooser(QWidget *parent)
 
 QFileDialog *FolderChoosers::makeIconChooser(QWidget *parent)
 {
-    QFileDialog *chooser = dialog(parent, u"Choose an Icon"_s, u"Select a PNG or SVG image"_s);
+    QFileDialog *chooser = dialog(parent, FolderChooserText::tr("Choose an Icon"), FolderChooserText::tr("Select a PNG or SVG image"));
     chooser->setFileMode(QFileDialog::ExistingFile);
     chooser->setMimeTypeFilters({u"image/png"_s, u"image/svg+xml"_s});
     chooser->setNameFilter(u"Images (*.png *.svg *.PNG *.SVG)"_s);

@@ -191,20 +191,20 @@ void SidebarDelegate::paintPlaceholder(QPainter *painter, const QStyleOptionView
     painter->setFont(title);
     painter->setPen(Symbols::secondary(palette));
     painter->drawText(QRectF(area.left() + 26, area.top(), area.width() - 26, 22), Qt::AlignLeft | Qt::AlignVCenter,
-                      u"No Sources"_s);
+                      tr("No Sources"));
     QFont caption = option.font;
     caption.setPointSizeF(TextStyles::captionSize(option.font));
     painter->setFont(caption);
     painter->drawText(QRectF(area.left(), area.top() + 26, area.width(), area.height() - 26),
-                      Qt::AlignLeft | Qt::AlignTop | Qt::TextWordWrap, u"Click the + button to add a font folder."_s);
+                      Qt::AlignLeft | Qt::AlignTop | Qt::TextWordWrap, tr("Click the + button to add a font folder."));
     painter->restore();
 }
 
 QWidget *SidebarDelegate::createEditor(QWidget *parent, const QStyleOptionViewItem &, const QModelIndex &) const
 {
     auto *field = new QLineEdit(parent);
-    field->setPlaceholderText(u"Name"_s);
-    field->setAccessibleName(u"Name"_s);
+    field->setPlaceholderText(tr("Name"));
+    field->setAccessibleName(tr("Name"));
     return field;
 }
 

@@ -33,7 +33,7 @@ SidebarList::SidebarList(SidebarView &sidebar, AppState &state, SidebarModel *mo
     , m_collections(collections)
 {
     RowListAccessible::enable(this);
-    setAccessibleName(collections ? u"Collections"_s : u"Sources"_s);
+    setAccessibleName(collections ? tr("Collections") : tr("Sources"));
     // Only this section's rows: screen readers see no others.
     m_section->setSourceModel(model);
     setModel(m_section);

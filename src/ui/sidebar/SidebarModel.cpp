@@ -40,9 +40,14 @@ void SidebarModel::sync()
     Q_EMIT synced();
 }
 
-QString SidebarModel::count(qsizetype number, const QString &noun)
+QString SidebarModel::fontCount(qsizetype number)
 {
-    return u"%1 %2%3"_s.arg(number).arg(noun, number == 1 ? QString() : u"s"_s);
+    return tr("%n font(s)", nullptr, int(number));
+}
+
+QString SidebarModel::itemCount(qsizetype number)
+{
+    return tr("%n item(s)", nullptr, int(number));
 }
 
 bool SidebarModel::isFavorites(const QString &name)
@@ -133,12 +138,12 @@ QString SidebarModel::caption(int row) const
         if (!m_state.isSourceAvailable(m_sources.value(row)))
             return tr("Not available");
         const std::optional<qsizetype> fonts = sourceFontCount(row);
-        return fonts ? count(*fonts, u"font"_s) : QString();
+        return fonts ? fontCount(*fonts) : QString();
     }
     if (kind(row) == Kind::Collection) {
         const FontCollection collection = m_collections.value(row - firstCollectionRow());
-        return count(m_state.allFontsInCollection(collection).size(), u"font"_s) + u" · "_s
-               + count(collection.members.size(), u"item"_s);
+        return fontCount(m_state.allFontsInCollection(collection).size()) + u" · "_s
+               + itemCount(collection.members.size());
     }
     return {};
 }
@@ -154,15 +159,15 @@ QVariant SidebarModel::data(const QModelIndex &index, int role) const
     case Qt::EditRole:
     case Qt::AccessibleTextRole:
         switch (rowKind) {
-        case Kind::Placeholder: return u"No Sources"_s;
+        case Kind::Placeholder: return tr("No Sources");
         case Kind::Source: return m_sources.value(row).name;
         case Kind::Collection: return m_collections.value(row - firstCollectionRow()).name;
         }
         return {};
     case Qt::AccessibleDescriptionRole: {
         if (rowKind == Kind::Placeholder)
-            return u"Click the + button to add a font folder."_s;
-        QStringList parts{rowKind == Kind::Source ? u"Source"_s : u"Collection"_s};
+            return tr("Click the + button to add a font folder.");
+        QStringList parts{rowKind == Kind::Source ? tr("Source") : tr("Collection")};
         if (const QString text = caption(row); !text.isEmpty())
             parts.append(text);
         parts.append(stateWord(activation(row)));

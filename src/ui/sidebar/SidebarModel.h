@@ -43,7 +43,8 @@ public:
     int firstCollectionRow() const;
 
     // "1 font", "12 fonts", "0 items".
-    static QString count(qsizetype number, const QString &noun);
+    static QString fontCount(qsizetype number);
+    static QString itemCount(qsizetype number);
     // A collection named Favorites, in any letter case, gets the star.
     static bool isFavorites(const QString &name);
     // "inactive", "active", "mixed": what screen readers hear of a row's button.

@@ -26,7 +26,7 @@ SidebarView::SidebarView(AppState &state, QWidget *parent)
     , m_sources(new SidebarList(*this, state, m_model, false))
     , m_collections(new SidebarList(*this, state, m_model, true))
 {
-    setAccessibleName(u"Sidebar"_s);
+    setAccessibleName(tr("Sidebar"));
     setMinimumWidth(kMinimumWidth);
     setMaximumWidth(kMaximumWidth);
     auto *layout = new QVBoxLayout(this);
@@ -34,10 +34,10 @@ SidebarView::SidebarView(AppState &state, QWidget *parent)
     layout->setSpacing(0);
     layout->addWidget(header(tr("Library"), QString(), 0, nullptr));
     layout->addWidget(m_library);
-    layout->addWidget(header(u"Sources"_s, u"Add a font folder source"_s, SidebarDelegate::kCollectionsHeaderGap,
+    layout->addWidget(header(tr("Sources"), tr("Add a font folder source"), SidebarDelegate::kCollectionsHeaderGap,
                              &SidebarView::addSources));
     layout->addWidget(m_sources);
-    layout->addWidget(header(u"Collections"_s, u"New Collection"_s, SidebarDelegate::kCollectionsHeaderGap,
+    layout->addWidget(header(tr("Collections"), tr("New Collection"), SidebarDelegate::kCollectionsHeaderGap,
                              &SidebarView::newCollection));
     layout->addWidget(m_collections, 1);
     m_chooseFolders = [this] {

@@ -42,16 +42,16 @@ EmptyStateView::EmptyStateView(QWidget *parent)
     column->setSpacing(16);
     column->addStretch(1);
     column->addWidget(new AddFolderPicture(this), 0, Qt::AlignHCenter);
-    auto *title = new QLabel(u"No Font Sources"_s, this);
+    auto *title = new QLabel(tr("No Font Sources"), this);
     title->setFont(TextStyles::title2(title->font()));
     TextStyles::applySecondary(title);
     column->addWidget(title, 0, Qt::AlignHCenter);
-    auto *hint = new QLabel(u"Add a folder containing your fonts to get started."_s, this);
+    auto *hint = new QLabel(tr("Add a folder containing your fonts to get started."), this);
     hint->setWordWrap(true);
     hint->setAlignment(Qt::AlignCenter);
     TextStyles::applySecondary(hint); // read to get started: as readable as the title
     column->addWidget(hint); // the full width, so it wraps only when the window is narrow
-    m_add = new QPushButton(u"Add Folder"_s, this);
+    m_add = new QPushButton(tr("Add Folder"), this);
     m_add->setAccessibleName(m_add->text());
     m_add->setDefault(true); // drawn in the accent colour where the style allows
     m_add->setMinimumHeight(m_add->sizeHint().height() * 5 / 4);

@@ -69,7 +69,7 @@ MainWindow::MainWindow(std::unique_ptr<FontActivating> activation, QWidget *pare
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
     m_saveFailure = new QLabel(central);
-    m_saveFailure->setAccessibleName(u"Save problem"_s);
+    m_saveFailure->setAccessibleName(tr("Save problem"));
     m_saveFailure->setWordWrap(true);
     m_saveFailure->setTextInteractionFlags(Qt::TextSelectableByMouse);
     m_saveFailure->setStyleSheet(u"QLabel { background: #fde2e1; color: #5c1a16; padding: 8px 12px; }"_s);
@@ -171,13 +171,13 @@ QWidget *MainWindow::buildDetailColumn(QWidget *parent)
 
 void MainWindow::buildToolbar()
 {
-    m_toolbar = new QToolBar(u"Search"_s, this);
+    m_toolbar = new QToolBar(tr("Search"), this);
     m_toolbar->setObjectName(u"searchToolbar"_s);
     m_toolbar->setMovable(false);
     m_toolbar->setFloatable(false);
     m_toolbar->toggleViewAction()->setVisible(false);
-    m_search = new ToolbarInputField(u"Search…"_s, m_toolbar);
-    m_search->lineEdit()->setAccessibleName(u"Search"_s);
+    m_search = new ToolbarInputField(tr("Search…"), m_toolbar);
+    m_search->lineEdit()->setAccessibleName(tr("Search"));
     // Centred: a stretch on either side of the field.
     for (int side = 0; side < 2; ++side) {
         auto *stretch = new QWidget(m_toolbar);
@@ -189,8 +189,8 @@ void MainWindow::buildToolbar()
     addToolBar(Qt::TopToolBarArea, m_toolbar);
     // Shown only when the window is too narrow for the field; screen readers still list it.
     if (auto *more = m_toolbar->findChild<QToolButton *>(u"qt_toolbar_ext_button"_s))
-        more->setAccessibleName(u"More Toolbar Items"_s);
-    auto *find = new QAction(u"Find"_s, this);
+        more->setAccessibleName(tr("More Toolbar Items"));
+    auto *find = new QAction(tr("Find"), this);
     find->setShortcut(QKeySequence::Find);
     find->setShortcutContext(Qt::WindowShortcut);
     connect(find, &QAction::triggered, m_search, &ToolbarInputField::focusField);

@@ -51,7 +51,7 @@ ProcessingOverlay::ProcessingOverlay(AppState &state, QWidget *window)
     , m_fade(new QGraphicsOpacityEffect(this))
     , m_animation(new QPropertyAnimation(m_fade, "opacity", this))
 {
-    setAccessibleName(u"Working"_s);
+    setAccessibleName(tr("Working"));
     setFocusPolicy(Qt::StrongFocus);
     auto *outer = new QVBoxLayout(this);
     outer->addWidget(m_card, 0, Qt::AlignCenter);
@@ -66,7 +66,7 @@ ProcessingOverlay::ProcessingOverlay(AppState &state, QWidget *window)
     m_message->setWordWrap(true);
     m_bar->setRange(0, kBarSteps);
     m_bar->setTextVisible(false);
-    m_bar->setAccessibleName(u"Progress"_s);
+    m_bar->setAccessibleName(tr("Progress"));
     m_percentage->setAlignment(Qt::AlignCenter);
     TextStyles::applyCaption(m_percentage);
     column->addWidget(m_message);

@@ -25,7 +25,7 @@ ReindexingStrip::ReindexingStrip(AppState &state, QWidget *parent)
     row->setSpacing(6);
     row->addStretch(1);
     row->addWidget(new BusyIndicator(14, m_indicator));
-    auto *label = new QLabel(u"Updating font library…"_s, m_indicator);
+    auto *label = new QLabel(tr("Updating font library…"), m_indicator);
     QFont small = label->font();
     small.setPointSizeF(small.pointSizeF() * 11 / 13);
     label->setFont(small);

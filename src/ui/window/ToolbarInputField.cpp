@@ -78,8 +78,8 @@ ToolbarInputField::ToolbarInputField(const QString &placeholder, QWidget *parent
     m_edit->setStyleSheet(u"QLineEdit { background: transparent; }"_s);
     m_edit->installEventFilter(this);
     row->addWidget(m_edit, 1);
-    m_clear->setToolTip(u"Clear"_s);
-    m_clear->setAccessibleName(u"Clear"_s);
+    m_clear->setToolTip(tr("Clear"));
+    m_clear->setAccessibleName(tr("Clear"));
     m_clear->setCursor(Qt::ArrowCursor);
     m_clear->setFocusPolicy(Qt::NoFocus); // Escape clears from the keyboard
     // Keeps its place while hidden, so the field does not jump when text appears.
