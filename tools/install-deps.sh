@@ -9,6 +9,8 @@ packages=(
   g++ cmake make pkg-config
   # Qt 6 (Core, Gui, Widgets, Concurrent, DBus, Test) and SVG icons
   qt6-base-dev qt6-base-dev-tools qt6-svg-dev libgl-dev
+  # translations: Qt Linguist (lupdate, lrelease, CMake support) and Qt's own texts
+  qt6-tools-dev qt6-l10n-tools qt6-translations-l10n
   # coroutines over QFuture
   qcoro-qt6-dev
   # font parsing, shaping and registration

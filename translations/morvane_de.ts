@@ -4,1295 +4,1327 @@
 <context>
     <name>AppState</name>
     <message>
-        <source>Morvane can&apos;t watch all your source folders (the system&apos;s limit of watched folders is reached): fonts added to them appear after Refresh Sources.</source>
-        <translation type="unfinished"></translation>
+        <source>Morvane can't watch all your source folders (the system's limit of watched folders is reached): fonts added to them appear after Refresh Sources.</source>
+        <translation>Morvane kann nicht alle Quellordner beobachten (das Systemlimit für beobachtete Ordner ist erreicht): Neu hinzugefügte Schriften erscheinen nach „Quellen aktualisieren“.</translation>
     </message>
     <message>
         <source>Activating fonts (%1 of %2)...</source>
-        <translation type="unfinished"></translation>
+        <translation>Schriften werden aktiviert (%1 von %2) …</translation>
     </message>
     <message>
         <source>Deactivating fonts (%1 of %2)...</source>
-        <translation type="unfinished"></translation>
+        <translation>Schriften werden deaktiviert (%1 von %2) …</translation>
     </message>
     <message>
         <source>Restoring fonts (%1 of %2)...</source>
-        <translation type="unfinished"></translation>
+        <translation>Schriften werden wiederhergestellt (%1 von %2) …</translation>
     </message>
     <message>
         <source>Updating fonts (%1 of %2)...</source>
-        <translation type="unfinished"></translation>
+        <translation>Schriften werden aktualisiert (%1 von %2) …</translation>
     </message>
     <message>
-        <source>it couldn&apos;t be activated</source>
-        <translation type="unfinished"></translation>
+        <source>it couldn't be activated</source>
+        <translation>sie konnte nicht aktiviert werden</translation>
     </message>
     <message>
-        <source>it couldn&apos;t be deactivated</source>
-        <translation type="unfinished"></translation>
+        <source>it couldn't be deactivated</source>
+        <translation>sie konnte nicht deaktiviert werden</translation>
     </message>
     <message>
-        <source>Couldn&apos;t activate “%1”: %2</source>
-        <translation type="unfinished"></translation>
+        <source>Couldn't activate “%1”: %2</source>
+        <translation>„%1“ konnte nicht aktiviert werden: %2</translation>
     </message>
     <message>
-        <source>Couldn&apos;t deactivate “%1”: %2</source>
-        <translation type="unfinished"></translation>
+        <source>Couldn't deactivate “%1”: %2</source>
+        <translation>„%1“ konnte nicht deaktiviert werden: %2</translation>
     </message>
     <message>
-        <source>%1 of %2 fonts couldn&apos;t be activated.</source>
-        <translation type="unfinished"></translation>
+        <source>%1 of %2 fonts couldn't be activated.</source>
+        <translation>%1 von %2 Schriften konnten nicht aktiviert werden.</translation>
     </message>
     <message>
-        <source>%1 of %2 fonts couldn&apos;t be deactivated.</source>
-        <translation type="unfinished"></translation>
+        <source>%1 of %2 fonts couldn't be deactivated.</source>
+        <translation>%1 von %2 Schriften konnten nicht deaktiviert werden.</translation>
     </message>
     <message>
-        <source>1 font couldn&apos;t be activated</source>
-        <translation type="unfinished"></translation>
+        <source>1 font couldn't be activated</source>
+        <translation>1 Schrift konnte nicht aktiviert werden</translation>
     </message>
     <message numerus="yes">
-        <source>%n fonts couldn&apos;t be activated</source>
-        <translation type="unfinished">
-            <numerusform></numerusform>
-            <numerusform></numerusform>
-        </translation>
+        <source>%n fonts couldn't be activated</source>
+        <translation>
+            <numerusform>%n Schrift konnte nicht aktiviert werden</numerusform><numerusform>%n Schriften konnten nicht aktiviert werden</numerusform></translation>
     </message>
     <message>
-        <source>Morvane can&apos;t write to %1 (%2), so %3. They stay saved and are activated again when Morvane starts with the folder writable; to fix it, run “sudo chown -R $USER %1”.</source>
-        <translation type="unfinished"></translation>
+        <source>Morvane can't write to %1 (%2), so %3. They stay saved and are activated again when Morvane starts with the folder writable; to fix it, run “sudo chown -R $USER %1”.</source>
+        <translation>Morvane kann nicht in %1 schreiben (%2), daher %3. Sie bleiben gespeichert und werden wieder aktiviert, sobald Morvane mit beschreibbarem Ordner startet; zur Abhilfe „sudo chown -R $USER %1“ ausführen.</translation>
     </message>
     <message>
-        <source>Morvane stopped waiting for a font that didn&apos;t answer. Fonts done before stay as they are; a file on a drive or network share that stopped responding is the usual cause.</source>
-        <translation type="unfinished"></translation>
+        <source>Morvane stopped waiting for a font that didn't answer. Fonts done before stay as they are; a file on a drive or network share that stopped responding is the usual cause.</source>
+        <translation>Morvane wartet nicht länger auf eine Schrift, die nicht antwortet. Bereits bearbeitete Schriften bleiben, wie sie sind; meist antwortet ein Laufwerk oder eine Netzwerkfreigabe nicht mehr.</translation>
     </message>
     <message>
         <source>Stopped after activating %1 of %2 fonts; the others are as they were.</source>
-        <translation type="unfinished"></translation>
+        <translation>Nach %1 von %2 aktivierten Schriften angehalten; die übrigen sind unverändert.</translation>
     </message>
     <message>
         <source>Stopped after deactivating %1 of %2 fonts; the others are as they were.</source>
-        <translation type="unfinished"></translation>
+        <translation>Nach %1 von %2 deaktivierten Schriften angehalten; die übrigen sind unverändert.</translation>
     </message>
     <message>
         <source>Indexing fonts (%1 of %2)…</source>
-        <translation type="unfinished"></translation>
+        <translation>Schriften werden erfasst (%1 von %2) …</translation>
     </message>
     <message>
         <source>New Collection</source>
-        <translation type="unfinished"></translation>
+        <translation>Neue Sammlung</translation>
     </message>
     <message>
-        <source>Couldn&apos;t use “%1” as the collection&apos;s icon: %2.</source>
-        <translation type="unfinished"></translation>
+        <source>Couldn't use “%1” as the collection's icon: %2.</source>
+        <translation>„%1“ konnte nicht als Symbol der Sammlung verwendet werden: %2.</translation>
     </message>
     <message>
-        <source>Couldn&apos;t use “%1” as the collection&apos;s icon: it is not an image Morvane can read.</source>
-        <translation type="unfinished"></translation>
+        <source>Couldn't use “%1” as the collection's icon: it is not an image Morvane can read.</source>
+        <translation>„%1“ konnte nicht als Symbol der Sammlung verwendet werden: Morvane kann dieses Bild nicht lesen.</translation>
     </message>
     <message>
-        <source>This file system doesn&apos;t keep tags, so the licence status of “%1” can&apos;t be kept.</source>
-        <translation type="unfinished"></translation>
+        <source>This file system doesn't keep tags, so the licence status of “%1” can't be kept.</source>
+        <translation>Dieses Dateisystem speichert keine Schlagwörter, daher kann der Lizenzstatus von „%1“ nicht gespeichert werden.</translation>
     </message>
     <message>
-        <source>Couldn&apos;t set the licence status of “%1”: %2.</source>
-        <translation type="unfinished"></translation>
+        <source>Couldn't set the licence status of “%1”: %2.</source>
+        <translation>Der Lizenzstatus von „%1“ konnte nicht gesetzt werden: %2.</translation>
     </message>
     <message>
         <source>Restoring fonts…</source>
-        <translation type="unfinished"></translation>
+        <translation>Schriften werden wiederhergestellt …</translation>
     </message>
 </context>
 <context>
     <name>AxisControls</name>
     <message>
         <source>Variable Font Axes</source>
-        <translation type="unfinished"></translation>
+        <translation>Achsen der variablen Schrift</translation>
     </message>
     <message>
         <source>Reset to Defaults</source>
-        <translation type="unfinished"></translation>
+        <translation>Auf Standard zurücksetzen</translation>
     </message>
     <message>
         <source>Named instance</source>
-        <translation type="unfinished"></translation>
+        <translation>Benannte Instanz</translation>
     </message>
     <message>
         <source>Custom</source>
-        <translation type="unfinished"></translation>
+        <translation>Eigene</translation>
     </message>
     <message>
         <source>Instance</source>
-        <translation type="unfinished"></translation>
+        <translation>Instanz</translation>
     </message>
 </context>
 <context>
     <name>CollectionMemberList</name>
     <message>
         <source>Members</source>
-        <translation type="unfinished"></translation>
+        <translation>Mitglieder</translation>
     </message>
 </context>
 <context>
     <name>CollectionMemberModel</name>
     <message>
         <source>Folder</source>
-        <translation type="unfinished"></translation>
+        <translation>Ordner</translation>
     </message>
     <message>
         <source>Font</source>
-        <translation type="unfinished"></translation>
+        <translation>Schrift</translation>
     </message>
     <message>
         <source>Missing</source>
-        <translation type="unfinished"></translation>
+        <translation>Fehlt</translation>
     </message>
 </context>
 <context>
     <name>CollectionView</name>
     <message>
         <source>Collection</source>
-        <translation type="unfinished"></translation>
+        <translation>Sammlung</translation>
     </message>
     <message>
         <source>Collection name</source>
-        <translation type="unfinished"></translation>
+        <translation>Name der Sammlung</translation>
     </message>
     <message>
         <source>Collection contents</source>
-        <translation type="unfinished"></translation>
+        <translation>Inhalt der Sammlung</translation>
     </message>
     <message>
         <source>Drag fonts or folders here</source>
-        <translation type="unfinished"></translation>
+        <translation>Schriften oder Ordner hierher ziehen</translation>
     </message>
     <message>
         <source>Empty collection</source>
-        <translation type="unfinished"></translation>
+        <translation>Leere Sammlung</translation>
     </message>
     <message>
         <source>Deactivate All</source>
-        <translation type="unfinished"></translation>
+        <translation>Alle deaktivieren</translation>
     </message>
     <message>
         <source>Activate All</source>
-        <translation type="unfinished"></translation>
+        <translation>Alle aktivieren</translation>
     </message>
 </context>
 <context>
     <name>ColumnBrowserView</name>
     <message>
         <source>Font browser</source>
-        <translation type="unfinished"></translation>
+        <translation>Schriftenbrowser</translation>
     </message>
     <message>
         <source>Path</source>
-        <translation type="unfinished"></translation>
+        <translation>Pfad</translation>
     </message>
     <message>
         <source>Columns</source>
-        <translation type="unfinished"></translation>
+        <translation>Spalten</translation>
     </message>
     <message>
         <source>current</source>
-        <translation type="unfinished"></translation>
+        <translation>aktuell</translation>
     </message>
 </context>
 <context>
     <name>CompareView</name>
     <message>
         <source>Compared faces</source>
-        <translation type="unfinished"></translation>
+        <translation>Verglichene Schnitte</translation>
     </message>
     <message>
         <source>Unable to preview</source>
-        <translation type="unfinished"></translation>
+        <translation>Keine Vorschau möglich</translation>
     </message>
     <message>
         <source>Compare</source>
-        <translation type="unfinished"></translation>
+        <translation>Vergleichen</translation>
     </message>
     <message>
         <source>Back</source>
-        <translation type="unfinished"></translation>
+        <translation>Zurück</translation>
     </message>
     <message>
         <source>Back to the font list</source>
-        <translation type="unfinished"></translation>
+        <translation>Zurück zur Schriftenliste</translation>
     </message>
     <message>
         <source>Size</source>
-        <translation type="unfinished"></translation>
+        <translation>Größe</translation>
     </message>
     <message>
         <source>Overlay</source>
-        <translation type="unfinished"></translation>
+        <translation>Überlagern</translation>
     </message>
     <message>
         <source>Axes</source>
-        <translation type="unfinished"></translation>
+        <translation>Achsen</translation>
     </message>
     <message>
         <source>Axes of %1</source>
-        <translation type="unfinished"></translation>
+        <translation>Achsen von %1</translation>
     </message>
 </context>
 <context>
     <name>Confirmations</name>
     <message>
         <source>Its 1 active font will be deactivated. </source>
-        <translation type="unfinished"></translation>
+        <translation>Ihre 1 aktive Schrift wird deaktiviert. </translation>
     </message>
     <message>
         <source>Its %1 active fonts will be deactivated. </source>
-        <translation type="unfinished"></translation>
+        <translation>Ihre %1 aktiven Schriften werden deaktiviert. </translation>
     </message>
     <message>
         <source>Remove “%1” from Morvane?</source>
-        <translation type="unfinished"></translation>
+        <translation>„%1“ aus Morvane entfernen?</translation>
     </message>
     <message>
         <source>The files stay where they are.</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Dateien bleiben, wo sie sind.</translation>
     </message>
     <message>
         <source>Remove Source</source>
-        <translation type="unfinished"></translation>
+        <translation>Quelle entfernen</translation>
     </message>
     <message>
         <source>Its 1 item stays where it is on disk; only the collection goes.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ihr 1 Eintrag bleibt auf der Festplatte, wo er ist; nur die Sammlung wird gelöscht.</translation>
     </message>
     <message>
         <source>Its %1 items stay where they are on disk; only the collection goes.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ihre %1 Einträge bleiben auf der Festplatte, wo sie sind; nur die Sammlung wird gelöscht.</translation>
     </message>
     <message>
         <source>Delete the collection “%1”?</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Sammlung „%1“ löschen?</translation>
     </message>
     <message>
         <source>Delete Collection</source>
-        <translation type="unfinished"></translation>
+        <translation>Sammlung löschen</translation>
     </message>
 </context>
 <context>
     <name>ContextMenuText</name>
     <message>
-        <source>ShowItems</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
         <source>License Status</source>
-        <translation type="unfinished"></translation>
+        <translation>Lizenzstatus</translation>
     </message>
     <message>
         <source>Show in File Manager</source>
-        <translation type="unfinished"></translation>
+        <translation>In der Dateiverwaltung zeigen</translation>
     </message>
     <message>
         <source>Deactivate All Fonts in Folder</source>
-        <translation type="unfinished"></translation>
+        <translation>Alle Schriften im Ordner deaktivieren</translation>
     </message>
     <message>
         <source>Activate All Fonts in Folder</source>
-        <translation type="unfinished"></translation>
+        <translation>Alle Schriften im Ordner aktivieren</translation>
     </message>
     <message>
         <source>Deactivate Font</source>
-        <translation type="unfinished"></translation>
+        <translation>Schrift deaktivieren</translation>
     </message>
     <message>
         <source>Activate Font</source>
-        <translation type="unfinished"></translation>
+        <translation>Schrift aktivieren</translation>
     </message>
     <message>
         <source>Add to Collection</source>
-        <translation type="unfinished"></translation>
+        <translation>Zu Sammlung hinzufügen</translation>
     </message>
     <message>
         <source>Remove Source</source>
-        <translation type="unfinished"></translation>
+        <translation>Quelle entfernen</translation>
     </message>
     <message>
         <source>Rename</source>
-        <translation type="unfinished"></translation>
+        <translation>Umbenennen</translation>
     </message>
     <message>
         <source>Set Custom Icon…</source>
-        <translation type="unfinished"></translation>
+        <translation>Eigenes Symbol festlegen …</translation>
     </message>
     <message>
         <source>Remove Custom Icon</source>
-        <translation type="unfinished"></translation>
+        <translation>Eigenes Symbol entfernen</translation>
     </message>
     <message>
         <source>Delete Collection</source>
-        <translation type="unfinished"></translation>
+        <translation>Sammlung löschen</translation>
     </message>
     <message>
         <source>Remove from Collection</source>
-        <translation type="unfinished"></translation>
+        <translation>Aus Sammlung entfernen</translation>
     </message>
 </context>
 <context>
     <name>ContextMenus</name>
     <message>
-        <source>No file manager answered, so “%1” can&apos;t be shown. It is in %2.</source>
-        <translation type="unfinished"></translation>
+        <source>No file manager answered, so “%1” can't be shown. It is in %2.</source>
+        <translation>Keine Dateiverwaltung hat geantwortet, daher kann „%1“ nicht gezeigt werden. Es liegt in %2.</translation>
     </message>
     <message>
         <source>Deactivate All Fonts in Source</source>
-        <translation type="unfinished"></translation>
+        <translation>Alle Schriften der Quelle deaktivieren</translation>
     </message>
     <message>
         <source>Activate All Fonts in Source</source>
-        <translation type="unfinished"></translation>
+        <translation>Alle Schriften der Quelle aktivieren</translation>
     </message>
     <message>
         <source>Deactivate All Fonts in Collection</source>
-        <translation type="unfinished"></translation>
+        <translation>Alle Schriften der Sammlung deaktivieren</translation>
     </message>
     <message>
         <source>Activate All Fonts in Collection</source>
-        <translation type="unfinished"></translation>
+        <translation>Alle Schriften der Sammlung aktivieren</translation>
     </message>
     <message>
         <source>Edit Filters…</source>
-        <translation type="unfinished"></translation>
+        <translation>Filter bearbeiten …</translation>
     </message>
 </context>
 <context>
     <name>EmptyStateView</name>
     <message>
         <source>No Font Sources</source>
-        <translation type="unfinished"></translation>
+        <translation>Keine Schriftquellen</translation>
     </message>
     <message>
         <source>Add a folder containing your fonts to get started.</source>
-        <translation type="unfinished"></translation>
+        <translation>Fügen Sie zu Beginn einen Ordner mit Ihren Schriften hinzu.</translation>
     </message>
     <message>
         <source>Add Folder</source>
-        <translation type="unfinished"></translation>
+        <translation>Ordner hinzufügen</translation>
     </message>
 </context>
 <context>
     <name>FeatureToggles</name>
     <message>
         <source>OpenType Features</source>
-        <translation type="unfinished"></translation>
+        <translation>OpenType-Merkmale</translation>
     </message>
     <message>
         <source>Access All Alternates</source>
-        <translation type="unfinished"></translation>
+        <translation>Alle Alternativen</translation>
     </message>
     <message>
         <source>Small Capitals From Capitals</source>
-        <translation type="unfinished"></translation>
+        <translation>Kapitälchen aus Großbuchstaben</translation>
     </message>
     <message>
         <source>Contextual Alternates</source>
-        <translation type="unfinished"></translation>
+        <translation>Kontextbedingte Alternativen</translation>
     </message>
     <message>
         <source>Case-Sensitive Forms</source>
-        <translation type="unfinished"></translation>
+        <translation>Versalformen</translation>
     </message>
     <message>
         <source>Glyph Composition</source>
-        <translation type="unfinished"></translation>
+        <translation>Glyphenzusammensetzung</translation>
     </message>
     <message>
         <source>Contextual Ligatures</source>
-        <translation type="unfinished"></translation>
+        <translation>Kontextbedingte Ligaturen</translation>
     </message>
     <message>
         <source>Discretionary Ligatures</source>
-        <translation type="unfinished"></translation>
+        <translation>Bedingte Ligaturen</translation>
     </message>
     <message>
         <source>Denominators</source>
-        <translation type="unfinished"></translation>
+        <translation>Nenner</translation>
     </message>
     <message>
         <source>Fractions</source>
-        <translation type="unfinished"></translation>
+        <translation>Brüche</translation>
     </message>
     <message>
         <source>Historical Ligatures</source>
-        <translation type="unfinished"></translation>
+        <translation>Historische Ligaturen</translation>
     </message>
     <message>
         <source>Kerning</source>
-        <translation type="unfinished"></translation>
+        <translation>Unterschneidung</translation>
     </message>
     <message>
         <source>Standard Ligatures</source>
-        <translation type="unfinished"></translation>
+        <translation>Standardligaturen</translation>
     </message>
     <message>
         <source>Lining Figures</source>
-        <translation type="unfinished"></translation>
+        <translation>Versalziffern</translation>
     </message>
     <message>
         <source>Localized Forms</source>
-        <translation type="unfinished"></translation>
+        <translation>Lokalisierte Formen</translation>
     </message>
     <message>
         <source>Mark Positioning</source>
-        <translation type="unfinished"></translation>
+        <translation>Positionierung von Akzenten</translation>
     </message>
     <message>
         <source>Mark to Mark Positioning</source>
-        <translation type="unfinished"></translation>
+        <translation>Akzent-an-Akzent-Positionierung</translation>
     </message>
     <message>
         <source>Numerators</source>
-        <translation type="unfinished"></translation>
+        <translation>Zähler</translation>
     </message>
     <message>
         <source>Oldstyle Figures</source>
-        <translation type="unfinished"></translation>
+        <translation>Mediävalziffern</translation>
     </message>
     <message>
         <source>Ordinals</source>
-        <translation type="unfinished"></translation>
+        <translation>Ordinalzeichen</translation>
     </message>
     <message>
         <source>Proportional Figures</source>
-        <translation type="unfinished"></translation>
+        <translation>Proportionalziffern</translation>
     </message>
     <message>
         <source>Required Ligatures</source>
-        <translation type="unfinished"></translation>
+        <translation>Erforderliche Ligaturen</translation>
     </message>
     <message>
         <source>Stylistic Alternates</source>
-        <translation type="unfinished"></translation>
+        <translation>Stilistische Alternativen</translation>
     </message>
     <message>
         <source>Scientific Inferiors</source>
-        <translation type="unfinished"></translation>
+        <translation>Wissenschaftliche Tiefstellung</translation>
     </message>
     <message>
         <source>Small Capitals</source>
-        <translation type="unfinished"></translation>
+        <translation>Kapitälchen</translation>
     </message>
     <message>
         <source>Subscript</source>
-        <translation type="unfinished"></translation>
+        <translation>Tiefgestellt</translation>
     </message>
     <message>
         <source>Superscript</source>
-        <translation type="unfinished"></translation>
+        <translation>Hochgestellt</translation>
     </message>
     <message>
         <source>Swash</source>
-        <translation type="unfinished"></translation>
+        <translation>Zierbuchstaben</translation>
     </message>
     <message>
         <source>Tabular Figures</source>
-        <translation type="unfinished"></translation>
+        <translation>Tabellenziffern</translation>
     </message>
     <message>
         <source>Slashed Zero</source>
-        <translation type="unfinished"></translation>
+        <translation>Null mit Schrägstrich</translation>
     </message>
     <message>
         <source>Initial Forms</source>
-        <translation type="unfinished"></translation>
+        <translation>Anfangsformen</translation>
     </message>
     <message>
         <source>Medial Forms</source>
-        <translation type="unfinished"></translation>
+        <translation>Mittelformen</translation>
     </message>
     <message>
         <source>Terminal Forms</source>
-        <translation type="unfinished"></translation>
+        <translation>Endformen</translation>
     </message>
     <message>
         <source>Isolated Forms</source>
-        <translation type="unfinished"></translation>
+        <translation>Isolierte Formen</translation>
     </message>
     <message>
         <source>Cursive Positioning</source>
-        <translation type="unfinished"></translation>
+        <translation>Kursive Positionierung</translation>
     </message>
     <message>
         <source>Stylistic Set %1</source>
-        <translation type="unfinished"></translation>
+        <translation>Stilsatz %1</translation>
     </message>
     <message>
         <source>Character Variant %1</source>
-        <translation type="unfinished"></translation>
+        <translation>Zeichenvariante %1</translation>
     </message>
 </context>
 <context>
     <name>FolderChooserText</name>
     <message>
         <source>Choose a Font Folder</source>
-        <translation type="unfinished"></translation>
+        <translation>Schriftordner wählen</translation>
     </message>
     <message>
         <source>Select a folder containing fonts</source>
-        <translation type="unfinished"></translation>
+        <translation>Einen Ordner mit Schriften auswählen</translation>
     </message>
     <message>
         <source>Choose an Icon</source>
-        <translation type="unfinished"></translation>
+        <translation>Symbol wählen</translation>
     </message>
     <message>
         <source>Select a PNG or SVG image</source>
-        <translation type="unfinished"></translation>
+        <translation>Ein PNG- oder SVG-Bild auswählen</translation>
     </message>
 </context>
 <context>
     <name>FontFilterBar</name>
     <message>
         <source>Serif</source>
-        <translation type="unfinished"></translation>
+        <translation>Serifen</translation>
     </message>
     <message>
         <source>Sans Serif</source>
-        <translation type="unfinished"></translation>
+        <translation>Serifenlos</translation>
     </message>
     <message>
         <source>Slab Serif</source>
-        <translation type="unfinished"></translation>
+        <translation>Serifenbetont</translation>
     </message>
     <message>
         <source>Script</source>
-        <translation type="unfinished"></translation>
+        <translation>Schreibschrift</translation>
     </message>
     <message>
         <source>Display</source>
-        <translation type="unfinished"></translation>
+        <translation>Auszeichnung</translation>
     </message>
     <message>
         <source>Monospace</source>
-        <translation type="unfinished"></translation>
+        <translation>Dicktengleich</translation>
     </message>
     <message>
         <source>Symbol</source>
-        <translation type="unfinished"></translation>
+        <translation>Symbole</translation>
     </message>
     <message>
         <source>Unclassified</source>
-        <translation type="unfinished"></translation>
+        <translation>Nicht eingeordnet</translation>
     </message>
     <message>
         <source>Language</source>
-        <translation type="unfinished"></translation>
+        <translation>Sprache</translation>
     </message>
     <message>
         <source>Classification</source>
-        <translation type="unfinished"></translation>
+        <translation>Einordnung</translation>
     </message>
     <message>
         <source>Weight</source>
-        <translation type="unfinished"></translation>
+        <translation>Stärke</translation>
     </message>
     <message>
         <source>Width</source>
-        <translation type="unfinished"></translation>
+        <translation>Breite</translation>
     </message>
     <message>
         <source>Licence Status</source>
-        <translation type="unfinished"></translation>
+        <translation>Lizenzstatus</translation>
     </message>
     <message>
         <source>Source</source>
-        <translation type="unfinished"></translation>
+        <translation>Quelle</translation>
     </message>
     <message>
         <source>Italic</source>
-        <translation type="unfinished"></translation>
+        <translation>Kursiv</translation>
     </message>
     <message>
         <source>Variable</source>
-        <translation type="unfinished"></translation>
+        <translation>Variabel</translation>
     </message>
     <message>
         <source>Monospaced</source>
-        <translation type="unfinished"></translation>
+        <translation>Dicktengleich</translation>
     </message>
     <message>
         <source>Active</source>
-        <translation type="unfinished"></translation>
+        <translation>Aktiv</translation>
     </message>
     <message>
         <source>Clear Filters</source>
-        <translation type="unfinished"></translation>
+        <translation>Filter zurücksetzen</translation>
     </message>
     <message>
         <source>Any Weight</source>
-        <translation type="unfinished"></translation>
+        <translation>Jede Stärke</translation>
     </message>
     <message>
         <source>Thin to Light (100–300)</source>
-        <translation type="unfinished"></translation>
+        <translation>Dünn bis Leicht (100–300)</translation>
     </message>
     <message>
         <source>Regular to Medium (400–500)</source>
-        <translation type="unfinished"></translation>
+        <translation>Normal bis Mittel (400–500)</translation>
     </message>
     <message>
         <source>Semibold to Black (600–900)</source>
-        <translation type="unfinished"></translation>
+        <translation>Halbfett bis Schwarz (600–900)</translation>
     </message>
     <message>
         <source>Any Width</source>
-        <translation type="unfinished"></translation>
+        <translation>Jede Breite</translation>
     </message>
     <message>
         <source>Condensed</source>
-        <translation type="unfinished"></translation>
+        <translation>Schmal</translation>
     </message>
     <message>
         <source>Normal</source>
-        <translation type="unfinished"></translation>
+        <translation>Normal</translation>
     </message>
     <message>
         <source>Expanded</source>
-        <translation type="unfinished"></translation>
+        <translation>Breit</translation>
     </message>
     <message>
         <source>Search languages</source>
-        <translation type="unfinished"></translation>
+        <translation>Sprachen suchen</translation>
     </message>
 </context>
 <context>
     <name>FontListDelegate</name>
     <message>
         <source>Unable to preview</source>
-        <translation type="unfinished"></translation>
+        <translation>Keine Vorschau möglich</translation>
     </message>
 </context>
 <context>
     <name>FontListModel</name>
     <message>
         <source>active</source>
-        <translation type="unfinished"></translation>
+        <translation>aktiv</translation>
     </message>
     <message>
         <source>mixed</source>
-        <translation type="unfinished"></translation>
+        <translation>gemischt</translation>
     </message>
     <message>
         <source>inactive</source>
-        <translation type="unfinished"></translation>
+        <translation>inaktiv</translation>
     </message>
     <message>
         <source>1 style</source>
-        <translation type="unfinished"></translation>
+        <translation>1 Schnitt</translation>
     </message>
     <message numerus="yes">
         <source>%n styles</source>
-        <translation type="unfinished">
-            <numerusform></numerusform>
-            <numerusform></numerusform>
-        </translation>
+        <translation>
+            <numerusform>%n Schnitt</numerusform><numerusform>%n Schnitte</numerusform></translation>
     </message>
 </context>
 <context>
     <name>FontListTree</name>
     <message>
         <source>&amp;Compare</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Vergleichen</translation>
     </message>
 </context>
 <context>
     <name>FontListView</name>
     <message>
         <source>Font list</source>
-        <translation type="unfinished"></translation>
+        <translation>Schriftenliste</translation>
     </message>
     <message>
         <source>Filter fonts…</source>
-        <translation type="unfinished"></translation>
+        <translation>Schriften filtern …</translation>
     </message>
     <message>
         <source>Filter fonts</source>
-        <translation type="unfinished"></translation>
+        <translation>Schriften filtern</translation>
     </message>
     <message>
         <source>Sample size</source>
-        <translation type="unfinished"></translation>
+        <translation>Mustergröße</translation>
     </message>
     <message>
         <source>Names</source>
-        <translation type="unfinished"></translation>
+        <translation>Namen</translation>
     </message>
     <message>
-        <source>Show each font&apos;s name</source>
-        <translation type="unfinished"></translation>
+        <source>Show each font's name</source>
+        <translation>Den Namen jeder Schrift zeigen</translation>
     </message>
     <message>
         <source>Compare</source>
-        <translation type="unfinished"></translation>
+        <translation>Vergleichen</translation>
     </message>
     <message>
         <source>Compare two to twelve chosen fonts</source>
-        <translation type="unfinished"></translation>
+        <translation>Zwei bis zwölf gewählte Schriften vergleichen</translation>
     </message>
     <message>
         <source>Save as Smart Collection…</source>
-        <translation type="unfinished"></translation>
+        <translation>Als intelligente Sammlung sichern …</translation>
     </message>
     <message>
         <source>Save as Smart Collection</source>
-        <translation type="unfinished"></translation>
+        <translation>Als intelligente Sammlung sichern</translation>
     </message>
     <message>
         <source>Name:</source>
-        <translation type="unfinished"></translation>
+        <translation>Name:</translation>
     </message>
     <message>
         <source>Smart Collection</source>
-        <translation type="unfinished"></translation>
+        <translation>Intelligente Sammlung</translation>
     </message>
     <message>
         <source>Fonts</source>
-        <translation type="unfinished"></translation>
+        <translation>Schriften</translation>
     </message>
     <message>
         <source>Save Filters to “%1”</source>
-        <translation type="unfinished"></translation>
+        <translation>Filter in „%1“ sichern</translation>
     </message>
     <message>
         <source>1 family</source>
-        <translation type="unfinished"></translation>
+        <translation>1 Familie</translation>
     </message>
     <message>
         <source>%1 families</source>
-        <translation type="unfinished"></translation>
+        <translation>%1 Familien</translation>
     </message>
     <message>
         <source>1 face</source>
-        <translation type="unfinished"></translation>
+        <translation>1 Schnitt</translation>
     </message>
     <message>
         <source>%1 faces</source>
-        <translation type="unfinished"></translation>
+        <translation>%1 Schnitte</translation>
     </message>
 </context>
 <context>
     <name>FontNodeDelegate</name>
     <message>
         <source>Deactivate</source>
-        <translation type="unfinished"></translation>
+        <translation>Deaktivieren</translation>
     </message>
     <message>
         <source>Activate All</source>
-        <translation type="unfinished"></translation>
+        <translation>Alle aktivieren</translation>
     </message>
     <message>
         <source>Activate</source>
-        <translation type="unfinished"></translation>
+        <translation>Aktivieren</translation>
     </message>
 </context>
 <context>
     <name>FontNodeListModel</name>
     <message>
         <source>Folder, </source>
-        <translation type="unfinished"></translation>
+        <translation>Ordner, </translation>
     </message>
     <message>
         <source>Font, </source>
-        <translation type="unfinished"></translation>
+        <translation>Schrift, </translation>
     </message>
 </context>
 <context>
     <name>FontPreviewView</name>
     <message>
         <source>Family</source>
-        <translation type="unfinished"></translation>
+        <translation>Familie</translation>
     </message>
     <message>
         <source>Style</source>
-        <translation type="unfinished"></translation>
+        <translation>Stil</translation>
     </message>
     <message>
         <source>PostScript</source>
-        <translation type="unfinished"></translation>
+        <translation>PostScript</translation>
     </message>
     <message>
         <source>Format</source>
-        <translation type="unfinished"></translation>
+        <translation>Format</translation>
     </message>
     <message>
         <source>Size</source>
-        <translation type="unfinished"></translation>
+        <translation>Größe</translation>
     </message>
     <message>
         <source>Glyphs</source>
-        <translation type="unfinished"></translation>
+        <translation>Glyphen</translation>
     </message>
     <message>
         <source>Type</source>
-        <translation type="unfinished"></translation>
+        <translation>Art</translation>
     </message>
     <message>
         <source>Preview</source>
-        <translation type="unfinished"></translation>
+        <translation>Vorschau</translation>
     </message>
     <message>
         <source>Larger Preview</source>
-        <translation type="unfinished"></translation>
+        <translation>Größere Vorschau</translation>
     </message>
     <message>
         <source>Smaller Preview</source>
-        <translation type="unfinished"></translation>
+        <translation>Kleinere Vorschau</translation>
     </message>
     <message>
         <source>Static Font</source>
-        <translation type="unfinished"></translation>
+        <translation>Statische Schrift</translation>
     </message>
     <message>
         <source>Loading font…</source>
-        <translation type="unfinished"></translation>
+        <translation>Schrift wird geladen …</translation>
     </message>
     <message>
         <source>Font status</source>
-        <translation type="unfinished"></translation>
+        <translation>Schriftstatus</translation>
     </message>
     <message>
         <source>Font family</source>
-        <translation type="unfinished"></translation>
+        <translation>Schriftfamilie</translation>
     </message>
     <message>
         <source>Preview text</source>
-        <translation type="unfinished"></translation>
+        <translation>Vorschautext</translation>
     </message>
     <message>
         <source>Preview text…</source>
-        <translation type="unfinished"></translation>
+        <translation>Vorschautext …</translation>
     </message>
     <message>
         <source>Clear</source>
-        <translation type="unfinished"></translation>
+        <translation>Leeren</translation>
     </message>
     <message>
         <source>Preview size value</source>
-        <translation type="unfinished"></translation>
+        <translation>Wert der Vorschaugröße</translation>
     </message>
     <message>
         <source>Preview size</source>
-        <translation type="unfinished"></translation>
+        <translation>Vorschaugröße</translation>
     </message>
     <message>
         <source>Waterfall</source>
-        <translation type="unfinished"></translation>
+        <translation>Wasserfall</translation>
     </message>
     <message>
         <source>Show the text at 12, 18, 24, 36, 48, 72 and 96 pt</source>
-        <translation type="unfinished"></translation>
+        <translation>Den Text in 12, 18, 24, 36, 48, 72 und 96 pt zeigen</translation>
     </message>
     <message>
         <source>Sample</source>
-        <translation type="unfinished"></translation>
+        <translation>Muster</translation>
     </message>
     <message>
         <source>Unable to preview this font</source>
-        <translation type="unfinished"></translation>
+        <translation>Für diese Schrift ist keine Vorschau möglich</translation>
     </message>
     <message>
         <source>Character Set</source>
-        <translation type="unfinished"></translation>
+        <translation>Zeichensatz</translation>
     </message>
     <message>
         <source>Unable to read font metadata</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Metadaten der Schrift können nicht gelesen werden</translation>
     </message>
     <message>
         <source>Deactivate</source>
-        <translation type="unfinished"></translation>
+        <translation>Deaktivieren</translation>
     </message>
     <message>
         <source>Activate</source>
-        <translation type="unfinished"></translation>
+        <translation>Aktivieren</translation>
     </message>
 </context>
 <context>
     <name>LibraryList</name>
     <message>
         <source>All Fonts</source>
-        <translation type="unfinished"></translation>
+        <translation>Alle Schriften</translation>
     </message>
     <message>
         <source>Active Fonts</source>
-        <translation type="unfinished"></translation>
+        <translation>Aktive Schriften</translation>
     </message>
     <message>
         <source>1 font</source>
-        <translation type="unfinished"></translation>
+        <translation>1 Schrift</translation>
     </message>
     <message numerus="yes">
         <source>%Ln fonts</source>
-        <translation type="unfinished">
-            <numerusform></numerusform>
-            <numerusform></numerusform>
-        </translation>
+        <translation>
+            <numerusform>%Ln Schrift</numerusform><numerusform>%Ln Schriften</numerusform></translation>
     </message>
     <message>
         <source>Library</source>
-        <translation type="unfinished"></translation>
+        <translation>Bibliothek</translation>
     </message>
 </context>
 <context>
     <name>MainWindow</name>
     <message>
         <source>Morvane</source>
-        <translation type="unfinished"></translation>
+        <translation>Morvane</translation>
     </message>
     <message>
         <source>Save problem</source>
-        <translation type="unfinished"></translation>
+        <translation>Problem beim Sichern</translation>
     </message>
     <message>
         <source>Search</source>
-        <translation type="unfinished"></translation>
+        <translation>Suche</translation>
     </message>
     <message>
         <source>Search…</source>
-        <translation type="unfinished"></translation>
+        <translation>Suchen …</translation>
     </message>
     <message>
         <source>More Toolbar Items</source>
-        <translation type="unfinished"></translation>
+        <translation>Weitere Werkzeugleisten-Elemente</translation>
     </message>
     <message>
         <source>Find</source>
-        <translation type="unfinished"></translation>
+        <translation>Suchen</translation>
     </message>
     <message>
         <source>the disk is full</source>
-        <translation type="unfinished"></translation>
+        <translation>der Datenträger ist voll</translation>
     </message>
     <message>
         <source>your disk quota is used up</source>
-        <translation type="unfinished"></translation>
+        <translation>Ihr Speicherkontingent ist aufgebraucht</translation>
     </message>
     <message>
         <source>the file is larger than this system allows</source>
-        <translation type="unfinished"></translation>
+        <translation>die Datei ist größer, als dieses System erlaubt</translation>
     </message>
     <message>
         <source>the disk is read-only</source>
-        <translation type="unfinished"></translation>
+        <translation>der Datenträger ist schreibgeschützt</translation>
     </message>
     <message>
         <source>Morvane may not write to its folder</source>
-        <translation type="unfinished"></translation>
+        <translation>Morvane darf nicht in seinen Ordner schreiben</translation>
     </message>
     <message>
-        <source>Your last changes couldn&apos;t be saved: %1. Quit anyway?</source>
-        <translation type="unfinished"></translation>
+        <source>Your last changes couldn't be saved: %1. Quit anyway?</source>
+        <translation>Ihre letzten Änderungen konnten nicht gesichert werden: %1. Trotzdem beenden?</translation>
     </message>
     <message>
         <source>If you quit now, the changes made since the problem began are lost. Free some space, then close Morvane again.</source>
-        <translation type="unfinished"></translation>
+        <translation>Wenn Sie jetzt beenden, gehen die Änderungen seit Beginn des Problems verloren. Schaffen Sie Platz und schließen Sie Morvane dann erneut.</translation>
     </message>
     <message>
         <source>Quit Anyway</source>
-        <translation type="unfinished"></translation>
+        <translation>Trotzdem beenden</translation>
     </message>
     <message>
         <source>Add Folder as Source</source>
-        <translation type="unfinished"></translation>
+        <translation>Ordner als Quelle hinzufügen</translation>
     </message>
     <message>
         <source>Add “%1” as a source of fonts?</source>
-        <translation type="unfinished"></translation>
+        <translation>„%1“ als Schriftquelle hinzufügen?</translation>
     </message>
     <message>
-        <source>“%1” can&apos;t be opened: Morvane opens font files (.ttf, .otf, .ttc, .otc, .dfont) and folders.</source>
-        <translation type="unfinished"></translation>
+        <source>“%1” can't be opened: Morvane opens font files (.ttf, .otf, .ttc, .otc, .dfont) and folders.</source>
+        <translation>„%1“ kann nicht geöffnet werden: Morvane öffnet Schriftdateien (.ttf, .otf, .ttc, .otc, .dfont) und Ordner.</translation>
     </message>
     <message numerus="yes">
-        <source>%n items can&apos;t be opened: Morvane opens font files (.ttf, .otf, .ttc, .otc, .dfont) and folders.</source>
-        <translation type="unfinished">
-            <numerusform></numerusform>
-            <numerusform></numerusform>
-        </translation>
+        <source>%n items can't be opened: Morvane opens font files (.ttf, .otf, .ttc, .otc, .dfont) and folders.</source>
+        <translation>
+            <numerusform>%n Eintrag kann nicht geöffnet werden: Morvane öffnet Schriftdateien (.ttf, .otf, .ttc, .otc, .dfont) und Ordner.</numerusform><numerusform>%n Einträge können nicht geöffnet werden: Morvane öffnet Schriftdateien (.ttf, .otf, .ttc, .otc, .dfont) und Ordner.</numerusform></translation>
     </message>
 </context>
 <context>
     <name>MenuText</name>
     <message>
         <source>About Morvane</source>
-        <translation type="unfinished"></translation>
+        <translation>Über Morvane</translation>
+    </message>
+    <message>
+        <source>Add Font Folder...</source>
+        <translation>Schriftordner hinzufügen …</translation>
+    </message>
+    <message>
+        <source>New Collection</source>
+        <translation>Neue Sammlung</translation>
+    </message>
+    <message>
+        <source>Refresh Sources</source>
+        <translation>Quellen aktualisieren</translation>
+    </message>
+    <message>
+        <source>Quit</source>
+        <translation>Beenden</translation>
+    </message>
+    <message>
+        <source>&lt;p&gt;&lt;b&gt;Morvane %1&lt;/b&gt;&lt;/p&gt;&lt;p&gt;A font manager for Linux: browse folders of fonts, activate them for every application, group them into collections.&lt;/p&gt;&lt;p&gt;Free software under the GNU General Public License, version 3 or later.&lt;/p&gt;&lt;p&gt;Morvane keeps its library in &lt;tt&gt;%2&lt;/tt&gt; and the fonts it activates in &lt;tt&gt;%3&lt;/tt&gt;.&lt;/p&gt;</source>
+        <translation>&lt;p&gt;&lt;b&gt;Morvane %1&lt;/b&gt;&lt;/p&gt;&lt;p&gt;Eine Schriftverwaltung für Linux: Ordner voller Schriften durchsehen, sie für alle Anwendungen aktivieren, sie in Sammlungen ordnen.&lt;/p&gt;&lt;p&gt;Freie Software unter der GNU General Public License, Version 3 oder später.&lt;/p&gt;&lt;p&gt;Morvane bewahrt seine Bibliothek in &lt;tt&gt;%2&lt;/tt&gt; auf und die aktivierten Schriften in &lt;tt&gt;%3&lt;/tt&gt;.&lt;/p&gt;</translation>
+    </message>
+    <message>
+        <source>&amp;File</source>
+        <translation>&amp;Datei</translation>
+    </message>
+    <message>
+        <source>&amp;Edit</source>
+        <translation>&amp;Bearbeiten</translation>
+    </message>
+    <message>
+        <source>Deactivate All Fonts</source>
+        <translation>Alle Schriften deaktivieren</translation>
+    </message>
+    <message>
+        <source>&amp;Help</source>
+        <translation>&amp;Hilfe</translation>
     </message>
 </context>
 <context>
     <name>MessageArea</name>
     <message>
         <source>&amp;Show</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Zeigen</translation>
     </message>
     <message>
         <source>&amp;Dismiss</source>
-        <translation type="unfinished"></translation>
+        <translation>&amp;Schließen</translation>
     </message>
     <message>
         <source>Message</source>
-        <translation type="unfinished"></translation>
+        <translation>Meldung</translation>
     </message>
     <message>
         <source>Show</source>
-        <translation type="unfinished"></translation>
+        <translation>Zeigen</translation>
     </message>
     <message>
         <source>Lists the files the message is about</source>
-        <translation type="unfinished"></translation>
+        <translation>Listet die Dateien, um die es in der Meldung geht</translation>
     </message>
     <message>
         <source>Dismiss</source>
-        <translation type="unfinished"></translation>
+        <translation>Schließen</translation>
     </message>
     <message>
         <source>Files Concerned</source>
-        <translation type="unfinished"></translation>
+        <translation>Betroffene Dateien</translation>
     </message>
     <message>
         <source>Files</source>
-        <translation type="unfinished"></translation>
+        <translation>Dateien</translation>
     </message>
 </context>
 <context>
     <name>OpenedFontView</name>
     <message>
         <source>Add Folder as Source</source>
-        <translation type="unfinished"></translation>
+        <translation>Ordner als Quelle hinzufügen</translation>
     </message>
     <message>
         <source>In %1</source>
-        <translation type="unfinished"></translation>
+        <translation>In %1</translation>
     </message>
     <message>
         <source>This folder is in your library</source>
-        <translation type="unfinished"></translation>
+        <translation>Dieser Ordner ist in Ihrer Bibliothek</translation>
     </message>
 </context>
 <context>
     <name>ProcessingOverlay</name>
     <message>
         <source>Working</source>
-        <translation type="unfinished"></translation>
+        <translation>In Arbeit</translation>
     </message>
     <message>
         <source>Progress</source>
-        <translation type="unfinished"></translation>
+        <translation>Fortschritt</translation>
     </message>
     <message>
-        <source>This is taking longer than it should: a font file or the drive it is on isn&apos;t answering.</source>
-        <translation type="unfinished"></translation>
+        <source>This is taking longer than it should: a font file or the drive it is on isn't answering.</source>
+        <translation>Das dauert länger als erwartet: Eine Schriftdatei oder ihr Laufwerk antwortet nicht.</translation>
     </message>
     <message>
         <source>Cancel</source>
-        <translation type="unfinished"></translation>
+        <translation>Abbrechen</translation>
     </message>
     <message>
         <source>Stops after the fonts being worked on now; what is done stays done</source>
-        <translation type="unfinished"></translation>
+        <translation>Hält nach den gerade bearbeiteten Schriften an; Erledigtes bleibt erledigt</translation>
     </message>
 </context>
 <context>
     <name>ReindexingStrip</name>
     <message>
         <source>Updating font library…</source>
-        <translation type="unfinished"></translation>
+        <translation>Schriftenbibliothek wird aktualisiert …</translation>
     </message>
 </context>
 <context>
     <name>SampleView</name>
     <message>
         <source>Copy</source>
-        <translation type="unfinished"></translation>
+        <translation>Kopieren</translation>
     </message>
     <message>
         <source>Select All</source>
-        <translation type="unfinished"></translation>
+        <translation>Alles auswählen</translation>
     </message>
 </context>
 <context>
     <name>SearchResultsList</name>
     <message>
         <source>Search Results</source>
-        <translation type="unfinished"></translation>
+        <translation>Suchergebnisse</translation>
     </message>
 </context>
 <context>
     <name>SearchResultsModel</name>
     <message>
         <source>in %1</source>
-        <translation type="unfinished"></translation>
+        <translation>in %1</translation>
     </message>
 </context>
 <context>
     <name>SearchResultsView</name>
     <message>
         <source>Searching folders…</source>
-        <translation type="unfinished"></translation>
+        <translation>Ordner werden durchsucht …</translation>
     </message>
     <message>
         <source>No matching folders</source>
-        <translation type="unfinished"></translation>
+        <translation>Keine passenden Ordner</translation>
     </message>
     <message>
         <source>Try a different search term.</source>
-        <translation type="unfinished"></translation>
+        <translation>Versuchen Sie einen anderen Suchbegriff.</translation>
     </message>
     <message>
         <source>1 font named like “%1”</source>
-        <translation type="unfinished"></translation>
+        <translation>1 Schrift mit „%1“ im Namen</translation>
     </message>
     <message>
         <source>%1 fonts named like “%2”</source>
-        <translation type="unfinished"></translation>
+        <translation>%1 Schriften mit „%2“ im Namen</translation>
     </message>
 </context>
 <context>
     <name>SidebarDelegate</name>
     <message>
         <source>No Sources</source>
-        <translation type="unfinished"></translation>
+        <translation>Keine Quellen</translation>
     </message>
     <message>
         <source>Click the + button to add a font folder.</source>
-        <translation type="unfinished"></translation>
+        <translation>Klicken Sie auf +, um einen Schriftordner hinzuzufügen.</translation>
     </message>
     <message>
         <source>Name</source>
-        <translation type="unfinished"></translation>
+        <translation>Name</translation>
     </message>
 </context>
 <context>
     <name>SidebarList</name>
     <message>
         <source>Collections</source>
-        <translation type="unfinished"></translation>
+        <translation>Sammlungen</translation>
     </message>
     <message>
         <source>Sources</source>
-        <translation type="unfinished"></translation>
+        <translation>Quellen</translation>
     </message>
     <message>
         <source>Add Folder as Source</source>
-        <translation type="unfinished"></translation>
+        <translation>Ordner als Quelle hinzufügen</translation>
     </message>
     <message>
         <source>The fonts come from several folders. Which one should be a source?</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Schriften stammen aus mehreren Ordnern. Welcher soll eine Quelle werden?</translation>
     </message>
 </context>
 <context>
     <name>SidebarModel</name>
     <message numerus="yes">
         <source>%n font(s)</source>
-        <translation type="unfinished">
-            <numerusform></numerusform>
-            <numerusform></numerusform>
-        </translation>
+        <translation>
+            <numerusform>%n Schrift</numerusform><numerusform>%n Schriften</numerusform></translation>
     </message>
     <message numerus="yes">
         <source>%n item(s)</source>
-        <translation type="unfinished">
-            <numerusform></numerusform>
-            <numerusform></numerusform>
-        </translation>
+        <translation>
+            <numerusform>%n Eintrag</numerusform><numerusform>%n Einträge</numerusform></translation>
     </message>
     <message>
         <source>Not available</source>
-        <translation type="unfinished"></translation>
+        <translation>Nicht verfügbar</translation>
     </message>
     <message>
         <source>No Sources</source>
-        <translation type="unfinished"></translation>
+        <translation>Keine Quellen</translation>
     </message>
     <message>
         <source>Click the + button to add a font folder.</source>
-        <translation type="unfinished"></translation>
+        <translation>Klicken Sie auf +, um einen Schriftordner hinzuzufügen.</translation>
     </message>
     <message>
         <source>Source</source>
-        <translation type="unfinished"></translation>
+        <translation>Quelle</translation>
     </message>
     <message>
         <source>Collection</source>
-        <translation type="unfinished"></translation>
+        <translation>Sammlung</translation>
+    </message>
+    <message>
+        <source>active</source>
+        <translation>aktiv</translation>
+    </message>
+    <message>
+        <source>mixed</source>
+        <translation>gemischt</translation>
+    </message>
+    <message>
+        <source>inactive</source>
+        <translation>inaktiv</translation>
     </message>
 </context>
 <context>
     <name>SidebarView</name>
     <message>
         <source>Sidebar</source>
-        <translation type="unfinished"></translation>
+        <translation>Seitenleiste</translation>
     </message>
     <message>
         <source>Library</source>
-        <translation type="unfinished"></translation>
+        <translation>Bibliothek</translation>
     </message>
     <message>
         <source>Sources</source>
-        <translation type="unfinished"></translation>
+        <translation>Quellen</translation>
     </message>
     <message>
         <source>Add a font folder source</source>
-        <translation type="unfinished"></translation>
+        <translation>Einen Schriftordner als Quelle hinzufügen</translation>
     </message>
     <message>
         <source>Collections</source>
-        <translation type="unfinished"></translation>
+        <translation>Sammlungen</translation>
     </message>
     <message>
         <source>New Collection</source>
-        <translation type="unfinished"></translation>
+        <translation>Neue Sammlung</translation>
     </message>
 </context>
 <context>
     <name>SingleColumnView</name>
     <message>
         <source>Column %1</source>
-        <translation type="unfinished"></translation>
+        <translation>Spalte %1</translation>
     </message>
 </context>
 <context>
     <name>ToolbarInputField</name>
     <message>
         <source>Clear</source>
-        <translation type="unfinished"></translation>
+        <translation>Leeren</translation>
     </message>
 </context>
 <context>
     <name>UnavailableSourceView</name>
     <message>
         <source>Try Again</source>
-        <translation type="unfinished"></translation>
+        <translation>Erneut versuchen</translation>
     </message>
     <message>
         <source>Not Available</source>
-        <translation type="unfinished"></translation>
+        <translation>Nicht verfügbar</translation>
     </message>
     <message>
         <source>Its active fonts stay saved and are activated again when the folder is back: connect the drive or share, or make the folder readable.</source>
-        <translation type="unfinished"></translation>
+        <translation>Seine aktiven Schriften bleiben gespeichert und werden wieder aktiviert, sobald der Ordner zurück ist: Schließen Sie das Laufwerk oder die Freigabe an, oder machen Sie den Ordner lesbar.</translation>
     </message>
     <message>
-        <source>Not available — the folder %1 can&apos;t be reached.</source>
-        <translation type="unfinished"></translation>
+        <source>Not available — the folder %1 can't be reached.</source>
+        <translation>Nicht verfügbar – der Ordner %1 ist nicht erreichbar.</translation>
     </message>
 </context>
 <context>
     <name>main</name>
     <message>
         <source>Browse, activate and organise folders of fonts.</source>
-        <translation type="unfinished"></translation>
+        <translation>Ordner voller Schriften durchsehen, aktivieren und ordnen.</translation>
     </message>
     <message>
         <source>Font files to show, or folders to add as sources.</source>
-        <translation type="unfinished"></translation>
+        <translation>Anzuzeigende Schriftdateien oder als Quellen hinzuzufügende Ordner.</translation>
     </message>
 </context>
 </TS>

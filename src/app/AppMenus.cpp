@@ -37,16 +37,16 @@ QAction *addCommand(QMenu *menu, const QString &title, const QList<QKeySequence>
 
 void fillFile(QMenu *file, MainWindow &window)
 {
-    QAction *add = addCommand(file, u"Add Font Folder..."_s, {QKeySequence(u"Ctrl+O"_s)});
+    QAction *add = addCommand(file, MenuText::tr("Add Font Folder..."), {QKeySequence(u"Ctrl+O"_s)});
     QObject::connect(add, &QAction::triggered, &window, &MainWindow::addFolders);
-    QAction *collection = addCommand(file, u"New Collection"_s, {QKeySequence(u"Ctrl+Shift+N"_s)});
+    QAction *collection = addCommand(file, MenuText::tr("New Collection"), {QKeySequence(u"Ctrl+Shift+N"_s)});
     QObject::connect(collection, &QAction::triggered, &window,
                      [&window] { window.state().createCollection(); });
     file->addSeparator();
-    QAction *refresh = addCommand(file, u"Refresh Sources"_s, {QKeySequence(u"Ctrl+R"_s), QKeySequence(Qt::Key_F5)});
+    QAction *refresh = addCommand(file, MenuText::tr("Refresh Sources"), {QKeySequence(u"Ctrl+R"_s), QKeySequence(Qt::Key_F5)});
     QObject::connect(refresh, &QAction::triggered, &window, [&window] { window.state().refreshFileSystem(); });
     file->addSeparator();
-    QAction *quit = addCommand(file, u"Quit"_s, {QKeySequence(u"Ctrl+Q"_s)});
+    QAction *quit = addCommand(file, MenuText::tr("Quit"), {QKeySequence(u"Ctrl+Q"_s)});
     quit->setMenuRole(QAction::NoRole);
     QObject::connect(quit, &QAction::triggered, &window, &QWidget::close);
 }
@@ -57,11 +57,11 @@ namespace AppMenus {
 
 QString aboutText()
 {
-    return u"<p><b>Morvane %1</b></p>"
-           u"<p>A font manager for Linux: browse folders of fonts, activate them for every "
-           u"application, group them into collections.</p>"
-           u"<p>Free software under the GNU General Public License, version 3 or later.</p>"
-           u"<p>Morvane keeps its library in <tt>%2</tt> and the fonts it activates in <tt>%3</tt>.</p>"_s
+    return MenuText::tr("<p><b>Morvane %1</b></p>"
+           "<p>A font manager for Linux: browse folders of fonts, activate them for every "
+           "application, group them into collections.</p>"
+           "<p>Free software under the GNU General Public License, version 3 or later.</p>"
+           "<p>Morvane keeps its library in <tt>%2</tt> and the fonts it activates in <tt>%3</tt>.</p>")
         .arg(QCoreApplication::applicationVersion(), PersistenceService::defaultStorageFolder().toHtmlEscaped(),
              FontActivationService::defaultLinkFolder().toHtmlEscaped());
 }
@@ -69,12 +69,12 @@ QString aboutText()
 void install(MainWindow &window)
 {
     QMenuBar *bar = window.menuBar();
-    fillFile(bar->addMenu(u"&File"_s), window);
-    QMenu *edit = bar->addMenu(u"&Edit"_s);
-    QAction *deactivate = addCommand(edit, u"Deactivate All Fonts"_s, {QKeySequence(u"Ctrl+Shift+D"_s)});
+    fillFile(bar->addMenu(MenuText::tr("&File")), window);
+    QMenu *edit = bar->addMenu(MenuText::tr("&Edit"));
+    QAction *deactivate = addCommand(edit, MenuText::tr("Deactivate All Fonts"), {QKeySequence(u"Ctrl+Shift+D"_s)});
     // Returns at once; the job reports through the window's progress card.
     QObject::connect(deactivate, &QAction::triggered, &window, [&window] { window.state().deactivateAllFonts(); });
-    QMenu *help = bar->addMenu(u"&Help"_s);
+    QMenu *help = bar->addMenu(MenuText::tr("&Help"));
     QAction *about = help->addAction(MenuText::tr("About Morvane"));
     about->setMenuRole(QAction::NoRole);
     QObject::connect(about, &QAction::triggered, &window,

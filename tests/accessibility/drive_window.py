@@ -206,6 +206,38 @@ def main():
         shutil.rmtree(home, ignore_errors=True)
 
 
+def german():
+    """The window started under a German locale speaks German, Qt's own texts included,
+    with German plurals."""
+    home, env = sample_home()
+    env.update(LANG="de_DE.UTF-8", LANGUAGE="de", LC_ALL="de_DE.UTF-8")
+    morvane = subprocess.Popen([sys.argv[1]], env=env)
+    try:
+        app = wait_for(lambda: next((a for a in pyatspi.Registry.getDesktop(0)
+                                     if a is not None and a.name.lower() == "morvane"), None))
+        if not check(app is not None, "Morvane in German does not appear on the accessibility bus"):
+            return
+        field = wait_for(lambda: find(app, pyatspi.ROLE_TEXT, "Suche"))
+        if not check(field is not None, "in German, no text field named Suche"):
+            return
+        check(wait_for(lambda: find(app, pyatspi.ROLE_LIST_ITEM, "Alle Schriften")) is not None,
+              "in German, no Alle Schriften in the sidebar")
+        check(find(app, pyatspi.ROLE_MENU_ITEM, "Neue Sammlung", visible=False) is not None,
+              "in German, no menu item Neue Sammlung")
+        wait_for(lambda: find(app, pyatspi.ROLE_LIST_ITEM, "Noto Sans"))
+        field.queryEditableText().setTextContents("sans")
+        results = wait_for(lambda: find(app, pyatspi.ROLE_LIST, "Suchergebnisse"))
+        hit = wait_for(lambda: find(results, pyatspi.ROLE_LIST_ITEM, "Noto Sans")) if results else None
+        if check(hit is not None, "in German, the hit Noto Sans is not listed under Suchergebnisse"):
+            check((hit.description or "").startswith("inaktiv, 2 Schriften"),
+                  "the German hit does not say inaktiv, 2 Schriften: %r" % hit.description)
+    finally:
+        morvane.terminate()
+        morvane.wait(20)
+        shutil.rmtree(home, ignore_errors=True)
+
+
 main()
+german()
 print("%d failures" % len(failures))
 sys.exit(1 if failures else 0)

@@ -38,4 +38,36 @@ fi
 grep -q '^\.SH SYNOPSIS' "$share/man/man1/morvane.1" || { echo "the man page has no synopsis"; exit 1; }
 summary=$(sed -n 's:.*<summary>\(.*\)</summary>.*:\1:p' "$share/metainfo/$id.metainfo.xml")
 [ ${#summary} -le 35 ] || { echo "the summary is longer than a software centre shows: $summary"; exit 1; }
+meta=$share/metainfo/$id.metainfo.xml
+# What a software centre shows: screenshots with captions, a content rating, releases.
+python3 - "$meta" <<'PY' || exit 1
+import sys, xml.etree.ElementTree as ET
+root = ET.parse(sys.argv[1]).getroot()
+lang = "{http://www.w3.org/XML/1998/namespace}lang"
+shots = root.findall("screenshots/screenshot")
+problems = []
+if not shots:
+    problems.append("no screenshots")
+for shot in shots:
+    if not (shot.findtext("image") or "").startswith("https://"):
+        problems.append("a screenshot without an https image")
+    if not [c for c in shot.findall("caption") if lang not in c.attrib]:
+        problems.append("a screenshot without a caption")
+if root.find("content_rating") is None:
+    problems.append("no content rating")
+if not root.findall("releases/release"):
+    problems.append("no releases")
+if not [s for s in root.findall("summary") if s.get(lang) == "de"]:
+    problems.append("no German summary")
+print("\n".join(problems))
+sys.exit(1 if problems else 0)
+PY
+# German, all the way: the launcher entry, and the compiled texts beside the program.
+grep -q '^Comment\[de\]=' "$entry" || { echo "the entry has no German comment"; exit 1; }
+grep -q '^GenericName\[de\]=' "$entry" || { echo "the entry has no German generic name"; exit 1; }
+for language in de en; do
+  [ -s "$share/morvane/translations/morvane_$language.qm" ] || { echo "morvane_$language.qm is not installed"; exit 1; }
+done
+help=$(LANG=de_DE.UTF-8 LANGUAGE=de QT_QPA_PLATFORM=offscreen "$prefix/bin/morvane" --help)
+case "$help" in *"Ordner voller Schriften"*) ;; *) echo "the installed program's help is not German under LANG=de_DE.UTF-8"; exit 1 ;; esac
 echo "install ok"

@@ -58,8 +58,12 @@ bool SidebarModel::isFavorites(const QString &name)
 
 QString SidebarModel::stateWord(ActivationState state)
 {
-    static const QString kStates[] = {u"inactive"_s, u"active"_s, u"mixed"_s};
-    return kStates[static_cast<int>(state)];
+    switch (state) {
+    case ActivationState::Active: return tr("active");
+    case ActivationState::Mixed: return tr("mixed");
+    default: break;
+    }
+    return tr("inactive");
 }
 
 int SidebarModel::rowCount(const QModelIndex &parent) const
