@@ -3,7 +3,7 @@
 BUILD_DIR ?= build
 JOBS ?= $(shell nproc)
 
-.PHONY: all deps configure build run test bench clean
+.PHONY: all deps configure build run test bench deb clean
 
 all: build
 
@@ -24,6 +24,10 @@ test: build
 
 bench: build
 	$(BUILD_DIR)/bench/morvane_bench
+
+# The Debian package, in $(BUILD_DIR)/deb.
+deb: deps
+	@tools/build-deb.sh $(BUILD_DIR)
 
 clean:
 	rm -rf $(BUILD_DIR)

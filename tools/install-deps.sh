@@ -23,6 +23,8 @@ packages=(
   fonts-dejavu-core fonts-inter-variable python3 python3-fonttools
   # checks of the installed desktop entry and AppStream metainfo
   desktop-file-utils appstream
+  # the Debian package (make deb) and its check
+  debhelper dpkg-dev lintian
   # a screen reader's view of the real window: virtual display, session bus, AT-SPI
   xvfb xauth dbus at-spi2-core python3-pyatspi
 )

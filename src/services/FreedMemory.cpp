@@ -2,6 +2,8 @@
 #include "FreedMemory.h"
 #include "model/SharedPaths.h"
 
+#include <QThreadPool>
+
 #if defined(__GLIBC__)
 #include <malloc.h>
 #endif
@@ -15,6 +17,11 @@ void giveBack()
     // Every arena, not only the main one: the jobs' threads have their own.
     malloc_trim(0);
 #endif
+}
+
+void giveBackSoon()
+{
+    QThreadPool::globalInstance()->start(&giveBack, -1);
 }
 
 } // namespace FreedMemory

@@ -7,6 +7,9 @@
 // hands freed memory back to the system.
 namespace FreedMemory {
 
+// On the calling thread: a job's own thread as it ends.
 void giveBack();
+// On a thread of its own, so the window never waits for it.
+void giveBackSoon();
 
 } // namespace FreedMemory

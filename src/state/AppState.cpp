@@ -134,7 +134,7 @@ void AppState::setIsProcessing(bool processing)
         return;
     m_isProcessing = processing;
     if (!processing)
-        FreedMemory::giveBack(); // a batch's passing lists
+        FreedMemory::giveBackSoon(); // a batch's passing lists
     Q_EMIT isProcessingChanged();
 }
 
@@ -156,7 +156,7 @@ void AppState::setIsIndexing(bool indexing)
         return;
     m_isIndexing = indexing;
     if (!indexing)
-        FreedMemory::giveBack(); // the scan's passing lists
+        FreedMemory::giveBackSoon(); // the scan's passing lists
     Q_EMIT isIndexingChanged();
 }
 

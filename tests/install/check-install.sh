@@ -10,7 +10,7 @@ trap 'rm -rf "$prefix"' EXIT
 cmake --install "$build" --prefix "$prefix" >/dev/null
 share=$prefix/share
 for f in "$prefix/bin/morvane" "$share/applications/$id.desktop" "$share/man/man1/morvane.1" \
-         "$share/icons/hicolor/scalable/apps/$id.svg" "$share/metainfo/$id.metainfo.xml"; do
+         "$share/icons/hicolor/scalable/apps/$id.svg" "$share/icons/hicolor/16x16/apps/$id.svg" "$share/metainfo/$id.metainfo.xml"; do
   [ -e "$f" ] || { echo "not installed: ${f#"$prefix"/}"; exit 1; }
 done
 entry=$share/applications/$id.desktop
