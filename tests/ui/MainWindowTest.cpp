@@ -661,3 +661,39 @@ TEST(MainWindow, OpensFontFilesAndOffersFoldersAsSources)
     EXPECT_TRUE(window->state().notice().contains(u"2 items can't be opened"_s)) << window->state().notice().toStdString();
     EXPECT_EQ(window->state().noticeDetails(), (QStringList{notes, elsewhere + u"/gone.ttf"_s}));
 }
+
+// The page of an opened font in a dark palette: its name and where it lives are light on
+// dark, at 4.5:1 at least.
+TEST(MainWindowLooks, AnOpenedFontsPageReadsInADarkPalette)
+{
+    auto window = openWindow();
+    const QString elsewhere = TestSupport::makeDir(TestSupport::testRoot() + u"/Downloads"_s);
+    const QString font = elsewhere + u"/Plain.ttf"_s;
+    ASSERT_TRUE(QFile::copy(QStringLiteral(MORVANE_TEST_FONTS "/Plain.ttf"), font));
+    QPalette dark = window->palette();
+    dark.setColor(QPalette::Window, QColor(40, 40, 40));
+    dark.setColor(QPalette::Base, QColor(30, 30, 30));
+    dark.setColor(QPalette::WindowText, QColor(235, 235, 235));
+    dark.setColor(QPalette::Text, QColor(235, 235, 235));
+    window->setPalette(dark);
+    window->openPaths({font});
+    auto *page = qobject_cast<OpenedFontView *>(window->detail());
+    ASSERT_TRUE(page);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !page->preview()->isLoading(); }));
+    const QImage shot = window->grab().toImage();
+    if (qEnvironmentVariableIsSet("MORVANE_SAVE_SHOTS"))
+        shot.save(qEnvironmentVariable("MORVANE_SAVE_SHOTS") + u"/opened-dark.png"_s);
+    for (const QLabel *label : page->findChildren<QLabel *>()) {
+        if (label->text() != u"Plain.ttf"_s && !label->text().startsWith(u"In "_s))
+            continue;
+        const QRect area(label->mapTo(window.get(), QPoint(0, 0)), label->size());
+        const QColor background = shot.pixelColor(area.topLeft());
+        double best = 1;
+        for (int y = area.top(); y <= area.bottom(); ++y) {
+            for (int x = area.left(); x <= area.right(); ++x)
+                best = std::max(best, Symbols::contrast(shot.pixelColor(x, y), background));
+        }
+        EXPECT_LT(background.lightness(), 80) << label->text().toStdString() << " is not on a dark background";
+        EXPECT_GE(best, 4.5) << label->text().toStdString();
+    }
+}
