@@ -173,16 +173,16 @@ FontActivationService::FolderEntries FontActivationService::readFolder(const QSt
 
 void FontActivationService::indexLinks(const QString &folder, const FolderEntries &entries, QSet<QString> &duplicateShards)
 {
+    const int folderId = entries.linkNames.isEmpty() ? -1 : m_links.folderId(folder);
     for (qsizetype i = 0; i < entries.linkNames.size(); ++i) {
-        const QString link = folder + u'/' + entries.linkNames[i];
         const QString font = SharedPaths::share(entries.targets[i]);
         if (m_links.containsFont(font)) {
             // Linked twice (a crash mid-batch): fontconfig would list it twice.
-            ::unlink(encoded(link).constData());
+            ::unlink(encoded(folder + u'/' + entries.linkNames[i]).constData());
             duplicateShards.insert(folder);
             continue;
         }
-        m_links.insert(font, link);
+        m_links.insert(font, folderId, entries.linkNames[i]);
         ++m_shardSize[folder];
     }
     if (!entries.linkNames.isEmpty())

@@ -23,10 +23,14 @@ LinkIndex::Key LinkIndex::keyOf(const QString &link) const
 void LinkIndex::insert(const QString &font, const QString &link)
 {
     const qsizetype slash = link.lastIndexOf(u'/');
+    insert(font, folderId(link.left(slash)), link.mid(slash + 1));
+}
+
+void LinkIndex::insert(const QString &font, int folderId, const QString &name)
+{
     removeFont(font); // one link per font
-    const Key key{folderId(link.left(slash)), link.mid(slash + 1)};
-    m_byLink.insert(key, font);
-    m_byFont.insert(font, Entry{key.folder, key.name});
+    m_byLink.insert(Key{folderId, name}, font);
+    m_byFont.insert(font, Entry{folderId, name});
 }
 
 QString LinkIndex::linkOf(const QString &font) const

@@ -16,6 +16,10 @@ class LinkIndex
 {
 public:
     void insert(const QString &font, const QString &link);
+    // The same for a link `name` in the folder `folderId` names (a start reads every link,
+    // folder by folder).
+    void insert(const QString &font, int folderId, const QString &name);
+    int folderId(const QString &folder);
     bool containsFont(const QString &font) const { return m_byFont.contains(font); }
     bool containsLink(const QString &link) const { return m_byLink.contains(keyOf(link)); }
     // Empty when the font has no link.
@@ -62,7 +66,6 @@ private:
         friend size_t qHash(const Key &key, size_t seed = 0) { return qHashMulti(seed, key.folder, key.name); }
     };
     Key keyOf(const QString &link) const;
-    int folderId(const QString &folder);
 
     QStringList m_folders;            // by id; kept when emptied, a folder comes back often
     QHash<QString, int> m_folderIds;

@@ -405,7 +405,7 @@ private:
     bool m_hasLoaded = false;
     bool m_isProcessingStalled = false;
     QTimer m_stallTimer;           // runs while a batch job runs without progress
-    std::shared_ptr<QPromise<bool>> m_batchJobOutcome; // the job in flight ended (true) or was given up on
+    std::shared_ptr<struct BatchJobOutcome> m_batchJobOutcome; // the job in flight ended, or was given up on
     QSet<QString> m_waitingActivations;
     QStringList m_batchSystemFailures; // of the last batch
     bool m_stopBatch = false;           // asked to stop after the chunk in flight

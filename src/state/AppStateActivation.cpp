@@ -8,12 +8,13 @@
 
 #include <QElapsedTimer>
 #include <QCoroFuture>
-#include <QFutureWatcher>
 #include <QDateTime>
 #include <QDir>
 #include <QLocale>
 #include <QPointer>
 #include <QtConcurrent/qtconcurrenttask.h>
+
+#include <atomic>
 
 using namespace Qt::StringLiterals;
 
@@ -109,14 +110,22 @@ void AppState::saveActivatedFonts()
         m_persistenceService.saveActivatedFonts(m_activatedFonts + m_waitingActivations);
 }
 
+// How the wait for a batch's job ends: the job's end (on its thread) and cancelBatch()
+// (on ours) may race, and only the first counts.
+struct BatchJobOutcome
+{
+    std::atomic_bool settled{false};
+    QPromise<bool> finished; // true: the job ended; false: given up on
+};
+
 namespace {
 
-void settle(QPromise<bool> &outcome, bool finished)
+void settle(BatchJobOutcome &outcome, bool finished)
 {
-    if (outcome.future().isFinished())
+    if (outcome.settled.exchange(true))
         return;
-    outcome.addResult(finished);
-    outcome.finish();
+    outcome.finished.addResult(finished);
+    outcome.finished.finish();
 }
 
 } // namespace
@@ -139,18 +148,12 @@ QCoro::Task<std::optional<QStringList>> AppState::awaitBatchJob(QFuture<QStringL
     // Whichever comes first, the job's end or cancelBatch() giving up on it. A promise
     // of our own per job rather than QtFuture::whenAny: that left a context alive for
     // every chunk of a batch (12,500 for 100,000 fonts).
-    const auto outcome = std::make_shared<QPromise<bool>>();
-    outcome->start();
+    const auto outcome = std::make_shared<BatchJobOutcome>();
+    outcome->finished.start();
     m_batchJobOutcome = outcome;
-    auto *watcher = new QFutureWatcher<QStringList>(this);
-    connect(watcher, &QFutureWatcherBase::finished, this, [watcher, outcome] {
-        watcher->deleteLater();
-        settle(*outcome, true);
-    });
-    // The store going first: the wait ends, and finds the store gone.
-    connect(watcher, &QObject::destroyed, [outcome] { settle(*outcome, false); });
-    watcher->setFuture(job);
-    const bool finished = co_await outcome->future();
+    // Settled where the job ends; the continuation goes with the job.
+    job.then(QtFuture::Launch::Sync, [outcome](const QFuture<QStringList> &) { settle(*outcome, true); });
+    const bool finished = co_await outcome->finished.future();
     if (!self)
         co_return std::nullopt;
     m_batchJobOutcome.reset();

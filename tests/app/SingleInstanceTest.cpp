@@ -142,12 +142,11 @@ TEST(SingleInstance, ASecondStartHandsOverToTheRunningCopy)
     EXPECT_EQ(next.process->state(), QProcess::Running);
 }
 
-// The restore at start-up is a batch of every saved font. Killed in its middle, the
-// next start must still end with every saved font active, each linked once, listed
-// by fontconfig, and no cache left locked.
-TEST(SingleInstance, AKillInTheMiddleOfABatchLosesNothing)
+namespace {
+
+// 4,000 fonts in 40 folders of 100 (links to real fonts).
+QStringList makeLibrary(const QString &library)
 {
-    const QString library = makeDir(testRoot() + u"/Library"_s);
     const QStringList faces{u"/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf"_s,
                             u"/usr/share/fonts/truetype/dejavu/DejaVuSerif.ttf"_s, kFonts + u"/Plain.ttf"_s};
     QStringList fonts;
@@ -157,24 +156,32 @@ TEST(SingleInstance, AKillInTheMiddleOfABatchLosesNothing)
         makeSymlink(faces[i % faces.size()], font);
         fonts.append(font);
     }
+    return fonts;
+}
+
+// The restore at start-up is a batch of every saved font. Killed in its middle, the
+// next start must still end with every saved font active, each linked once, listed
+// by fontconfig, and no cache left locked. Returns the links there were at the kill.
+QStringList killTheRestoreAndStartAgain(const QStringList &fonts)
+{
     const QString saved = writeFile(storage() + u"/activated_fonts.json"_s, pathsJson(fonts));
     const QByteArray savedBytes = readFile(saved);
-
+    QStringList linkedAtKill;
     {
         Morvane first;
-        ASSERT_TRUE(QTest::qWaitFor([] { return !ourLinks().isEmpty(); }, 60'000));
+        EXPECT_TRUE(QTest::qWaitFor([] { return !ourLinks().isEmpty(); }, 60'000));
         ::kill(static_cast<pid_t>(first.pid()), SIGSTOP); // frozen where it is, then killed there
-        const qsizetype linkedAtKill = ourLinks().size();
+        linkedAtKill = ourLinks();
         ::kill(static_cast<pid_t>(first.pid()), SIGKILL);
-        ASSERT_TRUE(first.process->waitForFinished(10'000));
-        ASSERT_LT(linkedAtKill, fonts.size()) << "the batch ended before it could be killed";
+        EXPECT_TRUE(first.process->waitForFinished(10'000));
+        EXPECT_LT(linkedAtKill.size(), fonts.size()) << "the batch ended before it could be killed";
     }
     EXPECT_EQ(readFile(saved), savedBytes); // the saved set never shrinks mid-batch
 
     const QDateTime before = modified(saved);
     Morvane next;
     // The restore ends by saving the set it restored.
-    ASSERT_TRUE(QTest::qWaitFor([&] { return modified(saved) != before; }, 120'000));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return modified(saved) != before; }, 120'000));
     EXPECT_EQ(next.terminate(), 0);
 
     const QStringList links = ourLinks();
@@ -188,6 +195,41 @@ TEST(SingleInstance, AKillInTheMiddleOfABatchLosesNothing)
     const QString caches = QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation) + u"/fontconfig"_s;
     EXPECT_EQ(QDir(caches).entryList({u"*.LCK"_s, u"*.NEW"_s, u"*.TMP-*"_s}, QDir::Files | QDir::Hidden), QStringList());
     EXPECT_FALSE(QFileInfo::exists(QDir::homePath() + u"/.fontconfig"_s));
+    return linkedAtKill;
+}
+
+} // namespace
+
+// Fonts outside any source: linked font by font.
+TEST(SingleInstance, AKillInTheMiddleOfABatchLosesNothing)
+{
+    killTheRestoreAndStartAgain(makeLibrary(makeDir(testRoot() + u"/Library"_s)));
+}
+
+// The library is a source whose folders a first start made ready: the restore moves
+// whole groups in, and is killed while it does.
+TEST(SingleInstance, AKillWhileWholeFoldersMoveInLosesNothing)
+{
+    const QString library = makeDir(testRoot() + u"/Library"_s);
+    const QStringList fonts = makeLibrary(library);
+    writeFile(storage() + u"/sources.json"_s,
+              "[{\"id\":\"2B7F0C1E-5A8D-4C3B-9E21-7D6A4F0B9C11\",\"name\":\"Library\",\"path\":\"" + library.toUtf8() + "\"}]");
+    const QString staged = linkFolder().section(u'/', 0, -2) + u"/.Morvan/g"_s;
+    const auto groupsReady = [&] {
+        qsizetype groups = 0;
+        for (const QString &bucket : QDir(staged).entryList(QDir::Dirs | QDir::NoDotAndDotDot))
+            groups += QDir(staged + u'/' + bucket).entryList(QDir::Dirs | QDir::NoDotAndDotDot).size();
+        return groups == 40 && QDir(staged.chopped(2) + u"/building"_s).isEmpty();
+    };
+    {
+        Morvane first; // nothing active: it scans, catalogues and makes the 40 folders ready
+        ASSERT_TRUE(QTest::qWaitFor(groupsReady, 120'000));
+        EXPECT_EQ(first.terminate(), 0);
+    }
+    const QStringList linkedAtKill = killTheRestoreAndStartAgain(fonts);
+    EXPECT_TRUE(std::any_of(linkedAtKill.cbegin(), linkedAtKill.cend(),
+                            [](const QString &link) { return link.startsWith(linkFolder() + u"/g/"_s); }))
+        << "no whole folder had moved in when the restore was killed";
 }
 
 // A second start with files hands them, made absolute, to the running copy with the
