@@ -100,6 +100,7 @@ void FontActivationService::loadGroups()
     // A group whose making was cut short has no cache to trust: made again later.
     const QString building = m_stagingFolder + u"/building"_s;
     for (const QString &id : QDir(building).entryList(QDir::Files)) {
+        m_cutShortGroups.append(stagedGroupPath(id)); // its cache may be left locked
         QDir(stagedGroupPath(id)).removeRecursively();
         QFile::remove(building + u'/' + id);
     }

@@ -603,9 +603,24 @@ void FontActivationService::removeActivationsExcept(const QSet<QString> &keep)
 
 void FontActivationService::removeStaleCacheLocks()
 {
-    QStringList ours{m_linkFolder};
+    // Every folder of ours fontconfig may have been writing a cache for: links, shards,
+    // the groups' folder and its buckets, and each group live or staged (one whose making
+    // was cut short included).
+    QStringList ours{m_linkFolder, groupsFolder()};
     ours.append(m_shardSize.keys());
     ours.append(m_tops);
+    for (int digit = 0; digit < 16; ++digit)
+        ours.append(groupsFolder() + u'/' + QString::number(digit, 16));
+    for (auto it = m_groups.cbegin(); it != m_groups.cend(); ++it)
+        ours.append(liveGroupPath(it.key()));
+    if (!m_stagingFolder.isEmpty()) {
+        ours.append(m_stagingFolder + u"/g"_s);
+        for (int digit = 0; digit < 16; ++digit)
+            ours.append(m_stagingFolder + u"/g/"_s + QString::number(digit, 16));
+        for (auto it = m_groups.cbegin(); it != m_groups.cend(); ++it)
+            ours.append(stagedGroupPath(it.key()));
+    }
+    ours.append(std::exchange(m_cutShortGroups, {}));
     m_fontconfig.removeStaleLocks(ours);
 }
 

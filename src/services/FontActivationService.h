@@ -184,4 +184,5 @@ private:
     QHash<QString, QSet<QString>> m_askedIn;  // group -> its fonts asked for in this batch
     QHash<QString, QSet<QString>> m_askedOut; // group -> its fonts asked off in this batch
     QSet<QString> m_noNewLinks;           // top folders and live groups: placement skips them
+    QStringList m_cutShortGroups;         // staged folders whose making a kill cut short
 };

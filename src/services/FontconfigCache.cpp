@@ -128,7 +128,8 @@ void FontconfigCache::removeStaleLocks(const QStringList &folders)
     while (FcChar8 *dir = FcStrListNext(dirs)) {
         const QString cacheFolder = QFile::decodeName(reinterpret_cast<const char *>(dir));
         for (const QString &name : QDir(cacheFolder).entryList(QDir::Files | QDir::Hidden)) {
-            const bool leftover = name.endsWith(u".LCK"_s) || name.endsWith(u".NEW"_s) || name.contains(u".TMP-"_s);
+            const bool leftover = name.endsWith(u".LCK"_s) || name.endsWith(u".NEW"_s) || name.contains(u".TMP-"_s)
+                                  || name.endsWith(u".morvane-new"_s); // our own, from stage()
             if (leftover && ours.contains(name.section(u'-', 0, 0)))
                 QFile::remove(cacheFolder + u'/' + name);
         }

@@ -9,7 +9,9 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QCryptographicHash>
 #include <QProcess>
+#include <QStandardPaths>
 
 #include <gtest/gtest.h>
 
@@ -193,4 +195,47 @@ TEST_F(Groups, AKillInTheMiddleLeavesLinksAndFontconfigAgreeing)
     next.removeActivationsExcept(QSet<QString>(fonts.cbegin(), fonts.cbegin() + 4)); // what was saved
     EXPECT_EQ(fontsListedByFontconfig(next.linkFolder()), QSet<QString>(fonts.cbegin(), fonts.cbegin() + 4));
     EXPECT_EQ(recorded(next), QSet<QString>(fonts.cbegin(), fonts.cbegin() + 4));
+}
+
+// A kill while fontconfig or Morvane wrote a group's cache leaves lock and temporary files
+// that would stop that cache from ever being written again: the next start removes them,
+// for live and staged groups, their buckets and a group whose making was cut short, and
+// leaves other programs' alone.
+TEST_F(Groups, CacheLocksAKillLeftOnGroupsGoAtTheNextStart)
+{
+    QStringList ours;
+    QString caches;
+    {
+        FontActivationService service;
+        service.prepareActivation({fonts}, never);
+        inBatch(service, fonts.mid(0, G), true); // one group live, the others staged
+        const QStringList live = liveGroups(service);
+        ASSERT_EQ(live.size(), 1);
+        ours << live.first() << live.first().section(u'/', 0, -2) << service.linkFolder() + u"/g"_s;
+        const QString staged = service.stagingFolder() + u"/g"_s;
+        for (const QString &bucket : QDir(staged).entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
+            ours << staged + u'/' + bucket;
+            for (const QString &group : QDir(staged + u'/' + bucket).entryList(QDir::Dirs | QDir::NoDotAndDotDot))
+                ours << staged + u'/' + bucket + u'/' + group;
+        }
+        // A group being made when the kill came: its marker, and no folder yet.
+        const QString cutShort = service.stagingFolder() + u"/g/0/0123456789abcdef-9"_s;
+        writeFile(service.stagingFolder() + u"/building/0123456789abcdef-9"_s, "");
+        ours << cutShort;
+        caches = QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation) + u"/fontconfig"_s;
+    }
+    QStringList left;
+    for (const QString &folderOfOurs : ours) {
+        const QString md5 = QString::fromLatin1(QCryptographicHash::hash(QFile::encodeName(folderOfOurs), QCryptographicHash::Md5).toHex());
+        for (const QString &suffix : {u".LCK"_s, u".NEW"_s, u".TMP-Zx81Qa"_s, u".morvane-new"_s})
+            left << writeFile(caches + u'/' + md5 + u"-le64.cache-8"_s + suffix, "stale");
+    }
+    const QString foreign = writeFile(caches + u"/0123456789abcdef0123456789abcdef-le64.cache-8.LCK"_s, "theirs");
+
+    FontActivationService next;
+    next.repairActivations();
+    for (const QString &file : left)
+        EXPECT_FALSE(QFileInfo::exists(file)) << file.toStdString();
+    EXPECT_TRUE(QFileInfo::exists(foreign));
+    EXPECT_EQ(fontsListedByFontconfig(next.linkFolder()), QSet<QString>(fonts.cbegin(), fonts.cbegin() + G));
 }
