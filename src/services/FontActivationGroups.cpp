@@ -4,6 +4,7 @@
 // group will have once live; activating a whole group renames it in, deactivating one
 // renames it back out, and nobody scans a font at the switch.
 #include "FontActivationService.h"
+#include "model/SharedPaths.h"
 
 #include <QCryptographicHash>
 #include <QDir>
@@ -118,7 +119,7 @@ void FontActivationService::loadGroups()
             QStringList fonts;
             fonts.reserve(entries.targets.size());
             for (const QString &font : entries.targets) {
-                fonts.append(m_links.sharedFont(font));
+                fonts.append(SharedPaths::share(font)); // the links' and the catalogue's copy
                 m_groupOfFont.insert(fonts.last(), id);
             }
             m_groups.insert(id, Group{.fonts = fonts, .staged = entries.changed, .ready = true});

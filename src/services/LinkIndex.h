@@ -30,13 +30,6 @@ public:
     QString takeLink(const QString &link);
     // Forgets the font's link.
     void removeFont(const QString &font);
-    // The index's own copy of the path when the font has a link, so that lists kept
-    // beside the index hold each path once; otherwise `font` itself.
-    QString sharedFont(const QString &font) const
-    {
-        const auto found = m_byFont.constFind(font);
-        return found == m_byFont.cend() ? font : found.key();
-    }
     qsizetype size() const { return m_byFont.size(); }
     QSet<QString> fonts() const;
     // Link path to font path: built whole, for callers that need a copy.

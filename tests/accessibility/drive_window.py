@@ -7,6 +7,7 @@ search hits and a menu command all work without a mouse.
 Run inside a virtual display and a private D-Bus session (see run_drive_window.sh).
 Usage: drive_window.py MORVANE_BINARY
 """
+import contextlib
 import os
 import shutil
 import subprocess
@@ -147,14 +148,25 @@ def states_and_values(app):
               % (value.currentValue, value.minimumValue, value.maximumValue))
 
 
+@contextlib.contextmanager
+def running(home, env):
+    """Morvane started in `home`; yields its application on the accessibility bus (None if it
+    never appears), and stops it and removes the home at the end."""
+    morvane = subprocess.Popen([sys.argv[1]], env=env)
+    try:
+        yield wait_for(lambda: next((a for a in pyatspi.Registry.getDesktop(0)
+                                     if a is not None and a.name.lower() == "morvane"), None))
+    finally:
+        morvane.terminate()
+        morvane.wait(20)
+        shutil.rmtree(home, ignore_errors=True)
+
+
 def main():
     home, env = sample_home()
     # The registry answers before Morvane starts, so Morvane finds it ready to register with.
     wait_for(lambda: pyatspi.Registry.getDesktop(0).childCount >= 0)
-    morvane = subprocess.Popen([sys.argv[1]], env=env)
-    try:
-        app = wait_for(lambda: next((a for a in pyatspi.Registry.getDesktop(0)
-                                     if a is not None and a.name.lower() == "morvane"), None))
+    with running(home, env) as app:
         if not check(app is not None, "Morvane does not appear on the accessibility bus"):
             return
         field = wait_for(lambda: find(app, pyatspi.ROLE_TEXT, "Search"))
@@ -200,21 +212,13 @@ def main():
             command.queryAction().doAction(0)
             check(wait_for(lambda: find(app, pyatspi.ROLE_LIST_ITEM, "New Collection")),
                   "New Collection from the menu shows no new collection")
-    finally:
-        morvane.terminate()
-        morvane.wait(20)
-        shutil.rmtree(home, ignore_errors=True)
 
 
 def german():
-    """The window started under a German locale speaks German, Qt's own texts included,
-    with German plurals."""
+    """The window started under a German locale speaks German, with German plurals."""
     home, env = sample_home()
     env.update(LANG="de_DE.UTF-8", LANGUAGE="de", LC_ALL="de_DE.UTF-8")
-    morvane = subprocess.Popen([sys.argv[1]], env=env)
-    try:
-        app = wait_for(lambda: next((a for a in pyatspi.Registry.getDesktop(0)
-                                     if a is not None and a.name.lower() == "morvane"), None))
+    with running(home, env) as app:
         if not check(app is not None, "Morvane in German does not appear on the accessibility bus"):
             return
         field = wait_for(lambda: find(app, pyatspi.ROLE_TEXT, "Suche"))
@@ -231,10 +235,6 @@ def german():
         if check(hit is not None, "in German, the hit Noto Sans is not listed under Suchergebnisse"):
             check((hit.description or "").startswith("inaktiv, 2 Schriften"),
                   "the German hit does not say inaktiv, 2 Schriften: %r" % hit.description)
-    finally:
-        morvane.terminate()
-        morvane.wait(20)
-        shutil.rmtree(home, ignore_errors=True)
 
 
 main()
