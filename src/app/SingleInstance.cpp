@@ -132,13 +132,23 @@ void SingleInstance::listen()
                     } else if (line.startsWith("token ") && line.endsWith('\n')) {
                         *token = QString::fromUtf8(QByteArray::fromPercentEncoding(line.mid(6).chopped(1)));
                     } else {
-                        if (line == kShow.toByteArray()) {
-                            if (!paths->isEmpty())
-                                Q_EMIT openRequested(*paths);
-                            Q_EMIT showRequested(*token);
+                        const bool show = line == kShow.toByteArray();
+                        // Acknowledged at once, acted on later: what the window does with
+                        // the request (a question with an event loop of its own) must not
+                        // run inside this socket's handler, which may be gone by its end.
+                        if (show)
                             socket->write(kShown.data(), kShown.size());
-                        }
                         socket->disconnectFromServer();
+                        if (show) {
+                            QMetaObject::invokeMethod(
+                                this,
+                                [this, handed = *paths, desktopToken = *token] {
+                                    if (!handed.isEmpty())
+                                        Q_EMIT openRequested(handed);
+                                    Q_EMIT showRequested(desktopToken);
+                                },
+                                Qt::QueuedConnection);
+                        }
                         return;
                     }
                 }

@@ -12,6 +12,7 @@
 #include <QDir>
 #include <QDirIterator>
 #include <QElapsedTimer>
+#include <QEventLoop>
 #include <QFile>
 #include <QFileInfo>
 #include <QProcess>
@@ -286,4 +287,35 @@ TEST(SingleInstance, ASecondStartHandsItsFilesToTheRunningCopy)
         EXPECT_TRUE(QString::fromUtf8(asked.readAllStandardOutput()).contains(a.says)) << a.option.toStdString();
     }
     EXPECT_EQ(shown.count(), 1) << "neither reached the running copy";
+}
+
+// The window may ask a question (an event loop of its own) about what a second start
+// handed over. The second start is answered before that, not after its patience ran
+// out, and the question's answer comes once the socket is long gone.
+TEST(SingleInstance, AHandoverIsAnsweredBeforeTheWindowAsksAnything)
+{
+    SingleInstance running(storage());
+    ASSERT_EQ(running.start(), SingleInstance::Outcome::Owner);
+    const QString folder = makeDir(testRoot() + u"/Downloads/Fonts to add"_s);
+    QProcess second;
+    bool secondEndedDuringQuestion = false;
+    QStringList asked;
+    QObject::connect(&running, &SingleInstance::openRequested, &running, [&](const QStringList &paths) {
+        asked = paths;
+        // "Add … as a source?" stays open until the second start has ended.
+        QEventLoop question;
+        QObject::connect(&second, &QProcess::finished, &question, &QEventLoop::quit);
+        if (second.state() != QProcess::NotRunning)
+            question.exec();
+        secondEndedDuringQuestion = second.state() == QProcess::NotRunning;
+    });
+    QSignalSpy shown(&running, &SingleInstance::showRequested);
+    second.start(kMorvane, {folder});
+    ASSERT_TRUE(second.waitForStarted(10'000));
+    ASSERT_TRUE(shown.wait(30'000));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return second.state() == QProcess::NotRunning; }, 30'000));
+    EXPECT_TRUE(secondEndedDuringQuestion);
+    EXPECT_EQ(asked, QStringList{folder});
+    EXPECT_EQ(second.exitCode(), 0) << second.readAllStandardOutput().toStdString();
+    EXPECT_TRUE(QString::fromUtf8(second.readAllStandardOutput()).contains(u"brought to the front"_s));
 }
