@@ -5,10 +5,8 @@
 #include "services/FreedMemory.h"
 
 #include <QDir>
-#include <QElapsedTimer>
 #include <QFileInfo>
 #include <QLocale>
-#include <QThread>
 #include <QThreadPool>
 
 namespace {
@@ -58,21 +56,14 @@ AppState::~AppState()
     m_libraryCancellation.cancel();
     m_searchCancellation.cancel();
     m_catalogueCancellation.cancel();
-    m_runningJob.waitForFinished();
+    m_jobs.waitForAll();
     for (QFuture<void> &job : m_catalogueJobs)
         job.waitForFinished(); // each stops after the chunk in hand
 }
 
 bool AppState::waitForBackgroundWork(int msecs)
 {
-    QElapsedTimer waited;
-    waited.start();
-    while (!m_runningJob.isFinished()) {
-        if (waited.elapsed() >= msecs)
-            return false;
-        QThread::msleep(10);
-    }
-    return true;
+    return m_jobs.waitForAll(msecs);
 }
 
 void AppState::setNotice(const QString &notice, const QStringList &details)
@@ -98,6 +89,7 @@ void AppState::setWaitingActivations(QSet<QString> waiting)
         return;
     m_waitingActivations = std::move(waiting);
     Q_EMIT waitingActivationsChanged();
+    updateUnavailableSources();
 }
 
 void AppState::setActivatedFonts(QSet<QString> fonts)

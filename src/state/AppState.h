@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "ActivationBatch.h"
 #include "discovery/FileSystemService.h"
 #include "model/ActivationState.h"
 #include "model/CollectionRecords.h"
@@ -106,11 +107,12 @@ public:
     ActivationState collectionActivationState(const FontCollection &collection);
     // Asynchronous: ignored while a batch runs or the library is indexed; save when done.
     QCoro::Task<> toggleActivation(FontNode node);
+    // The road for every other set of fonts a view switches (a family, a selection, a
+    // document's fonts): the same guard, the same batch, the same save.
+    QCoro::Task<> setActivation(QList<FontNode> fonts, bool activate);
     QCoro::Task<> toggleCollectionActivation(FontCollection collection);
     // Every active font, in the sources or not (collection folders outside them too).
     QCoro::Task<> deactivateAllFonts();
-    // The one worker behind them all: chunks of 8, one background job each, in turn.
-    QCoro::Task<> batchProcess(QList<FontNode> fonts, bool activate, QString label);
     // A batch whose job has made no progress for a while (a file system that stopped
     // answering): the window says so and offers to stop waiting.
     bool isProcessingStalled() const { return m_isProcessingStalled; }
@@ -121,8 +123,8 @@ public:
     // unreadable (a drive not mounted), their file can't be reached, or our font folder
     // can't be written. They stay in the saved list and are made once that is fixed.
     const QSet<QString> &waitingActivations() const { return m_waitingActivations; }
-    // Waits, without an event loop, up to `msecs` for the running background job; false
-    // when it is still running (stuck in the kernel).
+    // Waits, without an event loop, up to `msecs` for every background job the store
+    // started; false when one is still running (stuck in the kernel).
     bool waitForBackgroundWork(int msecs);
     void setStallTimeoutForTesting(int msecs) { m_stallTimer.setInterval(msecs); }
 
@@ -306,7 +308,10 @@ private:
     // Activates saved fonts again ("Restoring"); those that fail for a reason not their
     // own go on waiting.
     QCoro::Task<> reactivate(QList<FontNode> fonts);
-    QCoro::Task<std::optional<QStringList>> awaitBatchJob(QFuture<QStringList> job);
+    // The one worker behind every activation: chunks of 8, one background job each, in
+    // turn. Never called from a view: they go through the guarded, saving entry points.
+    QCoro::Task<BatchResult> batchProcess(QList<FontNode> fonts, bool activate, QString label);
+    QCoro::Task<std::optional<QStringList>> awaitBatchJob(std::shared_ptr<ActivationBatch> batch, QFuture<QStringList> job);
     void setIsProcessingStalled(bool stalled);
     void setWaitingActivations(QSet<QString> waiting);
     void reportSystemFailures(const QStringList &failed, const QString &reason);
@@ -405,19 +410,18 @@ private:
     bool m_hasLoaded = false;
     bool m_isProcessingStalled = false;
     QTimer m_stallTimer;           // runs while a batch job runs without progress
-    std::shared_ptr<struct BatchJobOutcome> m_batchJobOutcome; // the job in flight ended, or was given up on
+    std::shared_ptr<ActivationBatch> m_batch; // the running batch's own state; none when idle
     QSet<QString> m_waitingActivations;
-    QStringList m_batchSystemFailures; // of the last batch
-    bool m_stopBatch = false;           // asked to stop after the chunk in flight
-    QStringList m_batchUntouched;       // what the last batch, stopped, never reached
     QSet<QUuid> m_unavailableSources;
+    QSet<QUuid> m_unreachableSources; // the last scan's: their folder could not be listed
+    void updateUnavailableSources();
     QString m_notice;
     QStringList m_noticeDetails;
     // Saving
     QTimer m_saveRetry; // while a save fails, tries again every few seconds
     QString m_saveFailure;
     QMap<QString, QString> m_saveFailures; // file name -> why its latest save failed
-    QFuture<void> m_runningJob;             // the background job a batch awaits
+    BackgroundJobs m_jobs; // batches' and restores' jobs, which hold the activation service
     // Collection memos, emptied wholesale, never patched
     QHash<QUuid, QList<FontNode>> m_collectionFontsCache;
     QHash<QUuid, ActiveCount> m_collectionStateCache;

@@ -110,58 +110,25 @@ void AppState::saveActivatedFonts()
         m_persistenceService.saveActivatedFonts(m_activatedFonts + m_waitingActivations);
 }
 
-// How the wait for a batch's job ends: the job's end (on its thread) and cancelBatch()
-// (on ours) may race, and only the first counts.
-struct BatchJobOutcome
-{
-    std::atomic_bool settled{false};
-    QPromise<bool> finished; // true: the job ended; false: given up on
-};
-
-namespace {
-
-void settle(BatchJobOutcome &outcome, bool finished)
-{
-    if (outcome.settled.exchange(true))
-        return;
-    outcome.finished.addResult(finished);
-    outcome.finished.finish();
-}
-
-} // namespace
-
 void AppState::cancelBatch()
 {
-    if (!m_isProcessing)
+    if (!m_isProcessing || !m_batch)
         return;
-    if (m_isProcessingStalled && m_batchJobOutcome)
-        settle(*m_batchJobOutcome, false); // nothing answers: stop waiting now
-    else
-        m_stopBatch = true; // a chunk half done would leave fontconfig behind
+    if (!(m_isProcessingStalled && m_batch->giveUp())) // nothing answers: stop waiting now
+        m_batch->requestStop();
 }
 
-QCoro::Task<std::optional<QStringList>> AppState::awaitBatchJob(QFuture<QStringList> job)
+QCoro::Task<std::optional<QStringList>> AppState::awaitBatchJob(std::shared_ptr<ActivationBatch> batch,
+                                                                 QFuture<QStringList> job)
 {
     QPointer<AppState> self(this);
-    m_runningJob = QFuture<void>(job);
     m_stallTimer.start();
-    // Whichever comes first, the job's end or cancelBatch() giving up on it. A promise
-    // of our own per job rather than QtFuture::whenAny: that left a context alive for
-    // every chunk of a batch (12,500 for 100,000 fonts).
-    const auto outcome = std::make_shared<BatchJobOutcome>();
-    outcome->finished.start();
-    m_batchJobOutcome = outcome;
-    // Settled where the job ends; the continuation goes with the job.
-    job.then(QtFuture::Launch::Sync, [outcome](const QFuture<QStringList> &) { settle(*outcome, true); });
-    const bool finished = co_await outcome->finished.future();
+    std::optional<QStringList> result = co_await batch->await(job);
     if (!self)
         co_return std::nullopt;
-    m_batchJobOutcome.reset();
     m_stallTimer.stop();
     setIsProcessingStalled(false);
-    if (!finished)
-        co_return std::nullopt; // given up on: the job may still end, unheard
-    co_return job.result();
+    co_return result;
 }
 
 void AppState::reportFontFailures(const QStringList &failed, const QHash<QString, QString> &reasons, qsizetype total,
@@ -200,6 +167,17 @@ void AppState::reportSystemFailures(const QStringList &failed, const QString &re
                   .arg(fonts, reason, what));
 }
 
+QCoro::Task<> AppState::setActivation(QList<FontNode> fonts, bool activate)
+{
+    if (m_isProcessing || m_isIndexing || fonts.isEmpty())
+        co_return;
+    QPointer<AppState> self(this);
+    const QString label = fonts.size() == 1 ? u"Updating"_s : activate ? u"Activating"_s : u"Deactivating"_s;
+    co_await batchProcess(fonts, activate, label);
+    if (self)
+        saveActivatedFonts();
+}
+
 QCoro::Task<> AppState::toggleActivation(FontNode node)
 {
     if (m_isProcessing || m_isIndexing)
@@ -209,7 +187,8 @@ QCoro::Task<> AppState::toggleActivation(FontNode node)
     if (node.isFont()) {
         const QList<FontNode> single{node};
         const QString label = u"Updating"_s;
-        co_await batchProcess(single, !m_activatedFonts.contains(node.path()), label);
+        const bool activate = !m_activatedFonts.contains(node.path());
+        co_await batchProcess(single, activate, label);
     } else if (node.isDirectory()) {
         co_await toggleFolder(node);
     }
@@ -295,8 +274,14 @@ QCoro::Task<> AppState::deactivateAllFonts()
         saveActivatedFonts();
 }
 
-QCoro::Task<> AppState::batchProcess(QList<FontNode> fonts, bool activate, QString label)
+QCoro::Task<BatchResult> AppState::batchProcess(QList<FontNode> fonts, bool activate, QString label)
 {
+    // Callers check isProcessing first; this is the last line of defence, as two
+    // batches sharing the link folder and the progress fields would undo each other.
+    if (m_batch) {
+        qCWarning(lcActivation).noquote() << u"A batch was asked for while another ran; ignored: %1"_s.arg(label);
+        co_return BatchResult{};
+    }
     QStringList paths;
     QSet<QString> seen;
     for (const FontNode &font : std::as_const(fonts)) {
@@ -306,8 +291,11 @@ QCoro::Task<> AppState::batchProcess(QList<FontNode> fonts, bool activate, QStri
         }
     }
     if (paths.isEmpty())
-        co_return;
+        co_return BatchResult{};
     QPointer<AppState> self(this);
+    const auto batch = std::make_shared<ActivationBatch>();
+    m_batch = batch;
+    BatchResult result;
     const qsizetype total = paths.size();
     QElapsedTimer took;
     took.start();
@@ -315,15 +303,12 @@ QCoro::Task<> AppState::batchProcess(QList<FontNode> fonts, bool activate, QStri
     setProcessing(0.0, progressMessage(label, 0, total));
 
     FontActivating *service = &m_fontActivationService;
-    m_batchSystemFailures.clear();
-    m_batchUntouched.clear();
-    m_stopBatch = false;
     bool abandoned = false;
     qsizetype reached = 0;
     QStringList failed; // in the order asked, for the message
     for (qsizetype start = 0; start < total && !abandoned; start += kChunkSize) {
-        if (m_stopBatch) {
-            m_batchUntouched = paths.mid(start);
+        if (batch->stopRequested()) {
+            result.untouched = paths.mid(start);
             break;
         }
         const QStringList chunk = paths.mid(start, kChunkSize);
@@ -331,7 +316,7 @@ QCoro::Task<> AppState::batchProcess(QList<FontNode> fonts, bool activate, QStri
         // The service is only ever called from jobs: one stuck in the kernel holds it, and
         // the interface thread must never wait for it.
         const bool first = start == 0;
-        const QFuture<QStringList> job = QtConcurrent::task([service, chunk, activate, first] {
+        const QFuture<QStringList> job = QtConcurrent::task([service, chunk, activate, first, ticket = m_jobs.ticket()] {
                                              if (first)
                                                  service->beginBatch();
                                              const QList<bool> results = activate ? service->activateFonts(chunk)
@@ -345,9 +330,9 @@ QCoro::Task<> AppState::batchProcess(QList<FontNode> fonts, bool activate, QStri
                                          })
                                              .withPriority(1)
                                              .spawn();
-        const std::optional<QStringList> outcome = co_await awaitBatchJob(job);
+        const std::optional<QStringList> outcome = co_await awaitBatchJob(batch, job);
         if (!self)
-            co_return;
+            co_return result;
         if (!outcome) {
             abandoned = true;
             break;
@@ -379,10 +364,11 @@ QCoro::Task<> AppState::batchProcess(QList<FontNode> fonts, bool activate, QStri
     // not active after all.
     std::optional<QStringList> turnedDown;
     if (!abandoned) {
-        const QFuture<QStringList> finish = QtConcurrent::task([service] { return service->finishBatch(); }).spawn();
-        turnedDown = co_await awaitBatchJob(finish);
+        const QFuture<QStringList> finish =
+            QtConcurrent::task([service, ticket = m_jobs.ticket()] { return service->finishBatch(); }).spawn();
+        turnedDown = co_await awaitBatchJob(batch, finish);
         if (!self)
-            co_return;
+            co_return result;
     }
     if (!turnedDown) {
         qCWarning(lcActivation).noquote() << u"Stopped waiting for fonts that did not answer: %1 (%2 fonts)"_s.arg(label).arg(total);
@@ -390,16 +376,16 @@ QCoro::Task<> AppState::batchProcess(QList<FontNode> fonts, bool activate, QStri
                      "a file on a drive or network share that stopped responding is the usual cause."));
     } else {
         QString reason;
-        m_batchSystemFailures = service->takeSystemFailures(&reason);
-        reportSystemFailures(m_batchSystemFailures, reason);
+        result.systemFailures = service->takeSystemFailures(&reason);
+        reportSystemFailures(result.systemFailures, reason);
         // The font's own failures, unless the system's failure already says it all.
         const QHash<QString, QString> reasons = service->takeFailureReasons();
-        if (!m_batchUntouched.isEmpty()) {
+        if (!result.untouched.isEmpty()) {
             const QLocale locale;
             setNotice((activate ? tr("Stopped after activating %1 of %2 fonts; the others are as they were.")
                                 : tr("Stopped after deactivating %1 of %2 fonts; the others are as they were."))
                           .arg(locale.toString(reached), locale.toString(total)));
-        } else if (m_batchSystemFailures.isEmpty()) {
+        } else if (result.systemFailures.isEmpty()) {
             reportFontFailures(failed + *turnedDown, reasons, total, activate);
         }
     }
@@ -415,5 +401,7 @@ QCoro::Task<> AppState::batchProcess(QList<FontNode> fonts, bool activate, QStri
     qCDebug(lcActivation) << (activate ? "activated" : "deactivated") << total << "fonts in" << took.elapsed() << "ms";
     // The catalogue's reading waits a little longer: a user often toggles again soon.
     m_catalogueQuietUntil->store(QDateTime::currentMSecsSinceEpoch() + 2000);
+    m_batch.reset();
     setIsProcessing(false);
+    co_return result;
 }

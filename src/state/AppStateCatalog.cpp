@@ -239,7 +239,8 @@ QCoro::Task<FontQueryAnswer> AppState::queryFonts(FontQuery query)
 {
     const quint64 generation = m_queryGeneration + 1;
     QPointer<AppState> self(this);
-    FontQueryAnswer answer = co_await askFonts(std::move(query));
+    QFuture<FontQueryAnswer> asked = askFonts(std::move(query)); // named: see runRefresh
+    FontQueryAnswer answer = co_await asked;
     if (!self || generation != m_queryGeneration)
         co_return FontQueryAnswer{.cancelled = true}; // a newer question is being answered
     co_return answer;

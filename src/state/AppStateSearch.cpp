@@ -53,16 +53,17 @@ void AppState::scheduleSearch()
 QCoro::Task<> AppState::runSearch(quint64 generation, QList<FolderSearchResult> index, QString query)
 {
     QPointer<AppState> self(this);
-    co_await QCoro::sleepFor(200ms);
+    // Every awaited value is named first: GCC 12 frees temporaries inside co_await twice.
+    const std::chrono::milliseconds pause = 200ms;
+    co_await QCoro::sleepFor(pause);
     if (!self || generation != m_searchGeneration)
         co_return; // typed on: the newer query runs instead
     const CancellationToken cancellation = CancellationToken::create();
     m_searchCancellation = cancellation;
     SearchFilter filter = m_searchFilter; // the job keeps its own copy
-    const QList<FolderSearchResult> results = co_await QtConcurrent::task(std::move(filter))
-                                                  .withArguments(index, query, cancellation)
-                                                  .withPriority(1)
-                                                  .spawn();
+    QFuture<QList<FolderSearchResult>> filtering =
+        QtConcurrent::task(std::move(filter)).withArguments(index, query, cancellation).withPriority(1).spawn();
+    const QList<FolderSearchResult> results = co_await filtering;
     if (!self || generation != m_searchGeneration)
         co_return;
     setSearchResults(results);

@@ -78,6 +78,14 @@ bool isReachableFolder(const QString &path)
            ::access(QFile::encodeName(path).constData(), R_OK | X_OK) == 0;
 }
 
+// An existing folder with nothing in it stands in for a drive that is not mounted (the
+// bare folder fstab mounts it on): while fonts were saved under it, they wait for it
+// rather than being forgotten.
+bool isEmptyFolder(const QString &path)
+{
+    return QDir(path).isEmpty(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden | QDir::System);
+}
+
 bool isUnder(const QString &path, const QStringList &roots)
 {
     for (const QString &root : roots) {
@@ -101,7 +109,7 @@ SavedFonts sortSavedFonts(const QSet<QString> &candidates, const QSet<QString> &
 {
     QStringList unavailableRoots;
     for (const QString &root : roots) {
-        if (!isReachableFolder(root))
+        if (!isReachableFolder(root) || isEmptyFolder(root))
             unavailableRoots.append(root);
     }
     SavedFonts result;
@@ -161,11 +169,13 @@ QCoro::Task<> AppState::restoreActivations(QSet<QString> saved, bool savedSetIsW
 {
     QPointer<AppState> self(this);
     FontActivating *activation = &m_fontActivationService;
-    const QFuture<SavedFonts> check = QtConcurrent::task(&checkSavedFonts)
-                                          .withArguments(activation, saved, savedSetIsWhole, sourceRoots())
-                                          .withPriority(-1)
-                                          .spawn();
-    m_runningJob = QFuture<void>(check);
+    const QStringList roots = sourceRoots();
+    const QFuture<SavedFonts> check =
+        QtConcurrent::task([activation, saved, savedSetIsWhole, roots, ticket = m_jobs.ticket()] {
+            return checkSavedFonts(activation, saved, savedSetIsWhole, roots);
+        })
+            .withPriority(-1)
+            .spawn();
     const SavedFonts sorted = co_await check;
     if (!self)
         co_return;
@@ -186,13 +196,13 @@ QCoro::Task<> AppState::reactivate(QList<FontNode> fonts)
 {
     QPointer<AppState> self(this);
     const QString label = u"Restoring"_s;
-    co_await batchProcess(fonts, true, label);
+    const BatchResult result = co_await batchProcess(fonts, true, label);
     if (!self)
         co_return;
     // A font that failed because our font folder can't be written is no less wanted:
     // it waits for the next start, and the saved list keeps it. So does one a stopped
     // restore never reached.
-    const QStringList wanted = m_batchSystemFailures + m_batchUntouched;
+    const QStringList wanted = result.systemFailures + result.untouched;
     if (!wanted.isEmpty())
         setWaitingActivations(m_waitingActivations + QSet<QString>(wanted.cbegin(), wanted.cend()));
 }
@@ -203,9 +213,12 @@ QCoro::Task<> AppState::restoreWaiting()
         co_return;
     QPointer<AppState> self(this);
     const QSet<QString> waiting = m_waitingActivations;
-    const QFuture<SavedFonts> check =
-        QtConcurrent::task(&sortSavedFonts).withArguments(waiting, QSet<QString>(), sourceRoots()).withPriority(-1).spawn();
-    m_runningJob = QFuture<void>(check);
+    const QStringList roots = sourceRoots();
+    const QFuture<SavedFonts> check = QtConcurrent::task([waiting, roots, ticket = m_jobs.ticket()] {
+                                          return sortSavedFonts(waiting, QSet<QString>(), roots);
+                                      })
+                                          .withPriority(-1)
+                                          .spawn();
     const SavedFonts sorted = co_await check;
     if (!self || m_isProcessing)
         co_return;
@@ -286,6 +299,27 @@ QCoro::Task<> AppState::removeSource(FolderSource source)
     setIsProcessing(false);
 }
 
+void AppState::updateUnavailableSources()
+{
+    // Unreachable, or scanned empty while saved fonts wait under it: a drive not mounted
+    // on its bare folder shows as "Not available", not as a source that lost its fonts.
+    QSet<QUuid> unavailable = m_unreachableSources;
+    for (const FolderSource &source : std::as_const(m_sources)) {
+        const QString root = QDir::cleanPath(source.path);
+        // Only a scan's word counts: before the first one nothing is known to be empty.
+        if (unavailable.contains(source.id) || !m_fileSystemService->preScannedRoots().contains(root) ||
+            !m_fileSystemService->children(root).empty())
+            continue;
+        if (std::any_of(m_waitingActivations.cbegin(), m_waitingActivations.cend(),
+                        [&root](const QString &path) { return isUnder(path, {root}); }))
+            unavailable.insert(source.id);
+    }
+    if (m_unavailableSources == unavailable)
+        return;
+    m_unavailableSources = std::move(unavailable);
+    Q_EMIT unavailableSourcesChanged();
+}
+
 void AppState::refreshFileSystem()
 {
     m_libraryCancellation.cancel();
@@ -302,7 +336,9 @@ void AppState::refreshFileSystem()
 QCoro::Task<> AppState::runRefresh(quint64 generation, QList<FolderSource> sources, QList<CollectionMember> members)
 {
     QPointer<AppState> self(this);
-    co_await QCoro::sleepFor(50ms);
+    // Every awaited value is named first: GCC 12 frees temporaries inside co_await twice.
+    const std::chrono::milliseconds pause = 50ms;
+    co_await QCoro::sleepFor(pause);
     if (!self || generation != m_libraryGeneration)
         co_return; // a newer request came while we slept: one scan per burst
     const CancellationToken cancellation = CancellationToken::create();
@@ -310,19 +346,16 @@ QCoro::Task<> AppState::runRefresh(quint64 generation, QList<FolderSource> sourc
     LibraryScanner scanner = m_libraryScanner; // the job keeps its own copy
     QElapsedTimer took;
     took.start();
-    const LibraryScan scan = co_await QtConcurrent::task(std::move(scanner))
-                                 .withArguments(sources, members, cancellation)
-                                 .withPriority(1)
-                                 .spawn();
+    QFuture<LibraryScan> scanning =
+        QtConcurrent::task(std::move(scanner)).withArguments(sources, members, cancellation).withPriority(1).spawn();
+    const LibraryScan scan = co_await scanning;
     if (!self || cancellation.isCancelled() || generation != m_libraryGeneration)
         co_return; // stale: a newer refresh owns isIndexing
-    if (m_unavailableSources != scan.unavailableSources) {
-        m_unavailableSources = scan.unavailableSources;
-        Q_EMIT unavailableSourcesChanged();
-    }
+    m_unreachableSources = scan.unavailableSources;
     qCDebug(lcLibrary) << "scanned" << sources.size() << "sources," << scan.searchIndex.size() << "folders in"
                        << took.elapsed() << "ms";
     installLibrary(scan.service, scan.searchIndex);
+    updateUnavailableSources(); // by the new scan
     indexCatalogue();
     scheduleSearch(); // an active query runs again on the new index
     setIsIndexing(false);

@@ -82,13 +82,13 @@ TEST_F(Activation, DuplicatesCountOnceAndFailuresStayAsTheyWere)
     const FontNode a = font(u"Other/o.otf"_s);
     const FontNode b = font(u"Mixed/m1.otf"_s);
     activation.failing.insert(b.path());
-    store->batchProcess({a, a, b, a}, true, u"Activating"_s);
+    store->setActivation({a, a, b, a}, true);
     ASSERT_TRUE(waitUntilIdle());
     EXPECT_EQ(activation.calls(), (QStringList{u'+' + a.path(), u'+' + b.path()}));
     EXPECT_EQ(store->processingMessage(), u"Activating fonts (2 of 2)..."_s);
     EXPECT_EQ(store->activatedFonts(), QSet<QString>{a.path()});
-    // The batch itself does not save; its callers do.
-    EXPECT_TRUE(written().loadActivatedFonts().isEmpty());
+    // Saved as done, the failure left out.
+    EXPECT_EQ(written().loadActivatedFonts(), QSet<QString>{a.path()});
 }
 
 TEST_F(Activation, TogglesWhileABatchRunsOrTheLibraryIndexesAreIgnored)
@@ -99,6 +99,7 @@ TEST_F(Activation, TogglesWhileABatchRunsOrTheLibraryIndexesAreIgnored)
     store->toggleActivation(font(u"Other/o.otf"_s));
     store->toggleCollectionActivation(FontCollection::create(u"x"_s));
     store->deactivateAllFonts();
+    store->setActivation({font(u"Other/o.otf"_s), font(u"Mixed/m1.otf"_s)}, true); // a family in the font list
     activation.open();
     ASSERT_TRUE(waitUntilIdle());
     EXPECT_EQ(activation.calls().size(), 20);
@@ -134,8 +135,7 @@ TEST_F(Activation, CollectionsAndDeactivateAllFollowTheSameRule)
     store->addToCollection(id, FontNode::folder(outside));
     store->refreshFileSystem(); // the collection's folder is scanned with the sources
     ASSERT_TRUE(QTest::qWaitFor([this] { return !store->isIndexing(); }, 20'000));
-    store->batchProcess({FontNode::fontFile(outside + u"/x.otf"_s), FontNode::fontFile(testRoot() + u"/Gone/z.otf"_s)}, true,
-                        u"Activating"_s);
+    store->setActivation({FontNode::fontFile(outside + u"/x.otf"_s), FontNode::fontFile(testRoot() + u"/Gone/z.otf"_s)}, true);
     ASSERT_TRUE(waitUntilIdle());
     EXPECT_EQ(store->activatedFonts().size(), 6);
     const qsizetype before = activation.calls().size();
@@ -160,7 +160,7 @@ TEST_F(Activation, FolderStatesAreMemoisedUntilTheFontsOrTheLibraryChange)
     const FontNode unknown = FontNode::folder(path(u"NotScanned"_s));
     EXPECT_EQ(store->activationState(unknown), ActivationState::Inactive);
     writeFile(path(u"NotScanned/n.otf"_s));
-    store->batchProcess({font(u"NotScanned/n.otf"_s)}, true, u"Activating"_s);
+    store->setActivation({font(u"NotScanned/n.otf"_s)}, true);
     ASSERT_TRUE(waitUntilIdle());
     EXPECT_EQ(store->activationState(unknown), ActivationState::Inactive); // not scanned yet
     scan();

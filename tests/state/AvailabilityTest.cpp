@@ -126,6 +126,49 @@ TEST(Availability, ADriveMountedWhileMorvaneRunsBringsItsFontsBack)
     EXPECT_EQ(listedByFontconfig(), expected);
 }
 
+// fstab mounts the drive on a folder of its own (/mnt/fonts) that is the source itself:
+// without the drive that folder is there, empty. Its fonts wait, over two starts, and
+// come back with the drive.
+TEST(Availability, AnEmptyMountPointKeepsItsActivationsUntilTheDriveIsBack)
+{
+    RUN_WITH_OWN_MOUNTS();
+    const QString mountPoint = makeDir(testRoot() + u"/mnt/fonts"_s);
+    QStringList fonts;
+    {
+        Tmpfs drive(mountPoint, "8m");
+        ASSERT_TRUE(drive.mounted);
+        const ActiveLibrary library(mountPoint);
+        fonts = library.fonts;
+        ASSERT_EQ(listedByFontconfig(), library.set());
+    } // not mounted at the next start
+    const QSet<QString> expected(fonts.begin(), fonts.end());
+    ASSERT_TRUE(QDir(mountPoint).isEmpty());
+
+    for (int start = 0; start < 2; ++start) {
+        Start away;
+        ASSERT_TRUE(QTest::qWaitFor([&] { return settled(away.store) && !away.store.unavailableSources().isEmpty(); },
+                                    30'000));
+        EXPECT_TRUE(away.store.activatedFonts().isEmpty());
+        EXPECT_EQ(away.store.waitingActivations(), expected);
+        away.persistence.waitForWrites();
+        EXPECT_EQ(savedFonts(), expected) << "start " << start;
+        EXPECT_TRUE(listedByFontconfig().isEmpty());
+    }
+
+    Start start;
+    Tmpfs drive(mountPoint, "8m");
+    ASSERT_TRUE(drive.mounted);
+    for (const QString &font : fonts)
+        ASSERT_TRUE(QFile::copy(u"/usr/share/fonts/truetype/dejavu/"_s + font.section(u'/', -1), font));
+    Tmpfs nudge(testRoot() + u"/nudge"_s, "64k"); // the files are there before the mount is noticed
+    ASSERT_TRUE(QTest::qWaitFor([&] { return settled(start.store) && start.store.activatedFonts() == expected; },
+                                60'000));
+    EXPECT_TRUE(start.store.unavailableSources().isEmpty());
+    start.persistence.waitForWrites();
+    EXPECT_EQ(savedFonts(), expected);
+    EXPECT_EQ(listedByFontconfig(), expected);
+}
+
 TEST(Availability, AFontFolderThatCantBeWrittenAtStartLosesNothing)
 {
     RUN_WITHOUT_PRIVILEGES();
@@ -239,7 +282,7 @@ TEST(Availability, AJobThatStopsAnsweringCanBeGivenUp)
     QList<FontNode> fonts;
     for (int i = 0; i < 20; ++i)
         fonts.append(FontNode::fromPath(testRoot() + u"/f%1.ttf"_s.arg(i)));
-    store.batchProcess(fonts, true, u"Activating"_s);
+    store.setActivation(fonts, true);
     ASSERT_TRUE(stalled.wait(10'000));
     EXPECT_TRUE(store.isProcessingStalled());
     EXPECT_TRUE(store.isProcessing());

@@ -55,7 +55,7 @@ TEST(Catalogue, ARefreshIndexesEveryFaceAndForgetsWhatIsGone)
     EXPECT_EQ(ask(store, FontQuery{.monospaced = true}).size(), 1);
     EXPECT_EQ(ask(store, FontQuery{}).size(), 5) << "both faces of the collection file";
     // What only the store knows: which files are active, which folder they are in.
-    store.batchProcess({FontNode::fontFile(fonts + u"/DejaVuSans.ttf"_s)}, true, u"Activating"_s);
+    store.setActivation({FontNode::fontFile(fonts + u"/DejaVuSans.ttf"_s)}, true);
     ASSERT_TRUE(QTest::qWaitFor([&] { return !store.isProcessing(); }));
     EXPECT_EQ(postScriptNames(ask(store, FontQuery{.active = true})), QStringList{u"DejaVuSans"_s});
     EXPECT_EQ(ask(store, FontQuery{.active = false}).size(), 4);
@@ -99,8 +99,7 @@ TEST(Catalogue, TheStoreAnswersWhatOnlyItKnows)
     store.createCollection(u"Picked"_s);
     const QUuid picked = store.collections().constLast().id;
     store.addToCollection(picked, QList<FontNode>{FontNode::fontFile(a + u"/Mono.ttf"_s), FontNode::folder(b)});
-    store.batchProcess({FontNode::fontFile(a + u"/DejaVuSans.ttf"_s), FontNode::fontFile(a + u"/Impostor.ttf"_s)}, true,
-                       u"Activating"_s);
+    store.setActivation({FontNode::fontFile(a + u"/DejaVuSans.ttf"_s), FontNode::fontFile(a + u"/Impostor.ttf"_s)}, true);
     ASSERT_TRUE(QTest::qWaitFor([&] { return !store.isProcessing(); }));
 
     const struct
@@ -129,7 +128,7 @@ TEST(Catalogue, TheStoreAnswersWhatOnlyItKnows)
     EXPECT_EQ(everything.sourceCounts.value(b), 3);
 
     // One active impostor alone conflicts with nothing.
-    store.batchProcess({FontNode::fontFile(a + u"/Impostor.ttf"_s)}, false, u"Deactivating"_s);
+    store.setActivation({FontNode::fontFile(a + u"/Impostor.ttf"_s)}, false);
     ASSERT_TRUE(QTest::qWaitFor([&] { return !store.isProcessing(); }));
     EXPECT_TRUE(ask(store, FontQuery{.conflicts = true}).isEmpty());
 
@@ -163,7 +162,7 @@ TEST(Catalogue, ACacheFolderThatCantBeWrittenLeavesEverythingElseWorking)
     ASSERT_TRUE(QTest::qWaitFor([&] { return !store.isIndexing(); }, 20'000));
     ASSERT_TRUE(store.waitForCatalogue(20'000));
     EXPECT_TRUE(ask(store, FontQuery{}).isEmpty());
-    store.batchProcess({FontNode::fontFile(fixture.library + u"/DejaVuSans.ttf"_s)}, true, u"Activating"_s);
+    store.setActivation({FontNode::fontFile(fixture.library + u"/DejaVuSans.ttf"_s)}, true);
     ASSERT_TRUE(QTest::qWaitFor([&] { return !store.isProcessing(); }));
     EXPECT_EQ(store.activatedFonts().size(), 1);
     store.createCollection(u"Kept"_s);

@@ -32,7 +32,7 @@ TEST(Messages, WhatGoesWrongReachesTheWindowInWords)
         QList<FontNode> nodes;
         for (const QString &name : names)
             nodes.append(FontNode::fontFile(fonts + u'/' + name));
-        store.batchProcess(nodes, true, u"Activating"_s);
+        store.setActivation(nodes, true);
         EXPECT_TRUE(QTest::qWaitFor([&] { return !store.isProcessing(); }, 60'000));
     };
     const QString unreadable = u"it is not a font file that fontconfig can read"_s;

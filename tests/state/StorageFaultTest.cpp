@@ -62,7 +62,7 @@ TEST(StorageFaults, AReadOnlyStorageFolderKeepsEveryActivation)
         EXPECT_EQ(start.store.saveFailure(), u"Permission denied"_s);
 
         // A change made now can't be saved: this run has it, the file keeps the last state.
-        start.store.batchProcess({FontNode::fontFile(library.fonts.first())}, false, u"Deactivating"_s);
+        start.store.setActivation({FontNode::fontFile(library.fonts.first())}, false);
         ASSERT_TRUE(QTest::qWaitFor([&] { return !start.store.isProcessing(); }, 60'000));
         EXPECT_EQ(start.store.activatedFonts().size(), 1);
         EXPECT_EQ(readFile(saved), savedBytes);

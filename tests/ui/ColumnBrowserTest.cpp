@@ -438,8 +438,7 @@ TEST_F(Browser, TheLicenceSubmenuSetsTheFilesTagsAndTheRowFollows)
 // activations, "Remove Source" removes it.
 TEST_F(Browser, TheSourceMenuAsksBeforeRemovingTheSource)
 {
-    store.batchProcess({FontNode::fontFile(library + u"/c.ttf"_s), FontNode::fontFile(library + u"/A/a1.ttf"_s)}, true,
-                       u"Activating"_s);
+    store.setActivation({FontNode::fontFile(library + u"/c.ttf"_s), FontNode::fontFile(library + u"/A/a1.ttf"_s)}, true);
     ASSERT_TRUE(waitUntilIdle());
     const struct
     {
@@ -512,7 +511,7 @@ TEST_F(Browser, OnlyALeftPressOnTheRowSelectsIt)
 TEST_F(Browser, ActiveButtonsAreGreenAndLicensedFoldersTakeTheirColour)
 {
     store.setLicenseStatus(LicenseStatus::Licensed, library + u"/B"_s);
-    store.batchProcess({FontNode::fontFile(library + u"/c.ttf"_s)}, true, u"Activating"_s);
+    store.setActivation({FontNode::fontFile(library + u"/c.ttf"_s)}, true);
     ASSERT_TRUE(waitUntilIdle());
     QPalette dark = view.palette();
     dark.setColor(QPalette::Window, QColor(30, 30, 30));

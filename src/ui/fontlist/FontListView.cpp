@@ -390,7 +390,7 @@ void FontListView::toggle(const QModelIndex &index)
     for (const QString &path : paths)
         fonts.append(FontNode::fontFile(path));
     const bool activate = m_model->activation(index) != ActivationState::Active;
-    m_state.batchProcess(fonts, activate, activate ? u"Activating"_s : u"Deactivating"_s);
+    m_state.setActivation(fonts, activate);
 }
 
 void FontListView::open(const QModelIndex &index)
