@@ -72,7 +72,8 @@ def wait_for(what, deadline=20):
 def sample_home():
     home = tempfile.mkdtemp(prefix="morvane-a11y-")
     env = dict(os.environ, HOME=home, XDG_DATA_HOME=home + "/.local/share", XDG_CONFIG_HOME=home + "/.config",
-               XDG_CACHE_HOME=home + "/.cache", QT_LINUX_ACCESSIBILITY_ALWAYS_ON="1", QT_QPA_PLATFORM="xcb")
+               XDG_CACHE_HOME=home + "/.cache", QT_LINUX_ACCESSIBILITY_ALWAYS_ON="1", QT_QPA_PLATFORM="xcb",
+               LANG="C.UTF-8", LANGUAGE="", LC_ALL="C.UTF-8")  # English whatever the machine's locale
     library = home + "/Fonts"
     dejavu = "/usr/share/fonts/truetype/dejavu/"
     for folder, font in (("Noto Sans", dejavu + "DejaVuSans.ttf"), ("Noto Sans", dejavu + "DejaVuSansMono.ttf"),
