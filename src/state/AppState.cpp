@@ -317,15 +317,17 @@ void AppState::watchSources()
         return;
     // Every folder of every source the scan reached, the sources themselves included.
     QStringList folders;
+    QStringList roots; // every source, there or not: one that comes or goes is noticed
     for (const FolderSource &source : std::as_const(m_sources)) {
         const QString root = QDir::cleanPath(source.path);
+        roots.append(root);
         if (!QFileInfo(root).isDir())
             continue;
         folders.append(root);
         for (const FontNode &folder : m_fileSystemService->allFolders(root))
             folders.append(folder.path());
     }
-    if (!m_sourceWatcher->watch(folders) && !m_watchLimitSaid) {
+    if (!m_sourceWatcher->watch(folders, roots) && !m_watchLimitSaid) {
         m_watchLimitSaid = true;
         setNotice(tr("Morvane can't watch all your source folders (the system's limit of watched folders is reached): "
                      "fonts added to them appear after Refresh Sources."));

@@ -403,5 +403,10 @@ QCoro::Task<BatchResult> AppState::batchProcess(QList<FontNode> fonts, bool acti
     m_catalogueQuietUntil->store(QDateTime::currentMSecsSinceEpoch() + 2000);
     m_batch.reset();
     setIsProcessing(false);
+    // A font outside the scanned library joined or left the active set: the catalogue
+    // reads it in or lets it go, so "Active Fonts" shows what is active. (A refresh on
+    // its way reads the catalogue anyway, with the active fonts as they are then.)
+    if (m_hasLoaded && !m_isIndexing && std::any_of(paths.cbegin(), paths.cend(), [this](const QString &path) { return !m_fileSystemService->exists(path); }))
+        indexCatalogue();
     co_return result;
 }

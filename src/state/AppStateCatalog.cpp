@@ -128,7 +128,7 @@ void AppState::indexCatalogue()
     m_catalogueJob = QtConcurrent::run(&indexers(), [this, catalog, cancellation, activation = &m_fontActivationService,
                                                      paused = m_cataloguePaused, quietUntil = m_catalogueQuietUntil,
                                                      files = m_fileSystemService, sources = m_sources,
-                                                     collections = m_collections] {
+                                                     collections = m_collections, active = m_activatedFonts] {
         // A batch of activations goes first, and the next one a user starts soon after:
         // this goes on two seconds after the last has ended.
         const auto waitYourTurn = [&] {
@@ -160,6 +160,14 @@ void AppState::indexCatalogue()
                     seen.insert(member.path);
                     paths.append(member.path);
                 }
+            }
+        }
+        // Active fonts outside all of them (a file opened from the desktop and activated
+        // there): "Active Fonts" lists them too, or the user could never find them again.
+        for (const QString &path : active) {
+            if (!seen.contains(path) && !files->exists(path) && QFileInfo::exists(path)) {
+                seen.insert(path);
+                paths.append(path);
             }
         }
         waitYourTurn();

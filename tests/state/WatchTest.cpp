@@ -9,6 +9,9 @@
 #include <QSignalSpy>
 #include <QTest>
 
+#include <fcntl.h>
+#include <sys/stat.h>
+
 using namespace Qt::StringLiterals;
 using namespace TestSupport;
 
@@ -74,4 +77,53 @@ TEST_F(Watch, PastTheWatchLimitTheWindowSaysSoOnceAndRefreshStillWorks)
     store->refreshFileSystem();
     EXPECT_TRUE(QTest::qWaitFor([&] { return inLibrary(u"Serif/c.otf"_s); }, 10'000));
     EXPECT_TRUE(store->notice().isEmpty());
+}
+
+// A licence tag, an access time or a permission changes no folder's content: no
+// refresh, no new look at the catalogue. A real change after them still counts.
+TEST_F(Watch, AttributesOfFilesRescanNothing)
+{
+    store->setWatchingSources(true);
+    store->sourceWatcher()->setQuietTime(0);
+    QSignalSpy indexing(store.get(), &AppState::isIndexingChanged);
+    QSignalSpy passedOver(store->sourceWatcher(), &SourceWatcher::passedOver);
+    const struct
+    {
+        const char *what;
+        std::function<void()> act;
+    } attributes[] = {
+        {"a licence tag set in Morvane", [&] { store->setLicenseStatus(LicenseStatus::Licensed, path(u"Sans/a.ttf"_s)); }},
+        {"a file's times set again (touch -r)", [&] {
+             const QByteArray file = QFile::encodeName(path(u"Serif/b.otf"_s));
+             struct stat info{};
+             ASSERT_EQ(::stat(file.constData(), &info), 0);
+             const timespec times[2] = {info.st_atim, info.st_mtim};
+             ASSERT_EQ(::utimensat(AT_FDCWD, file.constData(), times, 0), 0);
+         }},
+        {"a permission", [&] { QFile::setPermissions(path(u"Sans/a.ttf"_s), QFile::ReadOwner | QFile::WriteOwner | QFile::ReadOther); }},
+    };
+    for (const auto &a : attributes) {
+        const qsizetype before = passedOver.count();
+        a.act();
+        ASSERT_TRUE(QTest::qWaitFor([&] { return passedOver.count() > before; }, 10'000)) << a.what;
+        EXPECT_EQ(indexing.count(), 0) << a.what;
+    }
+    writeFile(path(u"Sans/c.ttf"_s));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return inLibrary(u"Sans/c.ttf"_s); }, 10'000));
+}
+
+// A source folder renamed away while Morvane runs is "Not available" at once, and comes
+// back when it is renamed back.
+TEST_F(Watch, ASourceRenamedAwayIsUnavailableUntilItIsBack)
+{
+    store->setWatchingSources(true);
+    store->sourceWatcher()->setQuietTime(0);
+    QSignalSpy unavailable(store.get(), &AppState::unavailableSourcesChanged);
+    ASSERT_TRUE(QDir().rename(library, library + u".away"_s));
+    ASSERT_TRUE(unavailable.wait(10'000));
+    EXPECT_EQ(store->unavailableSources().size(), 1);
+    ASSERT_TRUE(QDir().rename(library + u".away"_s, library));
+    ASSERT_TRUE(unavailable.wait(10'000));
+    EXPECT_TRUE(store->unavailableSources().isEmpty());
+    EXPECT_TRUE(QTest::qWaitFor([&] { return inLibrary(u"Sans/a.ttf"_s); }, 10'000));
 }
