@@ -26,6 +26,10 @@ TEXTS = {
         "Nach %1 von %2 deaktivierten Schriften angehalten; die übrigen sind unverändert.",
     "Indexing fonts (%1 of %2)…": "Schriften werden erfasst (%1 von %2) …",
     "New Collection": "Neue Sammlung",
+    "“%1” is a smart collection: its fonts are the ones that answer its filters. To change them, choose Edit Filters… in its menu.":
+        "„%1“ ist eine intelligente Sammlung: Ihre Schriften sind die, auf die ihre Filter zutreffen. Um sie zu ändern, im Menü der Sammlung „Filter bearbeiten …“ wählen.",
+    "The filters of “%1” are too long to ask (%2; at most %3): its fonts stay as they were. Shorten the filter text, or the list of folders or characters, and save again.":
+        "Die Filter von „%1“ sind zu lang für eine Abfrage (%2; höchstens %3): Ihre Schriften bleiben, wie sie waren. Den Filtertext oder die Liste der Ordner oder Zeichen kürzen und erneut speichern.",
     "Couldn't use “%1” as the collection's icon: %2.": "„%1“ konnte nicht als Symbol der Sammlung verwendet werden: %2.",
     "Couldn't use “%1” as the collection's icon: it is not an image Morvane can read.":
         "„%1“ konnte nicht als Symbol der Sammlung verwendet werden: Morvane kann dieses Bild nicht lesen.",

@@ -100,6 +100,14 @@
         <source>Restoring fonts…</source>
         <translation>Schriften werden wiederhergestellt …</translation>
     </message>
+    <message>
+        <source>“%1” is a smart collection: its fonts are the ones that answer its filters. To change them, choose Edit Filters… in its menu.</source>
+        <translation>„%1“ ist eine intelligente Sammlung: Ihre Schriften sind die, auf die ihre Filter zutreffen. Um sie zu ändern, im Menü der Sammlung „Filter bearbeiten …“ wählen.</translation>
+    </message>
+    <message>
+        <source>The filters of “%1” are too long to ask (%2; at most %3): its fonts stay as they were. Shorten the filter text, or the list of folders or characters, and save again.</source>
+        <translation>Die Filter von „%1“ sind zu lang für eine Abfrage (%2; höchstens %3): Ihre Schriften bleiben, wie sie waren. Den Filtertext oder die Liste der Ordner oder Zeichen kürzen und erneut speichern.</translation>
+    </message>
 </context>
 <context>
     <name>AxisControls</name>

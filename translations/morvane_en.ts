@@ -4,9 +4,11 @@
 <context>
     <name>AppState</name>
     <message numerus="yes">
-        <source>%n fonts couldn't be activated</source>
+        <source>%n fonts couldn&apos;t be activated</source>
         <translation>
-            <numerusform>%n font couldn't be activated</numerusform><numerusform>%n fonts couldn't be activated</numerusform></translation>
+            <numerusform>%n font couldn&apos;t be activated</numerusform>
+            <numerusform>%n fonts couldn&apos;t be activated</numerusform>
+        </translation>
     </message>
 </context>
 <context>
@@ -14,7 +16,9 @@
     <message numerus="yes">
         <source>%n styles</source>
         <translation>
-            <numerusform>%n style</numerusform><numerusform>%n styles</numerusform></translation>
+            <numerusform>%n style</numerusform>
+            <numerusform>%n styles</numerusform>
+        </translation>
     </message>
 </context>
 <context>
@@ -22,15 +26,19 @@
     <message numerus="yes">
         <source>%Ln fonts</source>
         <translation>
-            <numerusform>%Ln font</numerusform><numerusform>%Ln fonts</numerusform></translation>
+            <numerusform>%Ln font</numerusform>
+            <numerusform>%Ln fonts</numerusform>
+        </translation>
     </message>
 </context>
 <context>
     <name>MainWindow</name>
     <message numerus="yes">
-        <source>%n items can't be opened: Morvane opens font files (.ttf, .otf, .ttc, .otc, .dfont) and folders.</source>
+        <source>%n items can&apos;t be opened: Morvane opens font files (.ttf, .otf, .ttc, .otc, .dfont) and folders.</source>
         <translation>
-            <numerusform>%n item can't be opened: Morvane opens font files (.ttf, .otf, .ttc, .otc, .dfont) and folders.</numerusform><numerusform>%n items can't be opened: Morvane opens font files (.ttf, .otf, .ttc, .otc, .dfont) and folders.</numerusform></translation>
+            <numerusform>%n item can&apos;t be opened: Morvane opens font files (.ttf, .otf, .ttc, .otc, .dfont) and folders.</numerusform>
+            <numerusform>%n items can&apos;t be opened: Morvane opens font files (.ttf, .otf, .ttc, .otc, .dfont) and folders.</numerusform>
+        </translation>
     </message>
 </context>
 <context>
@@ -38,12 +46,16 @@
     <message numerus="yes">
         <source>%n font(s)</source>
         <translation>
-            <numerusform>%n font</numerusform><numerusform>%n fonts</numerusform></translation>
+            <numerusform>%n font</numerusform>
+            <numerusform>%n fonts</numerusform>
+        </translation>
     </message>
     <message numerus="yes">
         <source>%n item(s)</source>
         <translation>
-            <numerusform>%n item</numerusform><numerusform>%n items</numerusform></translation>
+            <numerusform>%n item</numerusform>
+            <numerusform>%n items</numerusform>
+        </translation>
     </message>
 </context>
 </TS>

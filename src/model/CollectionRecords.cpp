@@ -79,6 +79,14 @@ void FontCollection::appendJson(QByteArray &out) const
         Json::appendKey(out, "smartQuery");
         out.append(QJsonDocument(*smartQuery).toJson(QJsonDocument::Compact));
     }
+    for (auto it = otherFields.constBegin(); it != otherFields.constEnd(); ++it) {
+        out.append(',');
+        Json::appendString(out, it.key());
+        out.append(':');
+        // One value as a document of its own: an array holding it, brackets cut.
+        const QByteArray array = QJsonDocument(QJsonArray{it.value()}).toJson(QJsonDocument::Compact);
+        out.append(array.mid(1, array.size() - 2));
+    }
     out.append('}');
 }
 
@@ -116,6 +124,11 @@ Expected<FontCollection> FontCollection::fromJson(const QJsonValue &value)
         collection.smartQuery = smart.toObject();
     else if (!smart.isUndefined() && !smart.isNull())
         return Result::failure(u"key \"smartQuery\" must be an object or null but is %1"_s.arg(Json::typeName(smart)));
+    for (auto it = object.constBegin(); it != object.constEnd(); ++it) {
+        static const QStringList known{u"id"_s, u"name"_s, u"members"_s, u"iconPath"_s, u"smartQuery"_s};
+        if (!known.contains(it.key()))
+            collection.otherFields.insert(it.key(), it.value());
+    }
     return collection;
 }
 

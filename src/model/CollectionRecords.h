@@ -41,6 +41,9 @@ struct FontCollection
     // A smart collection's question to the font catalogue, as the catalogue writes it;
     // its members are the files that answer, renewed after each refresh.
     std::optional<QJsonObject> smartQuery{};
+    // Fields this version does not know (written by a newer Morvane): kept as they were
+    // and written back, so a rewrite never loses them.
+    QJsonObject otherFields{};
 
     static FontCollection create(const QString &name);
     bool isSmart() const { return smartQuery.has_value(); }

@@ -42,6 +42,19 @@ AppState::AppState(FontActivating &fontActivationService, PersistenceService &pe
     // The library's own lists say how many faces they hold.
     connect(this, &AppState::catalogueChanged, this, &AppState::countLibrary);
     connect(this, &AppState::activatedFontsChanged, this, &AppState::countLibrary);
+    // Smart collections follow what their questions ask about: activation (once a batch
+    // has ended) and licence tags; the catalogue renews them after each of its jobs.
+    const auto asksActive = [](const FontQuery &query) { return query.active.has_value(); };
+    const auto asksLicence = [](const FontQuery &query) { return !query.licenseStatuses.isEmpty(); };
+    connect(this, &AppState::activatedFontsChanged, this, [this, asksActive] {
+        if (!m_isProcessing)
+            scheduleSmartRenewal(asksActive);
+    });
+    connect(this, &AppState::isProcessingChanged, this, [this, asksActive] {
+        if (!m_isProcessing)
+            scheduleSmartRenewal(asksActive);
+    });
+    connect(this, &AppState::licenseTagsChanged, this, [this, asksLicence] { scheduleSmartRenewal(asksLicence); });
     m_mountWatcher = new MountWatcher(this);
     connect(m_mountWatcher, &MountWatcher::mountsChanged, this, [this] {
         if (m_hasLoaded && !m_sources.isEmpty())

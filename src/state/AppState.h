@@ -339,6 +339,14 @@ private:
     void moveInColumn(int step); // -1 up, +1 down
     void clearCollectionMemos();
     FontCollection *findCollection(const QUuid &id);
+    void refuseSmartEdit(const FontCollection &collection);
+    // Says so and returns true when a smart collection's question is too large to ask.
+    bool refuseLargeQuestion(const QJsonObject &question, const QString &name);
+    QSet<QUuid> m_tooLargeSaid;
+    // Renewals asked for by what smart questions depend on, gathered into one.
+    void scheduleSmartRenewal(bool (*dependsOn)(const FontQuery &));
+    QTimer *m_smartRenewal = nullptr;
+    QHash<QUuid, quint64> m_smartGenerations; // the newest renewal of each: only its answer counts
     void saveCollections();
 
     // Library

@@ -97,11 +97,22 @@ void AppState::addToCollection(const QUuid &id, const FontNode &node)
     addToCollection(id, QList<FontNode>{node});
 }
 
+void AppState::refuseSmartEdit(const FontCollection &collection)
+{
+    setNotice(tr("\u201c%1\u201d is a smart collection: its fonts are the ones that answer its filters. "
+                 "To change them, choose Edit Filters\u2026 in its menu.")
+                  .arg(collection.name));
+}
+
 void AppState::addToCollection(const QUuid &id, const QList<FontNode> &nodes)
 {
     FontCollection *collection = findCollection(id);
     if (!collection)
         return;
+    if (collection->isSmart() && !nodes.isEmpty()) {
+        refuseSmartEdit(*collection); // the next renewal would drop them without a word
+        return;
+    }
     bool added = false;
     bool unknown = false;
     for (const FontNode &node : nodes) {
@@ -126,6 +137,10 @@ void AppState::removeFromCollection(const QUuid &id, const CollectionMember &mem
     FontCollection *collection = findCollection(id);
     if (!collection)
         return;
+    if (collection->isSmart()) {
+        refuseSmartEdit(*collection);
+        return;
+    }
     if (collection->members.removeIf([&member](const CollectionMember &m) { return m.path == member.path; }) > 0) {
         clearCollectionMemos();
         Q_EMIT collectionsChanged();

@@ -172,6 +172,17 @@ TEST(FontCollectionJson, ASmartQueryRoundTripsExactly)
     read.value().appendJson(again);
     EXPECT_EQ(again, written);
 
+    // Fields a newer Morvane wrote survive the rewrite, byte for byte.
+    const QByteArray newer =
+        R"({"id":"6F1C1A52-0D63-4B4A-9C4E-1B2F8E3D42E2","name":"Later","members":[],)"
+        R"("colour":"#ff8800","pinned":true,"shared":{"with":["ana","óscar"],"since":2027}})";
+    const Expected<FontCollection> later = FontCollection::fromJson(parse(newer));
+    ASSERT_TRUE(later) << later.error().toStdString();
+    QByteArray rewritten;
+    later.value().appendJson(rewritten);
+    EXPECT_EQ(parse(rewritten), parse(newer)) << rewritten.toStdString();
+    EXPECT_TRUE(rewritten.contains(R"("pinned":true)")) << rewritten.toStdString();
+
     const Expected<FontCollection> plain = FontCollection::fromJson(
         parse(R"({"id":"6F1C1A52-0D63-4B4A-9C4E-1B2F8E3D42E2","name":"x","members":[],"smartQuery":null})"));
     ASSERT_TRUE(plain);

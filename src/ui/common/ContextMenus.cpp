@@ -89,10 +89,13 @@ QMenu *buildNodeMenu(AppState &state, const FontNode &node, QWidget *parent)
         ? (active ? ContextMenuText::tr("Deactivate All Fonts in Folder") : ContextMenuText::tr("Activate All Fonts in Folder"))
         : (active ? ContextMenuText::tr("Deactivate Font") : ContextMenuText::tr("Activate Font"));
     QObject::connect(menu->addAction(toggle), &QAction::triggered, menu, [&state, node] { state.toggleActivation(node); });
-    if (!state.collections().isEmpty()) {
+    // Smart collections are not offered: their members are their question's answer.
+    QList<FontCollection> plain = state.collections();
+    plain.removeIf([](const FontCollection &collection) { return collection.isSmart(); });
+    if (!plain.isEmpty()) {
         menu->addSeparator();
         QMenu *collections = menu->addMenu(ContextMenuText::tr("Add to Collection"));
-        for (const FontCollection &collection : state.collections()) {
+        for (const FontCollection &collection : std::as_const(plain)) {
             QAction *item = collections->addAction(QString(collection.name).replace(u'&', u"&&"_s)); // a name's own "&" shows as one
             item->setEnabled(!collection.contains(path));
             const QUuid id = collection.id;
@@ -167,9 +170,13 @@ QMenu *buildMemberMenu(AppState &state, const CollectionMember &member, const QU
                      [&state, path] { revealInFileManager(state, path); });
     menu->addSeparator();
     addLicenseMenu(menu, state, path);
-    menu->addSeparator();
-    QObject::connect(menu->addAction(ContextMenuText::tr("Remove from Collection")), &QAction::triggered, menu,
-                     [&state, member, collectionId] { state.removeFromCollection(collectionId, member); });
+    const auto collection = std::find_if(state.collections().cbegin(), state.collections().cend(),
+                                         [&](const FontCollection &c) { return c.id == collectionId; });
+    if (collection == state.collections().cend() || !collection->isSmart()) {
+        menu->addSeparator();
+        QObject::connect(menu->addAction(ContextMenuText::tr("Remove from Collection")), &QAction::triggered, menu,
+                         [&state, member, collectionId] { state.removeFromCollection(collectionId, member); });
+    }
     Mnemonics::assign(menu);
     return menu;
 }

@@ -211,8 +211,12 @@ void SidebarList::dragMoveEvent(QDragMoveEvent *event)
         event->accept();
         return;
     }
-    const int row = collectionRowAt(event->position().toPoint());
+    int row = collectionRowAt(event->position().toPoint());
     const std::optional<Qt::DropAction> action = Drops::safeAction(event->possibleActions());
+    // A smart collection's members are its question's answer: nothing is dropped on it.
+    if (const std::optional<SidebarItem> item = row >= 0 ? m_model->item(row) : std::nullopt;
+        item && item->collection() && item->collection()->isSmart())
+        row = -1;
     setDropRow(row >= 0 && action ? row : -1);
     if (row < 0 || !action) {
         event->ignore();
