@@ -26,6 +26,8 @@ TEXTS = {
         "Nach %1 von %2 deaktivierten Schriften angehalten; die übrigen sind unverändert.",
     "Indexing fonts (%1 of %2)…": "Schriften werden erfasst (%1 von %2) …",
     "New Collection": "Neue Sammlung",
+    "Morvane can't save its library in %1: %2. Changes made now are lost when Morvane quits, unless the folder can be written again before then.":
+        "Morvane kann seine Bibliothek nicht in %1 speichern: %2. Jetzt vorgenommene Änderungen gehen beim Beenden verloren, sofern der Ordner bis dahin nicht wieder beschreibbar ist.",
     "“%1” is a smart collection: its fonts are the ones that answer its filters. To change them, choose Edit Filters… in its menu.":
         "„%1“ ist eine intelligente Sammlung: Ihre Schriften sind die, auf die ihre Filter zutreffen. Um sie zu ändern, im Menü der Sammlung „Filter bearbeiten …“ wählen.",
     "The filters of “%1” are too long to ask (%2; at most %3): its fonts stay as they were. Shorten the filter text, or the list of folders or characters, and save again.":

@@ -945,10 +945,6 @@
         <translation>Morvane</translation>
     </message>
     <message>
-        <source>Save problem</source>
-        <translation>Problem beim Sichern</translation>
-    </message>
-    <message>
         <source>Search</source>
         <translation>Suche</translation>
     </message>
@@ -1146,6 +1142,17 @@
     <message>
         <source>Select All</source>
         <translation>Alles auswählen</translation>
+    </message>
+</context>
+<context>
+    <name>SaveFailureBanner</name>
+    <message>
+        <source>Save problem</source>
+        <translation>Problem beim Sichern</translation>
+    </message>
+    <message>
+        <source>Morvane can't save its library in %1: %2. Changes made now are lost when Morvane quits, unless the folder can be written again before then.</source>
+        <translation>Morvane kann seine Bibliothek nicht in %1 speichern: %2. Jetzt vorgenommene Änderungen gehen beim Beenden verloren, sofern der Ordner bis dahin nicht wieder beschreibbar ist.</translation>
     </message>
 </context>
 <context>

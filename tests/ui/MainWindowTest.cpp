@@ -37,6 +37,7 @@
 #include <QProgressBar>
 #include <QPushButton>
 #include <QSemaphore>
+#include <QImage>
 #include <QSignalSpy>
 #include <QSplitter>
 #include <QTest>
@@ -134,8 +135,17 @@ TEST(MainWindow, ShowsAFailedSaveUntilASaveSucceeds)
         ASSERT_TRUE(failure.wait(10'000));
     });
     EXPECT_TRUE(banner->isVisible());
-    EXPECT_EQ(banner->text(), QStringLiteral("Morvane can't save its library: Is a directory. Changes made now will "
-                                             "be lost when Morvane quits."));
+    EXPECT_EQ(banner->text(), QStringLiteral("Morvane can't save its library in ~/.local/share/Morvane: Is a directory. "
+                                             "Changes made now are lost when Morvane quits, unless the folder can be "
+                                             "written again before then."));
+    // Readable in a dark palette too: the palette's own text on a dark wash.
+    QPalette dark = window.palette();
+    dark.setColor(QPalette::Window, QColor(30, 30, 30));
+    dark.setColor(QPalette::WindowText, QColor(235, 235, 235));
+    window.setPalette(dark);
+    QImage shot(banner->size(), QImage::Format_ARGB32);
+    banner->render(&shot);
+    EXPECT_LT(shot.pixelColor(2, 2).lightness(), 80) << "the wash follows the dark window";
 
     ASSERT_TRUE(QDir(storage + QStringLiteral("/sources.json")).removeRecursively());
     window.state().addSource(TestSupport::makeDir(TestSupport::testRoot() + QStringLiteral("/More")));

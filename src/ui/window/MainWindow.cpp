@@ -6,6 +6,7 @@
 
 #include <QLineEdit>
 #include "ui/window/MessageArea.h"
+#include "ui/window/SaveFailureBanner.h"
 #include "ui/common/WheelGuard.h"
 
 #include "ui/collection/CollectionView.h"
@@ -68,12 +69,7 @@ MainWindow::MainWindow(std::unique_ptr<FontActivating> activation, QWidget *pare
     auto *layout = new QVBoxLayout(central);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
-    m_saveFailure = new QLabel(central);
-    m_saveFailure->setAccessibleName(tr("Save problem"));
-    m_saveFailure->setWordWrap(true);
-    m_saveFailure->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    m_saveFailure->setStyleSheet(u"QLabel { background: #fde2e1; color: #5c1a16; padding: 8px 12px; }"_s);
-    m_saveFailure->hide();
+    m_saveFailure = new SaveFailureBanner(*m_state, central);
     layout->addWidget(m_saveFailure);
     m_messages = new MessageArea(*m_state, central);
     layout->addWidget(m_messages);
@@ -107,7 +103,6 @@ MainWindow::MainWindow(std::unique_ptr<FontActivating> activation, QWidget *pare
         list->setFocus(Qt::OtherFocusReason);
     });
     connect(m_empty, &EmptyStateView::addFolderRequested, this, &MainWindow::addFolders);
-    connect(m_state.get(), &AppState::saveFailureChanged, this, &MainWindow::updateSaveFailure);
     connect(m_state.get(), &AppState::unavailableSourcesChanged, this, &MainWindow::showDetail);
     connect(m_unavailable, &UnavailableSourceView::retryRequested, m_state.get(), &AppState::refreshFileSystem);
     connect(m_state.get(), &AppState::sidebarSelectionChanged, this, &MainWindow::showDetail);
@@ -324,14 +319,6 @@ void MainWindow::showEvent(QShowEvent *event)
 
 // Shown until a save succeeds again: until then, what the user changes lives only in
 // this run.
-void MainWindow::updateSaveFailure()
-{
-    const QString failure = m_state->saveFailure();
-    m_saveFailure->setVisible(!failure.isEmpty());
-    m_saveFailure->setText(failure.isEmpty() ? QString()
-                                             : u"Morvane can't save its library: %1. Changes made now will be lost "
-                                               u"when Morvane quits."_s.arg(failure));
-}
 
 QString MainWindow::plainReason(const QString &systemError)
 {
