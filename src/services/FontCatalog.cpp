@@ -139,8 +139,10 @@ void FontCatalog::setAside(const QString &path, const QString &why)
     Console::printLine(u"The font catalogue at "_s + path + u" was set aside ("_s + why + u") and is built again"_s);
 }
 
-QStringList FontCatalog::filesToRead(const QList<FileStamp> &seen)
+QStringList FontCatalog::filesToRead(const QList<FileStamp> &seen, qsizetype *dropped)
 {
+    if (dropped)
+        *dropped = 0;
     const std::lock_guard lock(m_mutex);
     if (!m_db)
         return {};
@@ -170,6 +172,8 @@ QStringList FontCatalog::filesToRead(const QList<FileStamp> &seen)
         if (found != recorded.cend())
             recorded.erase(found);
     }
+    if (dropped)
+        *dropped = recorded.size();
     if (!recorded.isEmpty() || !toRead.isEmpty()) {
         exec("BEGIN");
         Statement faces(m_db, "DELETE FROM faces WHERE file = ?");

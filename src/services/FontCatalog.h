@@ -45,6 +45,8 @@ struct FontQuery
     QList<LicenseStatus> licenseStatuses{}; // any of them, as the file's tags say
     std::optional<QUuid> collection{};      // members of the collection, or inside its member folders
     bool conflicts = false; // active, and another active file has the same PostScript name
+
+    friend bool operator==(const FontQuery &, const FontQuery &) = default;
 };
 
 // What a query found: families in the library's collation order, and for the filter
@@ -89,7 +91,7 @@ public:
 
     // Of the files a scan saw: those to read (new, or changed in size or time since
     // recorded). Files recorded but not seen are dropped here.
-    QStringList filesToRead(const QList<FileStamp> &seen);
+    QStringList filesToRead(const QList<FileStamp> &seen, qsizetype *dropped = nullptr);
     // Records what a read of the file gave; no faces records it as unreadable, not tried
     // again until it changes.
     void record(const FileStamp &file, const QList<FaceRecord> &faces);

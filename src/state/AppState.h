@@ -267,7 +267,9 @@ public:
 
 Q_SIGNALS:
     void catalogueProgressChanged();
-    void catalogueChanged(); // more faces indexed, or some dropped
+    // Faces were indexed or dropped: said once an indexing job has ended, never when
+    // nothing changed.
+    void catalogueChanged();
     void libraryCountsChanged();
     void smartEditRequested(const QUuid &id);
     void sourcesChanged();
@@ -407,6 +409,9 @@ private:
     QFuture<FontQueryAnswer> answer(FontQuery query, std::shared_ptr<std::atomic_bool> cancelled);
     QString m_catalogueFile = FontCatalog::defaultPath();
     // Set while a batch runs: activation is Morvane's first job, the catalogue waits.
+    // Faces recorded or dropped that no catalogueChanged has announced yet (a job cut
+    // short leaves them to the one that ends).
+    std::shared_ptr<std::atomic_bool> m_catalogueUnannounced = std::make_shared<std::atomic_bool>(false);
     std::shared_ptr<std::atomic_bool> m_cataloguePaused = std::make_shared<std::atomic_bool>(false);
     std::shared_ptr<std::atomic<qint64>> m_catalogueQuietUntil = std::make_shared<std::atomic<qint64>>(0);
     SearchFilter m_searchFilter = &AppState::filterIndex;

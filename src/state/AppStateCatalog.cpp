@@ -128,7 +128,8 @@ void AppState::indexCatalogue()
     m_catalogueJob = QtConcurrent::run(&indexers(), [this, catalog, cancellation, activation = &m_fontActivationService,
                                                      paused = m_cataloguePaused, quietUntil = m_catalogueQuietUntil,
                                                      files = m_fileSystemService, sources = m_sources,
-                                                     collections = m_collections, active = m_activatedFonts] {
+                                                     collections = m_collections, active = m_activatedFonts,
+                                                     unannounced = m_catalogueUnannounced] {
         // A batch of activations goes first, and the next one a user starts soon after:
         // this goes on two seconds after the last has ended.
         const auto waitYourTurn = [&] {
@@ -172,7 +173,10 @@ void AppState::indexCatalogue()
         }
         waitYourTurn();
         const QList<FileStamp> stamps = stampsOf(paths);
-        const QStringList toRead = catalog->filesToRead(stamps); // vanished files go here
+        qsizetype dropped = 0;
+        const QStringList toRead = catalog->filesToRead(stamps, &dropped); // vanished files go here
+        if (dropped > 0)
+            unannounced->store(true);
         QHash<QString, FileStamp> byPath;
         for (qsizetype i = 0; !toRead.isEmpty() && i < stamps.size(); ++i)
             byPath.insert(stamps.at(i).path, stamps.at(i));
@@ -197,12 +201,15 @@ void AppState::indexCatalogue()
             const QList<QList<FaceRecord>> read = QtConcurrent::blockingMapped(&readers(), chunk, &FaceReader::read);
             for (qsizetype i = 0; i < chunk.size(); ++i)
                 catalog->record(byPath.value(chunk.at(i)), read.at(i));
+            unannounced->store(true);
             done += chunk.size();
-            report(true, done, total, true);
+            report(true, done, total, false);
         }
         qCDebug(lcLibrary) << "catalogued" << total << "of" << paths.size() << "files in" << took.elapsed() << "ms";
+        // Said once, when the job is done, and only when something changed (this job's
+        // or one a newer refresh cut short): views update once, not once per chunk.
         if (!cancellation.isCancelled())
-            report(false, done, total, true);
+            report(false, done, total, unannounced->exchange(false));
         // Then, on the same idle thread, what activating each folder will need.
         if (cancellation.isCancelled())
             return;

@@ -60,7 +60,11 @@ QSet<QString> linkedFonts()
 
 std::unique_ptr<MainWindow> start()
 {
-    return WindowFixture::openWindow(std::make_unique<FontActivationService>());
+    auto window = WindowFixture::openWindow(std::make_unique<FontActivationService>());
+    // Keys go to the focused widget of the active window: the window must be active.
+    window->activateWindow();
+    EXPECT_TRUE(QTest::qWaitForWindowActive(window.get()));
+    return window;
 }
 
 bool idle(MainWindow &window)

@@ -6,6 +6,7 @@
 #include "ui/common/RowButton.h"
 
 #include <QCoreApplication>
+#include <QHash>
 #include <QSet>
 
 using namespace Qt::StringLiterals;
@@ -51,12 +52,61 @@ FontListModel::FontListModel(AppState &state, QObject *parent)
     });
 }
 
-void FontListModel::setAnswer(FontQueryAnswer answer)
+void FontListModel::setAnswer(FontQueryAnswer answer, bool samePlace)
 {
-    beginResetModel();
+    const QModelIndexList kept = samePlace ? persistentIndexList() : QModelIndexList();
+    if (m_answer.families.isEmpty() || kept.isEmpty()) {
+        beginResetModel();
+        m_answer = std::move(answer);
+        m_familyStates.assign(size_t(m_answer.families.size()), -1);
+        endResetModel();
+        return;
+    }
+    // A new answer to the same question (fonts indexed, activated, dropped): one layout
+    // change in which every row the views hold on to (the chosen row,
+    // open families, the current row) moves to where its family or face now is, so the
+    // user's place survives; rows that are gone let go.
+    Q_EMIT layoutAboutToBeChanged({}, QAbstractItemModel::VerticalSortHint);
+    struct Place
+    {
+        QString family;
+        QString path; // a face's; empty for a family row
+        int faceIndex = 0;
+    };
+    QList<Place> places;
+    places.reserve(kept.size());
+    for (const QModelIndex &index : kept) {
+        const FontFamily *family = familyOf(index);
+        const FoundFace *face = index.internalId() == kFamilyRow ? nullptr : faceOf(index);
+        places.append({family ? family->name : QString(), face ? face->path : QString(), face ? face->faceIndex : 0});
+    }
     m_answer = std::move(answer);
     m_familyStates.assign(size_t(m_answer.families.size()), -1);
-    endResetModel();
+    QHash<QString, int> familyRows;
+    familyRows.reserve(m_answer.families.size());
+    for (int row = 0; row < m_answer.families.size(); ++row)
+        familyRows.insert(m_answer.families.at(row).name, row);
+    QModelIndexList moved;
+    moved.reserve(kept.size());
+    for (const Place &place : std::as_const(places)) {
+        const int familyRow = familyRows.value(place.family, -1);
+        if (familyRow < 0) {
+            moved.append(QModelIndex());
+            continue;
+        }
+        if (place.path.isEmpty()) {
+            moved.append(createIndex(familyRow, 0, kFamilyRow));
+            continue;
+        }
+        const QList<FoundFace> &faces = m_answer.families.at(familyRow).faces;
+        const auto face = std::find_if(faces.cbegin(), faces.cend(), [&](const FoundFace &f) {
+            return f.path == place.path && f.faceIndex == place.faceIndex;
+        });
+        moved.append(face == faces.cend() ? QModelIndex()
+                                          : createIndex(int(face - faces.cbegin()), 0, quintptr(familyRow) + 1));
+    }
+    changePersistentIndexList(kept, moved);
+    Q_EMIT layoutChanged({}, QAbstractItemModel::VerticalSortHint);
 }
 
 QModelIndex FontListModel::index(int row, int column, const QModelIndex &parent) const

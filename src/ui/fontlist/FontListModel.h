@@ -27,7 +27,10 @@ public:
 
     explicit FontListModel(AppState &state, QObject *parent = nullptr);
 
-    void setAnswer(FontQueryAnswer answer);
+    // `samePlace`: a new answer to the question already shown; the rows the views hold
+    // on to (chosen, open, current) follow their family or face. Otherwise the list
+    // starts afresh.
+    void setAnswer(FontQueryAnswer answer, bool samePlace = false);
     const FontQueryAnswer &answer() const { return m_answer; }
 
     QModelIndex index(int row, int column, const QModelIndex &parent = {}) const override;

@@ -22,6 +22,7 @@
 #include <QLocale>
 #include <QPointer>
 #include <QProxyStyle>
+#include <QScrollBar>
 #include <QSlider>
 #include <QStyleOption>
 #include <QStackedWidget>
@@ -367,6 +368,8 @@ void FontListView::ask()
         if (!answer.cancelled)
             answered(answer);
     });
+    m_asked = query;
+    m_askedKind = m_kind;
     m_asking->setFuture(m_state.askFonts(query));
 }
 
@@ -378,7 +381,18 @@ void FontListView::answered(const FontQueryAnswer &answer)
     m_count->setText((families == 1 ? tr("1 family") : tr("%1 families").arg(locale.toString(families))) + u", "_s
                      + (faces == 1 ? tr("1 face") : tr("%1 faces").arg(locale.toString(faces))));
     m_bar->setCounts(answer);
-    m_model->setAnswer(answer);
+    // The same question again (the library changed under it): the user's place stays,
+    // the family at the top included.
+    const bool samePlace = m_shown && m_shown->first == m_asked && m_shown->second == m_askedKind;
+    m_shown = {m_asked, m_askedKind};
+    const QPersistentModelIndex top = m_tree->indexAt(QPoint(1, 1));
+    const int topOffset = top.isValid() ? m_tree->visualRect(top).top() : 0;
+    m_model->setAnswer(answer, samePlace);
+    if (samePlace && top.isValid()) {
+        m_tree->scrollTo(top, QAbstractItemView::PositionAtTop);
+        if (m_tree->verticalScrollMode() == QAbstractItemView::ScrollPerPixel) // a row partly scrolled off stays so
+            m_tree->verticalScrollBar()->setValue(m_tree->verticalScrollBar()->value() - topOffset);
+    }
 }
 
 void FontListView::toggle(const QModelIndex &index)

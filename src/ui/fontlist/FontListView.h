@@ -11,6 +11,8 @@
 #include <QWidget>
 
 #include <functional>
+#include <optional>
+#include <utility>
 
 class AppState;
 class CompareView;
@@ -126,4 +128,7 @@ private:
     QTimer *m_askSoon;
     QFutureWatcher<FontQueryAnswer> *m_asking = nullptr; // the newest question
     bool m_querying = false;
+    FontQuery m_asked;                   // the newest question
+    LibraryView::Kind m_askedKind{};
+    std::optional<std::pair<FontQuery, LibraryView::Kind>> m_shown; // the question the list answers
 };
