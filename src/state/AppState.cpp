@@ -257,21 +257,6 @@ void AppState::openFontFile(const QString &path)
     Q_EMIT openedFontFileChanged();
 }
 
-void AppState::setShouldFocusBrowser(bool focus)
-{
-    if (m_shouldFocusBrowser == focus)
-        return;
-    m_shouldFocusBrowser = focus;
-    Q_EMIT shouldFocusBrowserChanged();
-}
-
-void AppState::setShouldFocusSidebar(bool focus)
-{
-    if (m_shouldFocusSidebar == focus)
-        return;
-    m_shouldFocusSidebar = focus;
-    Q_EMIT shouldFocusSidebarChanged();
-}
 
 void AppState::setPreviewText(const QString &text)
 {

@@ -88,15 +88,10 @@ public:
     void navigateToSearchResult(FolderSearchResult result); // by value: it empties the results
     void navigateToMember(const CollectionMember &member);
 
-    // View requests: set by the store's jumps or the views, consumed by the views.
-    const std::optional<SidebarItem> &programmaticNavTarget() const { return m_programmaticNavTarget; }
-    void setProgrammaticNavTarget(const std::optional<SidebarItem> &target) { m_programmaticNavTarget = target; }
-    bool shouldFocusBrowser() const { return m_shouldFocusBrowser; }
-    void setShouldFocusBrowser(bool focus);
-    bool shouldFocusSidebar() const { return m_shouldFocusSidebar; }
-    void setShouldFocusSidebar(bool focus);
-    bool shouldScrollToSelection() const { return m_shouldScrollToSelection; }
-    void setShouldScrollToSelection(bool scroll) { m_shouldScrollToSelection = scroll; }
+    // One view hands the keyboard to another (Left from the first column, Enter on a
+    // source): said, not kept; whoever takes it acts on the signal.
+    void requestBrowserFocus() { Q_EMIT browserFocusRequested(); }
+    void requestSidebarFocus() { Q_EMIT sidebarFocusRequested(); }
 
     // ---- Activation (AppStateActivation.cpp) -----------------------------------------
     const QSet<QString> &activatedFonts() const { return m_activatedFonts; } // paths we activated
@@ -289,8 +284,12 @@ Q_SIGNALS:
     void searchResultsChanged();
     void isSearchingFoldersChanged();
     void isIndexingChanged();
-    void shouldFocusBrowserChanged();
-    void shouldFocusSidebarChanged();
+    void browserFocusRequested();
+    void sidebarFocusRequested();
+    // The store itself jumped (a search hit, a collection member) to a place in this
+    // sidebar item: said before the selection and columns change, so the views bring
+    // the chosen rows into view even where they were chosen already and scrolled away.
+    void jumped(const SidebarItem &target);
     void saveFailureChanged();
     void noticeChanged();
     void unavailableSourcesChanged();
@@ -363,10 +362,6 @@ private:
     QList<FontNode> m_navigationPath;
     int m_activeColumnIndex = 0;
     QList<QList<FontNode>> m_cachedColumns;
-    std::optional<SidebarItem> m_programmaticNavTarget; // the item the store itself selected in a jump
-    bool m_shouldFocusBrowser = false;
-    bool m_shouldFocusSidebar = false;
-    bool m_shouldScrollToSelection = false;
     // Activation
     QSet<QString> m_activatedFonts;
     // How many of a folder's or a collection's fonts are active, of how many: a batch

@@ -178,8 +178,7 @@ void AppState::jumpTo(const FolderSource &source, const QList<FontNode> &path)
 
 void AppState::navigateToSearchResult(FolderSearchResult result)
 {
-    m_shouldScrollToSelection = true;
-    m_programmaticNavTarget = SidebarItem(result.source);
+    Q_EMIT jumped(SidebarItem(result.source));
     setSearchQuery(QString()); // ends the search
     jumpTo(result.source, result.navigationPath);
 }
@@ -199,7 +198,6 @@ void AppState::navigateToMember(const CollectionMember &member)
     QList<FontNode> newPath = buildNavigationPath(source->path, target.isEmpty() ? QStringLiteral("/") : target);
     if (!member.isDirectory)
         newPath.append(FontNode::fromPath(path));
-    m_shouldScrollToSelection = true;
-    m_programmaticNavTarget = SidebarItem(*source);
+    Q_EMIT jumped(SidebarItem(*source));
     jumpTo(*source, newPath);
 }

@@ -172,17 +172,16 @@ TEST_F(Browser, KeysMoveThroughColumnsAsTheStoreSays)
     store.showSourceRoot();
     column(0)->setFocus();
     press(column(0), 'd');
+    QSignalSpy handedOver(&store, &AppState::sidebarFocusRequested);
     press(column(0), 'l');
-    EXPECT_TRUE(store.shouldFocusSidebar());
+    EXPECT_EQ(handedOver.count(), 1);
     EXPECT_EQ(path(), u"A"_s);
 
     // The sidebar hands the keyboard back: the active column takes it.
-    store.setShouldFocusSidebar(false);
     column(0)->clearFocus();
     view.setFocus();
-    store.setShouldFocusBrowser(true);
+    store.requestBrowserFocus();
     EXPECT_EQ(QApplication::focusWidget(), column(0));
-    EXPECT_FALSE(store.shouldFocusBrowser());
 }
 
 TEST_F(Browser, ClicksSelectAndTheButtonTogglesWithoutSelecting)

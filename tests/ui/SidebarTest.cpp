@@ -330,7 +330,6 @@ TEST_F(Sidebar, SelectionFollowsTheStoreAndTheKeysHandFocusOver)
     // Left in the first column gives them back.
     QTest::keyClick(browser->columns().value(0), Qt::Key_Left);
     EXPECT_TRUE(sidebar->sourcesList()->hasFocus());
-    EXPECT_FALSE(store.shouldFocusSidebar());
 }
 
 TEST_F(Sidebar, AddButtonsButtonsAndMenusManageSourcesAndCollections)

@@ -87,12 +87,8 @@ ColumnBrowserView::ColumnBrowserView(AppState &state, QWidget *parent)
         for (const Column &column : std::as_const(m_columns))
             column.view->nodeModel()->licensesChanged();
     });
-    connect(&m_state, &AppState::shouldFocusBrowserChanged, this, [this] {
-        if (!m_state.shouldFocusBrowser())
-            return;
-        m_state.setShouldFocusBrowser(false);
-        focusActiveColumn();
-    });
+    connect(&m_state, &AppState::browserFocusRequested, this, &ColumnBrowserView::focusActiveColumn);
+    connect(&m_state, &AppState::jumped, this, [this] { m_scrollToSelection = true; });
     rebuildColumns();
     rebuildBreadcrumb();
 }
@@ -154,10 +150,10 @@ void ColumnBrowserView::rebuildColumns()
     syncColumns();
     // A jump (a search hit, a collection member) asks for its rows in view, even rows
     // that were selected before and have been scrolled away since.
-    if (m_state.shouldScrollToSelection() && isVisible()) {
+    if (m_scrollToSelection && isVisible()) {
         for (const Column &column : std::as_const(m_columns))
             column.view->scrollToSelection();
-        m_state.setShouldScrollToSelection(false);
+        m_scrollToSelection = false;
     }
     if (keyboard)
         focusActiveColumn();

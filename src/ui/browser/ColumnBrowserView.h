@@ -55,4 +55,5 @@ private:
     QList<Column> m_columns;
     FontPreviewView *m_preview = nullptr;
     QString m_previewKey;
+    bool m_scrollToSelection = false; // a jump's rows come into view once laid out
 };

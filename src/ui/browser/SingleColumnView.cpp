@@ -181,7 +181,7 @@ void SingleColumnView::keyPressEvent(QKeyEvent *event)
     case Qt::Key_Left:
         // The first column hands the keyboard to the sidebar.
         if (m_state.activeColumnIndex() < 1)
-            m_state.setShouldFocusSidebar(true);
+            m_state.requestSidebarFocus();
         else
             m_state.handleArrowLeft();
         break;

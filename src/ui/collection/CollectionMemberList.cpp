@@ -64,7 +64,7 @@ void CollectionMemberList::keyPressEvent(QKeyEvent *event)
         }
         break;
     case Qt::Key_Left:
-        m_state.setShouldFocusSidebar(true);
+        m_state.requestSidebarFocus();
         break;
     default:
         QListView::keyPressEvent(event);

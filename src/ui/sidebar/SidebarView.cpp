@@ -54,16 +54,12 @@ SidebarView::SidebarView(AppState &state, QWidget *parent)
     });
     connect(&state, &AppState::sidebarSelectionChanged, this, &SidebarView::syncSelection);
     // A jump within the selected source changes no selection, only the columns.
+    connect(&state, &AppState::jumped, this, [this](const SidebarItem &target) { m_jumpedTo = target; });
     connect(&state, &AppState::cachedColumnsChanged, this, [this] {
-        if (m_state.programmaticNavTarget())
+        if (m_jumpedTo)
             syncSelection();
     });
-    connect(&state, &AppState::shouldFocusSidebarChanged, this, [this] {
-        if (!m_state.shouldFocusSidebar())
-            return;
-        setFocus(Qt::OtherFocusReason);
-        m_state.setShouldFocusSidebar(false);
-    });
+    connect(&state, &AppState::sidebarFocusRequested, this, [this] { setFocus(Qt::OtherFocusReason); });
     fitSources();
     syncSelection();
 }
@@ -117,10 +113,8 @@ void SidebarView::syncSelection()
     const std::optional<SidebarItem> &selection = m_state.sidebarSelection();
     // The store itself chose this row in a jump (a search hit, a collection member): it
     // comes into view even where the list had it chosen already, scrolled away.
-    const std::optional<SidebarItem> &jumpedTo = m_state.programmaticNavTarget();
+    const std::optional<SidebarItem> jumpedTo = std::exchange(m_jumpedTo, std::nullopt);
     const bool reveal = jumpedTo && selection && *jumpedTo == *selection;
-    if (jumpedTo)
-        m_state.setProgrammaticNavTarget(std::nullopt);
     m_sources->syncSelection(reveal);
     m_collections->syncSelection(reveal);
     setFocusProxy(selection && selection->isCollection() ? static_cast<QWidget *>(m_collections)
@@ -166,7 +160,7 @@ void SidebarView::handOver()
     const QList<QList<FontNode>> &columns = m_state.cachedColumns();
     if (!columns.isEmpty() && !columns.first().isEmpty())
         m_state.selectNode(columns.first().first(), 0);
-    m_state.setShouldFocusBrowser(true);
+    m_state.requestBrowserFocus();
 }
 
 void SidebarView::moveAcross(bool down)

@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "model/SidebarItem.h"
 #include "ui/sidebar/SidebarList.h"
 
 #include <QWidget>
 
 #include <functional>
+#include <optional>
 
 class AppState;
 class LibraryList;
@@ -66,6 +68,7 @@ private:
     SidebarList *m_sources;
     SidebarList *m_collections;
     QWidget *m_lastTabStop = nullptr;
+    std::optional<SidebarItem> m_jumpedTo; // the store's jump, until the rows show it
     std::function<QStringList()> m_chooseFolders;
     std::function<QString()> m_chooseIcon;
 };
