@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "Assembly.h"
 #include "AppMenus.h"
 #include "SingleInstance.h"
 #include "StartupReport.h"
@@ -92,7 +93,7 @@ int main(int argc, char *argv[])
         break;
     }
 
-    MainWindow window;
+    MainWindow window(Assembly::store());
     window.state().setWatchingSources(true); // fonts copied into a source appear without Refresh
     QFontDatabase::families(); // read now, with our links left out
     OwnFontconfig::restoreEnvironment();

@@ -20,6 +20,7 @@ constexpr int kSaveRetryMs = 3000;
 
 AppState::AppState(FontActivating &fontActivationService, PersistenceService &persistenceService, QObject *parent)
     : QObject(parent)
+    , m_folderSearch(new FolderSearch(this))
     , m_fileSystemService(std::make_shared<FileSystemService>())
     , m_fontActivationService(fontActivationService)
     , m_persistenceService(persistenceService)
@@ -27,6 +28,9 @@ AppState::AppState(FontActivating &fontActivationService, PersistenceService &pe
     , m_collator(QLocale())
 {
     m_collator.setCaseSensitivity(Qt::CaseInsensitive);
+    connect(m_folderSearch, &FolderSearch::queryChanged, this, &AppState::searchQueryChanged);
+    connect(m_folderSearch, &FolderSearch::resultsChanged, this, &AppState::searchResultsChanged);
+    connect(m_folderSearch, &FolderSearch::isSearchingFoldersChanged, this, &AppState::isSearchingFoldersChanged);
     // The writer reports from its own thread; the result is applied on ours.
     m_persistenceService.setSaveObserver([this](const QString &fileName, const QString &failure) {
         QMetaObject::invokeMethod(this, [this, fileName, failure] { recordSaveResult(fileName, failure); },
@@ -67,7 +71,6 @@ AppState::~AppState()
     m_persistenceService.setSaveObserver(nullptr); // no report can reach us any more
     // A job still running holds the activation service, which may go away with us.
     m_libraryCancellation.cancel();
-    m_searchCancellation.cancel();
     m_catalogueCancellation.cancel();
     m_jobs.waitForAll();
     for (QFuture<void> &job : m_catalogueJobs)
@@ -165,21 +168,6 @@ void AppState::setIsIndexing(bool indexing)
     Q_EMIT isIndexingChanged();
 }
 
-void AppState::setSearchResults(QList<FolderSearchResult> results)
-{
-    if (results.isEmpty() && m_searchResults.isEmpty())
-        return;
-    m_searchResults = std::move(results);
-    Q_EMIT searchResultsChanged();
-}
-
-void AppState::setIsSearchingFolders(bool searching)
-{
-    if (m_isSearchingFolders == searching)
-        return;
-    m_isSearchingFolders = searching;
-    Q_EMIT isSearchingFoldersChanged();
-}
 
 void AppState::setNavigationPath(const QList<FontNode> &path)
 {
@@ -281,7 +269,7 @@ void AppState::installLibrary(std::shared_ptr<const FileSystemService> service, 
     // Freeing the old scan's 100,000 strings and the old index is done on a worker,
     // not on the interface thread.
     QThreadPool::globalInstance()->start([oldService = std::exchange(m_fileSystemService, std::move(service)),
-                                          oldIndex = std::exchange(m_searchIndex, std::move(searchIndex))]() mutable {
+                                          oldIndex = m_folderSearch->replaceIndex(std::move(searchIndex))]() mutable {
         oldService.reset();
         oldIndex.clear();
     });

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "ActivationBatch.h"
+#include "FolderSearch.h"
 #include "discovery/FileSystemService.h"
 #include "model/ActivationState.h"
 #include "model/CollectionRecords.h"
@@ -146,25 +147,25 @@ public:
     void setListSize(double size) { m_persistenceService.setListSize(size); }
     void setPreviewSize(double size);
 
-    // ---- Folder search ------------------------------------------------------------
-    const QString &searchQuery() const { return m_searchQuery; }
-    void setSearchQuery(const QString &query); // a different value schedules a search
-    const QList<FolderSearchResult> &searchResults() const { return m_searchResults; }
-    bool isSearchingFolders() const { return m_isSearchingFolders; } // a non-empty query awaits results
-    bool isSearching() const;                                        // trimmed query not empty
-    // Without leading and trailing spaces and tabs; a line break counts as text.
-    static QString trimmedQuery(const QString &query);
-    const QList<FolderSearchResult> &searchIndex() const { return m_searchIndex; } // every folder, by name
+    // ---- Folder search (FolderSearch) -----------------------------------------------
+    const QString &searchQuery() const { return m_folderSearch->query(); }
+    void setSearchQuery(const QString &query) { m_folderSearch->setQuery(query); } // a different value schedules a search
+    const QList<FolderSearchResult> &searchResults() const { return m_folderSearch->results(); }
+    bool isSearchingFolders() const { return m_folderSearch->isSearchingFolders(); } // a non-empty query awaits results
+    bool isSearching() const { return m_folderSearch->isSearching(); }               // trimmed query not empty
+    static QString trimmedQuery(const QString &query) { return FolderSearch::trimmedQuery(query); }
+    const QList<FolderSearchResult> &searchIndex() const { return m_folderSearch->index(); } // every folder, by name
     // Filters the index after a 200 ms pause, off the interface thread; a newer query
-    // supersedes it (AppStateSearch.cpp).
-    void scheduleSearch();
-    // The filter itself: folders whose own name contains the query, case-insensitively.
+    // supersedes it.
+    void scheduleSearch() { m_folderSearch->schedule(); }
     static QList<FolderSearchResult> filterIndex(const QList<FolderSearchResult> &index, const QString &query,
-                                                 const CancellationToken &cancellation);
+                                                 const CancellationToken &cancellation)
+    {
+        return FolderSearch::filterIndex(index, query, cancellation);
+    }
     // Tests may put another filter in its place (to count the runs).
-    using SearchFilter = std::function<QList<FolderSearchResult>(const QList<FolderSearchResult> &, const QString &,
-                                                                 const CancellationToken &)>;
-    void setSearchFilterForTesting(SearchFilter filter) { m_searchFilter = std::move(filter); }
+    using SearchFilter = FolderSearch::Filter;
+    void setSearchFilterForTesting(SearchFilter filter) { m_folderSearch->setFilter(std::move(filter)); }
 
     // ---- Sources and library loading (AppStateSources.cpp) -----------------------------
     bool isIndexing() const { return m_isIndexing; } // a library refresh runs
@@ -301,7 +302,6 @@ private:
     QCoro::Task<> runRefresh(quint64 generation, QList<FolderSource> sources, QList<CollectionMember> members);
     void indexCatalogue();
     void setCatalogueProgress(bool working, qsizetype done, qsizetype total);
-    QCoro::Task<> runSearch(quint64 generation, QList<FolderSearchResult> index, QString query);
     QCoro::Task<> restoreActivations(QSet<QString> saved, bool savedSetIsWhole);
     // Activates the waiting fonts whose file can be reached again; drops those whose
     // source is back but whose file is gone.
@@ -328,8 +328,6 @@ private:
     void setIsProcessing(bool processing);
     void setProcessing(double progress, const QString &message);
     void setIsIndexing(bool indexing);
-    void setSearchResults(QList<FolderSearchResult> results);
-    void setIsSearchingFolders(bool searching);
     void setNavigationPath(const QList<FontNode> &path);
     void setActiveColumnIndex(int index);
     void setCachedColumns(QList<QList<FontNode>> columns); // always notifies
@@ -380,13 +378,7 @@ private:
     // Preview
     QString m_previewText = PersistenceService::defaultPreviewText();
     double m_previewSize = PersistenceService::defaultPreviewSize;
-    // Search
-    QString m_searchQuery;
-    QList<FolderSearchResult> m_searchResults;
-    bool m_isSearchingFolders = false;
-    QList<FolderSearchResult> m_searchIndex;
-    quint64 m_searchGeneration = 0;        // a sleeping search runs only if still the latest
-    CancellationToken m_searchCancellation; // the running filter
+    FolderSearch *m_folderSearch; // a child
     std::shared_ptr<FontCatalog> m_catalog; // opened by the first indexing job
     CancellationToken m_catalogueCancellation;
     QFuture<void> m_catalogueJob;          // the newest
@@ -409,7 +401,6 @@ private:
     std::shared_ptr<std::atomic_bool> m_catalogueUnannounced = std::make_shared<std::atomic_bool>(false);
     std::shared_ptr<std::atomic_bool> m_cataloguePaused = std::make_shared<std::atomic_bool>(false);
     std::shared_ptr<std::atomic<qint64>> m_catalogueQuietUntil = std::make_shared<std::atomic<qint64>>(0);
-    SearchFilter m_searchFilter = &AppState::filterIndex;
     // Loading
     bool m_isIndexing = false;
     quint64 m_libraryGeneration = 0;        // only the latest refresh is applied

@@ -3,6 +3,7 @@
 #include "ViewTestSupport.h"
 
 #include "AppMenus.h"
+#include "Assembly.h"
 #include "services/PersistenceService.h"
 #include "state/AppState.h"
 #include "ui/window/MainWindow.h"
@@ -43,7 +44,7 @@ protected:
     void SetUp() override
     {
         QApplication::setApplicationVersion(u"0.1"_s);
-        window = std::make_unique<MainWindow>(std::make_unique<InstantActivation>());
+        window = std::make_unique<MainWindow>(Assembly::store(std::make_unique<InstantActivation>()));
         AppMenus::install(*window);
         window->show();
         ASSERT_TRUE(QTest::qWaitForWindowExposed(window.get()));

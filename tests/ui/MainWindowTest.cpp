@@ -115,7 +115,7 @@ TEST(MainWindow, KeepsItsSizesAndItsSidebar)
 
 TEST(MainWindow, ShowsAFailedSaveUntilASaveSucceeds)
 {
-    MainWindow window;
+    MainWindow window(Assembly::store());
     window.show();
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
     QLabel *banner = nullptr;
@@ -338,7 +338,7 @@ TEST(MainWindow, ShowsTheSelectedCollectionBesideTheSidebar)
     const QString library = TestSupport::makeDir(TestSupport::testRoot() + QStringLiteral("/Fonts"));
     const QString font = TestSupport::writeFile(library + QStringLiteral("/a.ttf"));
     saveOneSource(library);
-    MainWindow window;
+    MainWindow window(Assembly::store());
     window.show();
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
     ASSERT_TRUE(QTest::qWaitFor([&] { return !window.state().isIndexing(); }, 20'000));

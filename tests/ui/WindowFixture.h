@@ -4,6 +4,7 @@
 #include "TestSupport.h"
 #include "ViewTestSupport.h"
 
+#include "Assembly.h"
 #include "services/PersistenceService.h"
 #include "state/AppState.h"
 #include "ui/window/MainWindow.h"
@@ -36,7 +37,7 @@ inline QString saveSansLibrary()
 // The window on that library, shown, its scan finished; fonts activate instantly.
 inline std::unique_ptr<MainWindow> openWindow(std::unique_ptr<FontActivating> activation = std::make_unique<InstantActivation>())
 {
-    auto window = std::make_unique<MainWindow>(std::move(activation));
+    auto window = std::make_unique<MainWindow>(Assembly::store(std::move(activation)));
     window->show();
     EXPECT_TRUE(QTest::qWaitForWindowExposed(window.get()));
     EXPECT_TRUE(QTest::qWaitFor([&] { return !window->state().isIndexing() && !window->state().isProcessing(); },

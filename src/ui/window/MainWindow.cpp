@@ -21,7 +21,6 @@
 #include "ui/window/ToolbarInputField.h"
 #include "ui/window/UnavailableSourceView.h"
 
-#include "services/FontActivationService.h"
 #include "services/PersistenceService.h"
 #include "state/AppState.h"
 
@@ -48,16 +47,15 @@
 
 using namespace Qt::StringLiterals;
 
-MainWindow::MainWindow(QWidget *parent)
-    : MainWindow(std::make_unique<FontActivationService>(), parent)
-{
-}
+WindowStore::WindowStore() = default;
+WindowStore::WindowStore(WindowStore &&) noexcept = default;
+WindowStore::~WindowStore() = default;
 
-MainWindow::MainWindow(std::unique_ptr<FontActivating> activation, QWidget *parent)
+MainWindow::MainWindow(WindowStore store, QWidget *parent)
     : QMainWindow(parent)
-    , m_activation(std::move(activation))
-    , m_persistence(std::make_unique<PersistenceService>())
-    , m_state(std::make_unique<AppState>(*m_activation, *m_persistence))
+    , m_activation(std::move(store.activation))
+    , m_persistence(std::move(store.persistence))
+    , m_state(std::move(store.state))
 {
     setWindowTitle(QString()); // the desktop shows the application's name
     setAccessibleName(tr("Morvane")); // what a screen reader names the window

@@ -30,14 +30,24 @@ class QPushButton;
 // Morvane's one window: the sidebar beside the detail area, the search field in the
 // toolbar, the re-indexing strip and the batch-job overlay. It owns the store and the
 // services it is built on, and restores the saved library the first time it is shown.
+// What the window is built on: the services and the one store over them. The
+// application shell makes them (src/app/Assembly); the window owns them for its life.
+struct WindowStore
+{
+    std::unique_ptr<FontActivating> activation;
+    std::unique_ptr<PersistenceService> persistence;
+    std::unique_ptr<AppState> state;
+    WindowStore();
+    WindowStore(WindowStore &&) noexcept;
+    ~WindowStore();
+};
+
 class MainWindow : public QMainWindow
 {
     Q_OBJECT
 
 public:
-    explicit MainWindow(QWidget *parent = nullptr);
-    // With another way of activating fonts than the system's (tests).
-    explicit MainWindow(std::unique_ptr<FontActivating> activation, QWidget *parent = nullptr);
+    explicit MainWindow(WindowStore store, QWidget *parent = nullptr);
     ~MainWindow() override;
 
     AppState &state() { return *m_state; }
