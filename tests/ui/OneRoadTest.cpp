@@ -3,6 +3,7 @@
 // keys and clicks in the real window on the system's fontconfig, each leaves the store,
 // "activated_fonts.json", our link folder and fc-list in agreement, and so does the next
 // start.
+#include "AppMenus.h"
 #include "TestSupport.h"
 #include "WindowFixture.h"
 
@@ -25,6 +26,7 @@
 #include <QFile>
 #include <QLineEdit>
 #include <QMenu>
+#include <QMenuBar>
 #include <QPushButton>
 #include <QStandardPaths>
 #include <QTest>
@@ -61,6 +63,7 @@ QSet<QString> linkedFonts()
 std::unique_ptr<MainWindow> start()
 {
     auto window = WindowFixture::openWindow(std::make_unique<FontActivationService>());
+    AppMenus::install(*window); // "Deactivate All Fonts" is the menu bar's
     // Keys go to the focused widget of the active window: the window must be active.
     window->activateWindow();
     EXPECT_TRUE(QTest::qWaitForWindowActive(window.get()));
@@ -79,6 +82,20 @@ QPushButton *buttonNamed(QWidget *in, const QString &text)
             return button;
     }
     return nullptr;
+}
+
+// The menu bar's command, by its text, as its shortcut or a click would run it.
+void menuCommand(MainWindow &window, const QString &text)
+{
+    for (QAction *menu : window.menuBar()->actions()) {
+        for (QAction *command : menu->menu()->actions()) {
+            if (command->text().remove(u'&') == text) {
+                command->trigger();
+                return;
+            }
+        }
+    }
+    ADD_FAILURE() << "no menu command " << text.toStdString();
 }
 
 // Opens the context menu of the focused widget with Shift+F10 and triggers its first item.
@@ -177,6 +194,17 @@ TEST_F(OneRoad, EveryViewsActivationIsSavedAndSurvivesARestart)
              firstMenuItem(sources);
          },
          [](const OneRoad &t) { return t.folder(QString()); }},
+        {"a collection in the sidebar (Space)",
+         [](MainWindow &window) {
+             AppState &store = window.state();
+             store.createCollection(u"Serif"_s); // made beforehand; the road is the key
+             store.addToCollection(store.collections().first().id, FontNode::fontFile(testRoot() + u"/Fonts/DejaVu/DejaVuSerif.ttf"_s));
+             SidebarList *collections = window.sidebar().collectionsList();
+             collections->setFocus(Qt::OtherFocusReason);
+             collections->setCurrentIndex(collections->model()->index(0, 0));
+             QTest::keyClick(collections, Qt::Key_Space);
+         },
+         [](const OneRoad &t) { return QSet<QString>{t.font(u"DejaVu/DejaVuSerif.ttf"_s)}; }},
         {"a search hit (Space)",
          [](MainWindow &window) {
              QLineEdit *field = window.searchField().lineEdit();
@@ -228,8 +256,8 @@ TEST_F(OneRoad, EveryViewsActivationIsSavedAndSurvivesARestart)
             auto restarted = start();
             ASSERT_TRUE(idle(*restarted));
             expectAgreement(*restarted, expected, "after a restart");
-            // Leave nothing active for the next road.
-            restarted->state().deactivateAllFonts();
+            // Leave nothing active for the next road: Edit > Deactivate All Fonts.
+            menuCommand(*restarted, u"Deactivate All Fonts"_s);
             ASSERT_TRUE(QTest::qWaitFor([&] { return restarted->state().activatedFonts().isEmpty(); }, 30'000));
             ASSERT_TRUE(idle(*restarted));
             expectAgreement(*restarted, {}, "after Deactivate All Fonts");
