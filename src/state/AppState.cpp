@@ -50,15 +50,19 @@ AppState::AppState(FontActivating &fontActivationService, PersistenceService &pe
     // has ended) and licence tags; the catalogue renews them after each of its jobs.
     const auto asksActive = [](const FontQuery &query) { return query.active.has_value(); };
     const auto asksLicence = [](const FontQuery &query) { return !query.licenseStatuses.isEmpty(); };
+    m_smartRenewals = new SmartRenewals([this](FontQuery query) { return answer(std::move(query), std::make_shared<std::atomic_bool>(false)); },
+                                        [this] { return m_collections; }, this);
+    connect(m_smartRenewals, &SmartRenewals::answered, this, &AppState::applySmartAnswer);
+    connect(m_smartRenewals, &SmartRenewals::tooLarge, this, &AppState::sayQuestionTooLarge);
     connect(this, &AppState::activatedFontsChanged, this, [this, asksActive] {
         if (!m_isProcessing)
-            scheduleSmartRenewal(asksActive);
+            m_smartRenewals->renewSoon(asksActive);
     });
     connect(this, &AppState::isProcessingChanged, this, [this, asksActive] {
         if (!m_isProcessing)
-            scheduleSmartRenewal(asksActive);
+            m_smartRenewals->renewSoon(asksActive);
     });
-    connect(this, &AppState::licenseTagsChanged, this, [this, asksLicence] { scheduleSmartRenewal(asksLicence); });
+    connect(this, &AppState::licenseTagsChanged, this, [this, asksLicence] { m_smartRenewals->renewSoon(asksLicence); });
     m_mountWatcher = new MountWatcher(this);
     connect(m_mountWatcher, &MountWatcher::mountsChanged, this, [this] {
         if (m_hasLoaded && !m_sources.isEmpty())

@@ -3,6 +3,7 @@
 
 #include "ActivationBatch.h"
 #include "FolderSearch.h"
+#include "SmartRenewals.h"
 #include "discovery/FileSystemService.h"
 #include "model/ActivationState.h"
 #include "model/CollectionRecords.h"
@@ -308,7 +309,7 @@ private:
     QCoro::Task<> restoreWaiting();
     // Activates saved fonts again ("Restoring"); those that fail for a reason not their
     // own go on waiting.
-    QCoro::Task<> reactivate(QList<FontNode> fonts);
+    QCoro::Task<BatchResult> reactivate(QList<FontNode> fonts);
     // The one worker behind every activation: chunks of 8, one background job each, in
     // turn. Never called from a view: they go through the guarded, saving entry points.
     QCoro::Task<BatchResult> batchProcess(QList<FontNode> fonts, bool activate, QString label);
@@ -341,11 +342,9 @@ private:
     void refuseSmartEdit(const FontCollection &collection);
     // Says so and returns true when a smart collection's question is too large to ask.
     bool refuseLargeQuestion(const QJsonObject &question, const QString &name);
-    QSet<QUuid> m_tooLargeSaid;
-    // Renewals asked for by what smart questions depend on, gathered into one.
-    void scheduleSmartRenewal(bool (*dependsOn)(const FontQuery &));
-    QTimer *m_smartRenewal = nullptr;
-    QHash<QUuid, quint64> m_smartGenerations; // the newest renewal of each: only its answer counts
+    void sayQuestionTooLarge(const QString &name, qsizetype size);
+    void applySmartAnswer(const QUuid &id, const QList<CollectionMember> &members);
+    SmartRenewals *m_smartRenewals; // a child
     void saveCollections();
 
     // Library

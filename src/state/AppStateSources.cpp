@@ -192,19 +192,20 @@ QCoro::Task<> AppState::restoreActivations(QSet<QString> saved, bool savedSetIsW
     setIsProcessing(false);
 }
 
-QCoro::Task<> AppState::reactivate(QList<FontNode> fonts)
+QCoro::Task<BatchResult> AppState::reactivate(QList<FontNode> fonts)
 {
     QPointer<AppState> self(this);
     const QString label = u"Restoring"_s;
     const BatchResult result = co_await batchProcess(fonts, true, label);
     if (!self)
-        co_return;
+        co_return result;
     // A font that failed because our font folder can't be written is no less wanted:
     // it waits for the next start, and the saved list keeps it. So does one a stopped
     // restore never reached.
     const QStringList wanted = result.systemFailures + result.untouched;
     if (!wanted.isEmpty())
         setWaitingActivations(m_waitingActivations + QSet<QString>(wanted.cbegin(), wanted.cend()));
+    co_return result;
 }
 
 QCoro::Task<> AppState::restoreWaiting()
@@ -226,7 +227,7 @@ QCoro::Task<> AppState::restoreWaiting()
     QSet<QString> stillWaiting = m_waitingActivations;
     QList<FontNode> fonts;
     for (const QString &path : sorted.existing) {
-        if (stillWaiting.remove(path))
+        if (stillWaiting.contains(path))
             fonts.append(FontNode::fromPath(path));
     }
     for (const QString &path : waiting) {
@@ -235,10 +236,22 @@ QCoro::Task<> AppState::restoreWaiting()
     }
     if (fonts.isEmpty() && stillWaiting == m_waitingActivations)
         co_return;
+    // The fonts being activated again go on waiting until their batch has said how it
+    // went: the waiting list never looks emptier than it is.
     setWaitingActivations(stillWaiting);
-    co_await reactivate(fonts);
-    if (self)
-        saveActivatedFonts();
+    const BatchResult result = co_await reactivate(fonts);
+    if (!self)
+        co_return;
+    // Done, or failed for a reason of the font's own: no longer waiting.
+    const QSet<QString> wanted(result.systemFailures.cbegin(), result.systemFailures.cend());
+    const QSet<QString> unreached(result.untouched.cbegin(), result.untouched.cend());
+    QSet<QString> waitingNow = m_waitingActivations;
+    for (const FontNode &font : std::as_const(fonts)) {
+        if (!wanted.contains(font.path()) && !unreached.contains(font.path()))
+            waitingNow.remove(font.path());
+    }
+    setWaitingActivations(std::move(waitingNow));
+    saveActivatedFonts();
 }
 
 void AppState::addSource(const QString &path)

@@ -156,17 +156,22 @@ TEST(Availability, AnEmptyMountPointKeepsItsActivationsUntilTheDriveIsBack)
     }
 
     Start start;
-    Tmpfs drive(mountPoint, "8m");
+    // The drive comes back whole, as a real one does: filled elsewhere, then mounted here.
+    Tmpfs drive(testRoot() + u"/filled"_s, "8m");
     ASSERT_TRUE(drive.mounted);
     for (const QString &font : fonts)
-        ASSERT_TRUE(QFile::copy(u"/usr/share/fonts/truetype/dejavu/"_s + font.section(u'/', -1), font));
-    Tmpfs nudge(testRoot() + u"/nudge"_s, "64k"); // the files are there before the mount is noticed
+        ASSERT_TRUE(QFile::copy(u"/usr/share/fonts/truetype/dejavu/"_s + font.section(u'/', -1),
+                                drive.path + u'/' + font.section(u'/', -1)));
+    ASSERT_EQ(::mount(QFile::encodeName(drive.path).constData(), QFile::encodeName(mountPoint).constData(), nullptr,
+                      MS_BIND, nullptr),
+              0);
     ASSERT_TRUE(QTest::qWaitFor([&] { return settled(start.store) && start.store.activatedFonts() == expected; },
                                 60'000));
     EXPECT_TRUE(start.store.unavailableSources().isEmpty());
     start.persistence.waitForWrites();
     EXPECT_EQ(savedFonts(), expected);
     EXPECT_EQ(listedByFontconfig(), expected);
+    ::umount2(QFile::encodeName(mountPoint).constData(), MNT_DETACH);
 }
 
 TEST(Availability, AFontFolderThatCantBeWrittenAtStartLosesNothing)

@@ -4,7 +4,11 @@
 // newest question winning, and stored by names that a later version still reads.
 #include "StateTestSupport.h"
 
+#include "services/FontQueryJson.h"
+#include "state/SmartRenewals.h"
+
 #include <QFile>
+#include <QPromise>
 #include <QSignalSpy>
 #include <QTest>
 #include <QThreadPool>
@@ -167,4 +171,65 @@ TEST(SmartCollectionsLimits, AnEnormousQuestionIsKeptButNeverAsked)
         EXPECT_EQ(huge->smartQuery->value("text"_L1).toString().size(), text.size());
         EXPECT_EQ(huge->members, (QList<CollectionMember>{{u"/kept.otf"_s, false}}));
     }
+}
+
+namespace {
+
+FontQueryAnswer answerOf(const QString &file)
+{
+    FoundFace face;
+    face.path = file;
+    FontQueryAnswer answer;
+    answer.families.append(FontFamily{u"Family"_s, {face}});
+    return answer;
+}
+
+} // namespace
+
+// The renewals alone, with answers released by hand in the worst order: the older
+// question answers last, and its answer is let go; a change asks again only the
+// questions that depend on it.
+TEST(SmartRenewals, OnlyTheNewestQuestionsAnswerCountsAndChangesAskOnlyWhoDepends)
+{
+    FontCollection smart = FontCollection::create(u"Smart"_s);
+    smart.smartQuery = FontQueryJson::toJson(FontQuery{.text = u"older"_s});
+    QList<FontCollection> collections{smart, FontCollection::create(u"Plain"_s)};
+    std::vector<std::unique_ptr<QPromise<FontQueryAnswer>>> asked;
+    SmartRenewals renewals(
+        [&](const FontQuery &) {
+            asked.push_back(std::make_unique<QPromise<FontQueryAnswer>>());
+            asked.back()->start();
+            return asked.back()->future();
+        },
+        [&] { return collections; });
+    QList<QList<CollectionMember>> answered;
+    QObject::connect(&renewals, &SmartRenewals::answered,
+                     [&](const QUuid &, const QList<CollectionMember> &members) { answered.append(members); });
+    const auto release = [](QPromise<FontQueryAnswer> &promise, const QString &file) {
+        promise.addResult(answerOf(file));
+        promise.finish();
+    };
+
+    renewals.renew();
+    collections[0].smartQuery = FontQueryJson::toJson(FontQuery{.text = u"newer"_s});
+    renewals.renew();
+    ASSERT_EQ(asked.size(), 2u) << "one question each time, the plain collection asks none";
+    release(*asked[1], u"/newer.otf"_s);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return answered.size() == 1; }));
+    release(*asked[0], u"/older.otf"_s);
+    QCoreApplication::processEvents();
+    QCoreApplication::processEvents();
+    EXPECT_EQ(answered, (QList<QList<CollectionMember>>{{{u"/newer.otf"_s, false}}}));
+
+    const auto asksActive = [](const FontQuery &query) { return query.active.has_value(); };
+    renewals.renewSoon(asksActive);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(asked.size(), 2u) << "no question asks about activation";
+    collections[0].smartQuery = FontQueryJson::toJson(FontQuery{.active = true});
+    renewals.renewSoon(asksActive);
+    renewals.renewSoon(asksActive); // a burst costs one renewal
+    ASSERT_TRUE(QTest::qWaitFor([&] { return asked.size() == 3u; }));
+    QCoreApplication::processEvents();
+    EXPECT_EQ(asked.size(), 3u);
+    release(*asked[2], u"/active.otf"_s);
 }
