@@ -370,7 +370,7 @@ QCoro::Task<> AppState::runRefresh(quint64 generation, QList<FolderSource> sourc
     installLibrary(scan.service, scan.searchIndex);
     updateUnavailableSources(); // by the new scan
     indexCatalogue();
-    scheduleSearch(); // an active query runs again on the new index
+    m_folderSearch->rerun(); // an active query runs again on the new index
     setIsIndexing(false);
     restoreWaiting(); // a source folder that came back brings its fonts back
 }

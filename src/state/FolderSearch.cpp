@@ -64,6 +64,17 @@ void FolderSearch::schedule()
     run(generation, m_index, query);
 }
 
+void FolderSearch::rerun()
+{
+    const QString query = trimmedQuery(m_query);
+    if (query.isEmpty() || m_isSearchingFolders) {
+        schedule(); // nothing shown to keep
+        return;
+    }
+    m_cancellation.cancel();
+    run(++m_generation, m_index, query);
+}
+
 QCoro::Task<> FolderSearch::run(quint64 generation, QList<FolderSearchResult> index, QString query)
 {
     QPointer<FolderSearch> self(this);

@@ -33,6 +33,9 @@ public:
     // off the interface thread); an active query runs again on it.
     QList<FolderSearchResult> replaceIndex(QList<FolderSearchResult> index);
     void schedule();
+    // The same query again on a new index: the shown results stay until the new ones
+    // replace them, so a view can keep its place.
+    void rerun();
     // Empties the results (a jump to one of them) and ends the search.
     void clear() { setQuery(QString()); }
 

@@ -115,6 +115,8 @@ TEST_F(Search, ARefreshRunsTheQueryAgainOnTheNewIndex)
     EXPECT_TRUE(store->searchResults().isEmpty());
     writeFile(path(u"Script/s.ttf"_s));
     store->refreshFileSystem();
-    ASSERT_TRUE(QTest::qWaitFor([this] { return !store->isIndexing() && !store->isSearchingFolders(); }, 20'000));
+    QSignalSpy results(store.get(), &AppState::searchResultsChanged);
+    ASSERT_TRUE(results.wait(20'000)); // the new index's answer replaces the old one in one step
     EXPECT_EQ(resultNames(), QStringList{u"Script"_s});
+    EXPECT_EQ(results.count(), 1) << "the shown results were never emptied in between";
 }

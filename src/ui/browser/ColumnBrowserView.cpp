@@ -35,7 +35,9 @@ QFrame *divider(Qt::Orientation orientation, QWidget *parent)
 
 QString columnKey(int index, const QList<FontNode> &column)
 {
-    return QString::number(index) + u'-' + (column.isEmpty() ? u"empty"_s : column.constFirst().path());
+    // A column is the folder it lists: a row arriving at its top leaves it the same
+    // column, with its scroll and hover.
+    return QString::number(index) + u'-' + (column.isEmpty() ? u"empty"_s : column.constFirst().path().section(u'/', 0, -2));
 }
 
 } // namespace

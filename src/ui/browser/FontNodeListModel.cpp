@@ -28,9 +28,30 @@ void FontNodeListModel::setNodes(const QList<FontNode> &nodes)
         m_nodes = nodes;
         return;
     }
-    beginResetModel();
-    m_nodes = nodes;
-    endResetModel();
+    const RowDiff::Span span = RowDiff::changed(m_nodes, nodes, [](const FontNode &a, const FontNode &b) { return a == b; });
+    if (m_nodes.isEmpty() || span.isWholesale(m_nodes.size())) {
+        beginResetModel();
+        m_nodes = nodes;
+        endResetModel();
+        return;
+    }
+    replaceSpan(span, nodes);
+}
+
+void FontNodeListModel::replaceSpan(const RowDiff::Span &span, const QList<FontNode> &nodes)
+{
+    if (span.removed > 0) {
+        beginRemoveRows({}, int(span.head), int(span.head + span.removed - 1));
+        m_nodes.remove(span.head, span.removed);
+        endRemoveRows();
+    }
+    if (span.inserted > 0) {
+        beginInsertRows({}, int(span.head), int(span.head + span.inserted - 1));
+        m_nodes.insert(span.head, span.inserted, FontNode());
+        std::copy(nodes.cbegin() + span.head, nodes.cbegin() + span.head + span.inserted, m_nodes.begin() + span.head);
+        endInsertRows();
+    }
+    m_nodes = nodes; // the scan's own list, shared
 }
 
 int FontNodeListModel::rowOf(const QString &path) const

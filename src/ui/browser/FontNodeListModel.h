@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "ui/common/RowDiff.h"
 #include "model/FontNode.h"
 
 #include <QAbstractListModel>
@@ -47,6 +48,7 @@ public:
     Qt::DropActions supportedDragActions() const override;
 
 private:
+    void replaceSpan(const RowDiff::Span &span, const QList<FontNode> &nodes);
     QString describe(const FontNode &node) const;
 
     AppState &m_state;

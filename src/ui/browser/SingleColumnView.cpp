@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/browser/SingleColumnView.h"
+#include "ui/common/TopRowAnchor.h"
 #include "ui/common/RowListAccessible.h"
 
 #include "ui/browser/FontNodeListModel.h"
@@ -27,6 +28,7 @@ SingleColumnView::SingleColumnView(AppState &state, int columnIndex, QWidget *pa
 {
     RowListAccessible::enable(this);
     setModel(m_model);
+    TopRowAnchor::install(this);
     setItemDelegate(m_row);
     setFixedWidth(kWidth);
     setUniformItemSizes(true);

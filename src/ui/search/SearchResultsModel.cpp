@@ -7,6 +7,8 @@
 #include "services/LicenseStatus.h"
 #include "state/AppState.h"
 
+#include "ui/common/RowDiff.h"
+
 #include <QDir>
 #include <QFileInfo>
 #include <QMimeData>
@@ -17,10 +19,7 @@ SearchResultsModel::SearchResultsModel(AppState &state, QObject *parent)
     : QAbstractListModel(parent)
     , m_state(state)
 {
-    connect(&state, &AppState::searchResultsChanged, this, [this] {
-        beginResetModel();
-        endResetModel();
-    });
+    connect(&state, &AppState::searchResultsChanged, this, &SearchResultsModel::follow);
     const auto repaint = [this](QList<int> roles) {
         roles.append(Qt::AccessibleDescriptionRole);
         if (rowCount() > 0)
@@ -30,16 +29,42 @@ SearchResultsModel::SearchResultsModel(AppState &state, QObject *parent)
     connect(&state, &AppState::licenseTagsChanged, this, [repaint] { repaint({LicenseRole}); });
 }
 
+void SearchResultsModel::follow()
+{
+    const QList<FolderSearchResult> &next = m_state.searchResults();
+    const RowDiff::Span span =
+        RowDiff::changed(m_shown, next, [](const FolderSearchResult &a, const FolderSearchResult &b) { return a.id == b.id; });
+    if (m_shown.isEmpty() || next.isEmpty() || span.isWholesale(m_shown.size())) {
+        beginResetModel();
+        m_shown = next;
+        endResetModel();
+        return;
+    }
+    // The same search on a refreshed library: only the hits that came or went move.
+    if (span.removed > 0) {
+        beginRemoveRows({}, int(span.head), int(span.head + span.removed - 1));
+        m_shown.remove(span.head, span.removed);
+        endRemoveRows();
+    }
+    if (span.inserted > 0) {
+        beginInsertRows({}, int(span.head), int(span.head + span.inserted - 1));
+        for (qsizetype i = 0; i < span.inserted; ++i)
+            m_shown.insert(span.head + i, next.at(span.head + i));
+        endInsertRows();
+    }
+    m_shown = next;
+}
+
 int SearchResultsModel::rowCount(const QModelIndex &parent) const
 {
-    return parent.isValid() ? 0 : static_cast<int>(m_state.searchResults().size());
+    return parent.isValid() ? 0 : static_cast<int>(m_shown.size());
 }
 
 QVariant SearchResultsModel::data(const QModelIndex &index, int role) const
 {
     if (!index.isValid() || index.row() >= rowCount())
         return {};
-    const FolderSearchResult &result = m_state.searchResults().at(index.row());
+    const FolderSearchResult &result = m_shown.at(index.row());
     // Only what the scan already holds: a row never starts a scan of its own.
     const auto fontCount = [&] { return static_cast<qsizetype>(m_state.fileSystemService().allFonts(result.folder.path()).size()); };
     switch (role) {

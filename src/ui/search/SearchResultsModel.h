@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "model/FolderSearchResult.h"
 #include <QAbstractListModel>
 
 class AppState;
@@ -31,5 +32,8 @@ public:
     Qt::DropActions supportedDragActions() const override { return Qt::CopyAction; }
 
 private:
+    void follow(); // the store's results, applied as the rows that changed
+
     AppState &m_state;
+    QList<FolderSearchResult> m_shown; // what the rows are, the store's list as last applied
 };

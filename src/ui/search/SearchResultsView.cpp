@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/search/SearchResultsView.h"
+#include "ui/common/TopRowAnchor.h"
 #include "ui/common/RowListAccessible.h"
 
 #include "ui/common/BusyIndicator.h"
@@ -83,6 +84,7 @@ SearchResultsList::SearchResultsList(AppState &state, SearchResultsModel *model,
 {
     RowListAccessible::enable(this);
     setModel(model);
+    TopRowAnchor::install(this);
     auto *delegate = new SearchResultDelegate(this);
     setItemDelegate(delegate);
     connect(delegate, &SearchResultDelegate::activationClicked, this, [this](const QModelIndex &index) {
