@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ui/window/MessageArea.h"
+#include "ui/common/Wash.h"
 
 #include "state/AppState.h"
 
@@ -54,13 +55,7 @@ void MessageArea::restyle()
 {
     // From the window's palette: our own is the style sheet's, and setting one changes it.
     const QPalette colours = window()->palette();
-    const QColor window = colours.color(QPalette::Window);
-    const bool dark = window.lightness() < 128;
-    const QColor yellow = dark ? QColor(255, 214, 10) : QColor(255, 204, 0);
-    const double share = dark ? 0.18 : 0.28;
-    const QColor wash = QColor::fromRgbF(window.redF() * (1 - share) + yellow.redF() * share,
-                                         window.greenF() * (1 - share) + yellow.greenF() * share,
-                                         window.blueF() * (1 - share) + yellow.blueF() * share);
+    const QColor wash = Wash::over(colours, QColor(255, 204, 0), QColor(255, 214, 10), 0.28, 0.18);
     const QString sheet = u"QWidget#messageArea { background: %1; } QWidget#messageArea > QLabel { color: %2; }"_s.arg(
         wash.name(), colours.color(QPalette::WindowText).name());
     if (styleSheet() != sheet)

@@ -3,6 +3,7 @@
 
 #include "services/PersistenceService.h"
 #include "state/AppState.h"
+#include "ui/common/Wash.h"
 
 #include <QDir>
 #include <QEvent>
@@ -44,13 +45,7 @@ void SaveFailureBanner::restyle()
 {
     // From the window's palette: our own is the style sheet's, and setting one changes it.
     const QPalette colours = window()->palette();
-    const QColor window = colours.color(QPalette::Window);
-    const bool dark = window.lightness() < 128;
-    const QColor red = dark ? QColor(255, 69, 58) : QColor(255, 59, 48);
-    const double share = dark ? 0.22 : 0.16;
-    const QColor wash = QColor::fromRgbF(window.redF() * (1 - share) + red.redF() * share,
-                                         window.greenF() * (1 - share) + red.greenF() * share,
-                                         window.blueF() * (1 - share) + red.blueF() * share);
+    const QColor wash = Wash::over(colours, QColor(255, 59, 48), QColor(255, 69, 58), 0.16, 0.22);
     const QString sheet = u"QLabel#saveFailure { background: %1; color: %2; padding: 8px 12px; }"_s.arg(
         wash.name(), colours.color(QPalette::WindowText).name());
     if (styleSheet() != sheet)
