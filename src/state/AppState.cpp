@@ -44,8 +44,16 @@ AppState::AppState(FontActivating &fontActivationService, PersistenceService &pe
     m_saveRetry.setInterval(kSaveRetryMs);
     connect(&m_saveRetry, &QTimer::timeout, this, [this] { m_persistenceService.retryFailedSaves(); });
     // The library's own lists say how many faces they hold.
-    connect(this, &AppState::catalogueChanged, this, &AppState::countLibrary);
-    connect(this, &AppState::activatedFontsChanged, this, &AppState::countLibrary);
+    m_libraryCounts = new LibraryCounts(
+        [this] {
+            if (!m_catalog)
+                m_catalog = std::make_shared<FontCatalog>(m_catalogueFile);
+            return m_catalog;
+        },
+        [this] { return m_activatedFonts; }, this);
+    connect(m_libraryCounts, &LibraryCounts::changed, this, &AppState::libraryCountsChanged);
+    connect(this, &AppState::catalogueChanged, m_libraryCounts, &LibraryCounts::countSoon);
+    connect(this, &AppState::activatedFontsChanged, m_libraryCounts, &LibraryCounts::countSoon);
     // Smart collections follow what their questions ask about: activation (once a batch
     // has ended) and licence tags; the catalogue renews them after each of its jobs.
     const auto asksActive = [](const FontQuery &query) { return query.active.has_value(); };

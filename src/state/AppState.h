@@ -3,6 +3,7 @@
 
 #include "ActivationBatch.h"
 #include "FolderSearch.h"
+#include "LibraryCounts.h"
 #include "SmartRenewals.h"
 #include "discovery/FileSystemService.h"
 #include "model/ActivationState.h"
@@ -388,10 +389,7 @@ private:
     quint64 m_queryGeneration = 0;
     std::shared_ptr<std::atomic_bool> m_queryCancelled = std::make_shared<std::atomic_bool>(false);
     int m_catalogueSettleMs = 1000;
-    qsizetype m_allFaces = -1;
-    qsizetype m_activeFaces = -1;
-    QTimer *m_countLibrary = nullptr; // gathers bursts of changes into one count
-    void countLibrary();
+    LibraryCounts *m_libraryCounts; // a child
     QFuture<FontQueryAnswer> answer(FontQuery query, std::shared_ptr<std::atomic_bool> cancelled);
     QString m_catalogueFile = FontCatalog::defaultPath();
     // Set while a batch runs: activation is Morvane's first job, the catalogue waits.

@@ -329,41 +329,6 @@ QFuture<qsizetype> AppState::countFonts(FontQuery query)
 
 qsizetype AppState::libraryFaceCount(LibraryView::Kind kind) const
 {
-    return kind == LibraryView::AllFonts ? m_allFaces : m_activeFaces;
+    return kind == LibraryView::AllFonts ? m_libraryCounts->allFaces() : m_libraryCounts->activeFaces();
 }
 
-// Both counts in one pass over the catalogue, off the interface thread; queries of the
-// lists are not disturbed (this is no query of theirs to cancel).
-void AppState::countLibrary()
-{
-    if (!m_countLibrary) {
-        m_countLibrary = new QTimer(this);
-        m_countLibrary->setSingleShot(true);
-        m_countLibrary->setInterval(250);
-        connect(m_countLibrary, &QTimer::timeout, this, [this] {
-            if (!m_catalog)
-                m_catalog = std::make_shared<FontCatalog>(m_catalogueFile);
-            const std::shared_ptr<FontCatalog> catalog = m_catalog;
-            const QSet<QString> activated = m_activatedFonts;
-            QPointer<AppState> self(this);
-            auto *watcher = new QFutureWatcher<std::pair<qsizetype, qsizetype>>(this);
-            connect(watcher, &QFutureWatcherBase::finished, this, [this, self, watcher] {
-                const auto [all, active] = watcher->result();
-                watcher->deleteLater();
-                if (!self || (all == m_allFaces && active == m_activeFaces))
-                    return;
-                m_allFaces = all;
-                m_activeFaces = active;
-                Q_EMIT libraryCountsChanged();
-            });
-            watcher->setFuture(QtConcurrent::run([catalog, activated] {
-                const qsizetype all = catalog->countFaces();
-                const qsizetype active =
-                    activated.isEmpty() ? 0
-                                        : catalog->countFaces([&](const QString &path, const QString &) { return activated.contains(path); });
-                return std::pair<qsizetype, qsizetype>(all, active);
-            }));
-        });
-    }
-    m_countLibrary->start();
-}
