@@ -13,8 +13,8 @@
 struct BatchJobOutcome;
 
 // One batch of activations or deactivations while it runs: the wait for its job in
-// flight, the user's request to stop, and what went wrong. Each batch has its own, so a
-// batch's outcome can never be read or settled by another.
+// flight and the user's request to stop (what went wrong is its BatchResult). Each batch
+// has its own, so a batch's wait can never be settled or stopped by another.
 class ActivationBatch
 {
 public:
@@ -28,7 +28,6 @@ public:
     QCoro::Task<std::optional<QStringList>> await(QFuture<QStringList> job);
     // Ends the wait in hand as given up on; false when nothing is waited for.
     bool giveUp();
-    bool isWaiting() const { return m_outcome != nullptr; }
 
     // Asked to stop after the chunk in flight: a chunk half done would leave fontconfig behind.
     void requestStop() { m_stopRequested = true; }

@@ -370,7 +370,8 @@ private:
         qint64 active = 0;
         qint64 total = 0;
     };
-    void countChanged(const QStringList &fonts, bool nowActive);
+    // Moves the rows' counts; true when some font lies outside the scan.
+    bool countChanged(const QStringList &fonts, bool nowActive);
     QHash<QString, ActiveCount> m_activationStateCache; // folder path -> its fonts
     bool m_isProcessing = false;
     double m_processingProgress = 0;

@@ -74,7 +74,7 @@ ActivationState AppState::collectionActivationState(const FontCollection &collec
     return activationStateFor(memo->active, memo->total);
 }
 
-void AppState::countChanged(const QStringList &changed, bool nowActive)
+bool AppState::countChanged(const QStringList &changed, bool nowActive)
 {
     // Only what the scan knows is counted, as when a row's count is first taken.
     QStringList fonts;
@@ -82,6 +82,7 @@ void AppState::countChanged(const QStringList &changed, bool nowActive)
         if (m_fileSystemService->exists(font))
             fonts.append(font);
     }
+    const bool outside = fonts.size() < changed.size();
     const qint64 step = nowActive ? 1 : -1;
     for (auto it = m_activationStateCache.begin(); it != m_activationStateCache.end(); ++it) {
         for (const QString &font : fonts)
@@ -98,6 +99,7 @@ void AppState::countChanged(const QStringList &changed, bool nowActive)
             memo->active += member ? step : 0;
         }
     }
+    return outside;
 }
 
 void AppState::saveActivatedFonts()
@@ -114,8 +116,9 @@ void AppState::cancelBatch()
 {
     if (!m_isProcessing || !m_batch)
         return;
-    if (!(m_isProcessingStalled && m_batch->giveUp())) // nothing answers: stop waiting now
-        m_batch->requestStop();
+    if (m_isProcessingStalled && m_batch->giveUp())
+        return; // nothing answers: stop waiting now
+    m_batch->requestStop();
 }
 
 QCoro::Task<std::optional<QStringList>> AppState::awaitBatchJob(std::shared_ptr<ActivationBatch> batch,
@@ -304,6 +307,7 @@ QCoro::Task<BatchResult> AppState::batchProcess(QList<FontNode> fonts, bool acti
 
     FontActivating *service = &m_fontActivationService;
     bool abandoned = false;
+    bool outsideLibrary = false; // a font the scan does not know changed state
     qsizetype reached = 0;
     QStringList failed; // in the order asked, for the message
     for (qsizetype start = 0; start < total && !abandoned; start += kChunkSize) {
@@ -353,7 +357,7 @@ QCoro::Task<BatchResult> AppState::batchProcess(QList<FontNode> fonts, bool acti
                 m_activatedFonts.remove(path);
         }
         if (!changed.isEmpty()) {
-            countChanged(changed, activate);
+            outsideLibrary |= countChanged(changed, activate);
             Q_EMIT activatedFontsChanged();
         }
         const qsizetype done = std::min(start + kChunkSize, total);
@@ -395,7 +399,7 @@ QCoro::Task<BatchResult> AppState::batchProcess(QList<FontNode> fonts, bool acti
             refused.append(path);
     }
     if (!refused.isEmpty()) {
-        countChanged(refused, false);
+        outsideLibrary |= countChanged(refused, false);
         Q_EMIT activatedFontsChanged();
     }
     qCDebug(lcActivation) << (activate ? "activated" : "deactivated") << total << "fonts in" << took.elapsed() << "ms";
@@ -406,7 +410,7 @@ QCoro::Task<BatchResult> AppState::batchProcess(QList<FontNode> fonts, bool acti
     // A font outside the scanned library joined or left the active set: the catalogue
     // reads it in or lets it go, so "Active Fonts" shows what is active. (A refresh on
     // its way reads the catalogue anyway, with the active fonts as they are then.)
-    if (m_hasLoaded && !m_isIndexing && std::any_of(paths.cbegin(), paths.cend(), [this](const QString &path) { return !m_fileSystemService->exists(path); }))
+    if (m_hasLoaded && !m_isIndexing && outsideLibrary)
         indexCatalogue();
     co_return result;
 }

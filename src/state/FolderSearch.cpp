@@ -48,8 +48,7 @@ void FolderSearch::setQuery(const QString &query)
 
 QList<FolderSearchResult> FolderSearch::replaceIndex(QList<FolderSearchResult> index)
 {
-    QList<FolderSearchResult> old = std::exchange(m_index, std::move(index));
-    return old;
+    return std::exchange(m_index, std::move(index));
 }
 
 void FolderSearch::schedule()

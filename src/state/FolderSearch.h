@@ -36,8 +36,6 @@ public:
     // The same query again on a new index: the shown results stay until the new ones
     // replace them, so a view can keep its place.
     void rerun();
-    // Empties the results (a jump to one of them) and ends the search.
-    void clear() { setQuery(QString()); }
 
     // Without leading and trailing spaces and tabs; a line break counts as text.
     static QString trimmedQuery(const QString &query);
