@@ -135,6 +135,7 @@ TEST(MainWindow, ShowsAFailedSaveUntilASaveSucceeds)
         ASSERT_TRUE(failure.wait(10'000));
     });
     EXPECT_TRUE(banner->isVisible());
+    EXPECT_EQ(banner->accessibleName(), banner->text()) << "heard as it reads";
     EXPECT_EQ(banner->text(), QStringLiteral("Morvane can't save its library in ~/.local/share/Morvane: Is a directory. "
                                              "Changes made now are lost when Morvane quits, unless the folder can be "
                                              "written again before then."));

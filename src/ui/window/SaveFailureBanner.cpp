@@ -30,6 +30,7 @@ void SaveFailureBanner::sync()
     setVisible(!failure.isEmpty());
     if (failure.isEmpty()) {
         setText(QString());
+        setAccessibleName(tr("Save problem"));
         return;
     }
     QString folder = PersistenceService::defaultStorageFolder();
@@ -39,6 +40,7 @@ void SaveFailureBanner::sync()
     setText(tr("Morvane can't save its library in %1: %2. Changes made now are lost when Morvane quits, "
                "unless the folder can be written again before then.")
                 .arg(folder, failure));
+    setAccessibleName(text()); // a screen reader says what the window shows
 }
 
 void SaveFailureBanner::restyle()
