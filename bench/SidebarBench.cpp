@@ -65,8 +65,9 @@ struct LoadedStore
     explicit LoadedStore(const QString &folder)
         : persistence(folder)
     {
-        store.setLibraryScannerForTesting([](const QList<FolderSource> &, const QList<CollectionMember> &,
-                                             const CancellationToken &) { return AppState::LibraryScan{libraryScan(), {}, {}}; });
+        store.setLibraryScannerForTesting([](const AppState::LibraryScanRequest &, const CancellationToken &) {
+            return AppState::LibraryScan{libraryScan(), {}, {}, 0};
+        });
     }
     void load()
     {

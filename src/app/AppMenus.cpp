@@ -44,7 +44,7 @@ void fillFile(QMenu *file, MainWindow &window)
                      [&window] { window.state().createCollection(); });
     file->addSeparator();
     QAction *refresh = addCommand(file, MenuText::tr("Refresh Sources"), {QKeySequence(u"Ctrl+R"_s), QKeySequence(Qt::Key_F5)});
-    QObject::connect(refresh, &QAction::triggered, &window, [&window] { window.state().refreshFileSystem(); });
+    QObject::connect(refresh, &QAction::triggered, &window, [&window] { window.state().refreshFileSystem(AppState::Refresh::Everything); });
     file->addSeparator();
     QAction *quit = addCommand(file, MenuText::tr("Quit"), {QKeySequence(u"Ctrl+Q"_s)});
     quit->setMenuRole(QAction::NoRole);

@@ -42,12 +42,20 @@ FileSystemService::ScanResult FileSystemService::deepScan(const QString &path)
     const bool cached = m_folders.contains(cleanPath);
     if (!cached)
         ensureWritable("deepScan");
-    if (!cached && m_listing == Listing::Ahead)
+    // Reading ahead pays for a tree read whole (a new source), not for one mostly reused.
+    const bool mostlyReused = m_previous && m_previous->m_folders.contains(cleanPath);
+    if (!cached && m_listing == Listing::Ahead && !mostlyReused)
         m_prefetcher = std::make_unique<ListingPrefetcher>(cleanPath);
     const Range range = scanFolder(cleanPath);
     m_prefetcher.reset();
     const std::span<const FontNode> fonts(m_fontPool.data() + range.begin, range.end - range.begin);
     return {fonts, !fonts.empty()};
+}
+
+void FileSystemService::reuseUnchanged(std::shared_ptr<const FileSystemService> previous)
+{
+    ensureWritable("reuseUnchanged");
+    m_previous = std::move(previous);
 }
 
 FileSystemService::Range FileSystemService::appendCachedFonts(const FolderEntry &entry)
@@ -59,6 +67,23 @@ FileSystemService::Range FileSystemService::appendCachedFonts(const FolderEntry 
     for (quint32 i = entry.fontsBegin; i < entry.fontsEnd; ++i)
         m_fontPool.push_back(m_fontPool[i]);
     return {begin, static_cast<quint32>(m_fontPool.size()), false};
+}
+
+FileSystemService::Range FileSystemService::subfolderRange(const QString &path)
+{
+    const auto cached = m_folders.constFind(path);
+    return cached != m_folders.cend() ? appendCachedFonts(*cached) : scanFolder(path);
+}
+
+const FileSystemService::FolderEntry *FileSystemService::unchangedEntry(const QString &path) const
+{
+    if (!m_previous)
+        return nullptr;
+    const auto entry = m_previous->m_folders.constFind(path);
+    // One that could not be read is read again: it may be back.
+    if (entry == m_previous->m_folders.cend() || !entry->listed || !entry->stamp.trusted)
+        return nullptr;
+    return entry->stamp.stillHolds(FolderStamp::of(path)) ? &*entry : nullptr;
 }
 
 FileSystemService::Range FileSystemService::scanFolder(const QString &path)
@@ -73,6 +98,8 @@ FileSystemService::Range FileSystemService::scanFolder(const QString &path)
     if (m_visitedDirectories.contains(path))
         return {start, start, false};
     m_visitedDirectories.insert(path);
+    if (const FolderEntry *previous = unchangedEntry(path))
+        return reuseFolder(path, *previous);
 
     const FolderListing listing = listFolder(path);
     if (!listing.readable) {
@@ -81,11 +108,12 @@ FileSystemService::Range FileSystemService::scanFolder(const QString &path)
         struct stat info{};
         if (::stat(QFile::encodeName(path).constData(), &info) == 0)
             m_existingPaths.insert(path);
-        m_folders.insert(path, FolderEntry{{}, start, start, false});
+        m_folders.insert(path, FolderEntry{{}, {}, start, start, false, {}});
         return {start, start, false};
     }
 
     std::vector<FontNode> folders;
+    std::vector<FontNode> subfolders;
     std::vector<FontNode> fonts;
     const QString prefix = listing.prefix();
     for (const FolderListing::Entry &entry : listing.entries) {
@@ -99,11 +127,10 @@ FileSystemService::Range FileSystemService::scanFolder(const QString &path)
             fonts.push_back(std::move(*node));
             continue;
         }
-        const QString &childPath = node->path();
-        const auto subCached = m_folders.constFind(childPath);
-        const Range sub = subCached != m_folders.cend() ? appendCachedFonts(*subCached) : scanFolder(childPath);
+        const Range sub = subfolderRange(node->path());
         if (sub.end > sub.begin)
-            folders.push_back(std::move(*node));
+            folders.push_back(*node);
+        subfolders.push_back(std::move(*node));
     }
     // A cancellation inside the last subfolder must not leave a partial run cached.
     if (m_cancellation.isCancelled())
@@ -111,6 +138,7 @@ FileSystemService::Range FileSystemService::scanFolder(const QString &path)
 
     const auto nameOf = [](const FontNode &node) { return node.name(); };
     m_collator.stableSort(folders, nameOf);
+    m_collator.stableSort(subfolders, nameOf);
     m_collator.stableSort(fonts, nameOf);
     FolderEntry folderEntry;
     folderEntry.children.reserve(static_cast<qsizetype>(folders.size() + fonts.size()));
@@ -118,15 +146,49 @@ FileSystemService::Range FileSystemService::scanFolder(const QString &path)
         folderEntry.children.append(std::move(node));
     for (FontNode &node : fonts)
         folderEntry.children.append(std::move(node));
+    folderEntry.subfolders = QList<FontNode>(std::make_move_iterator(subfolders.begin()),
+                                             std::make_move_iterator(subfolders.end()));
     folderEntry.fontsBegin = start;
     folderEntry.fontsEnd = static_cast<quint32>(m_fontPool.size());
     folderEntry.listed = true;
+    folderEntry.stamp = listing.stamp;
     m_folders.emplace(path, std::move(folderEntry));
+    return {start, static_cast<quint32>(m_fontPool.size()), false};
+}
+
+FileSystemService::Range FileSystemService::reuseFolder(const QString &path, const FolderEntry &previous)
+{
+    // Its own entries are as they were; a subfolder may have changed all the same (a
+    // font added inside moves that folder's time, not this one's), so each is looked
+    // at in turn, and which of them hold fonts is decided afresh.
+    const auto start = static_cast<quint32>(m_fontPool.size());
+    FolderEntry entry;
+    entry.children.reserve(previous.children.size());
+    for (const FontNode &sub : previous.subfolders) {
+        const Range range = subfolderRange(sub.path());
+        if (m_cancellation.isCancelled())
+            return {start, start, true};
+        if (range.end > range.begin)
+            entry.children.append(sub);
+    }
+    for (const FontNode &child : previous.children) {
+        if (child.isFont()) {
+            m_fontPool.push_back(child);
+            entry.children.append(child);
+        }
+    }
+    entry.subfolders = previous.subfolders;
+    entry.fontsBegin = start;
+    entry.fontsEnd = static_cast<quint32>(m_fontPool.size());
+    entry.listed = true;
+    entry.stamp = previous.stamp;
+    m_folders.emplace(path, std::move(entry));
     return {start, static_cast<quint32>(m_fontPool.size()), false};
 }
 
 FolderListing FileSystemService::listFolder(const QString &path)
 {
+    ++m_foldersRead;
     if (m_prefetcher) {
         if (std::optional<FolderListing> listing = m_prefetcher->take(path))
             return std::move(*listing);
@@ -172,6 +234,7 @@ bool FileSystemService::insertPreScannedRoot(const QString &path)
 
 void FileSystemService::freeze()
 {
+    m_previous.reset(); // the old scan is freed once the store lets go of it
     m_fontPool.shrink_to_fit();
     m_frozen = true;
 }

@@ -24,6 +24,10 @@
 //
 // Fonts are stored once, in depth-first order: the fonts below any folder are one
 // contiguous run of that pool, so a folder's font list costs two integers.
+//
+// A refresh need not read every folder again: given the previous scan, a folder whose
+// stamp still holds (the same folder, its times unmoved) takes its entries from there,
+// and only the folders that changed are read.
 class FileSystemService
 {
 public:
@@ -49,6 +53,11 @@ public:
     void recordExistence(const QString &path);
     // True when the root was not yet in the set.
     bool insertPreScannedRoot(const QString &path);
+    // Before the first deepScan: folders unchanged since `previous` listed them are taken
+    // from it. Let go of at freeze().
+    void reuseUnchanged(std::shared_ptr<const FileSystemService> previous);
+    // How many folders this service read from the disk (the others it reused).
+    qsizetype foldersRead() const { return m_foldersRead; }
     void freeze();
 
     // Readers: the children cache (subfolders holding fonts, then fonts, each sorted
@@ -69,9 +78,12 @@ private:
     struct FolderEntry
     {
         QList<FontNode> children;
+        // Every subfolder, fonts or not, sorted: one that gains fonts is found again.
+        QList<FontNode> subfolders;
         quint32 fontsBegin = 0;
         quint32 fontsEnd = 0;
         bool listed = false; // false: the folder could not be read
+        FolderStamp stamp;
     };
     struct Range
     {
@@ -82,6 +94,10 @@ private:
 
     Range scanFolder(const QString &path);
     Range appendCachedFonts(const FolderEntry &entry);
+    Range subfolderRange(const QString &path);
+    // The previous scan's entry for `path` when it still holds, else null.
+    const FolderEntry *unchangedEntry(const QString &path) const;
+    Range reuseFolder(const QString &path, const FolderEntry &previous);
     FolderListing listFolder(const QString &path);
     void ensureWritable(const char *operation) const;
 
@@ -89,6 +105,8 @@ private:
     NameCollator m_collator;
     Listing m_listing;
     std::unique_ptr<ListingPrefetcher> m_prefetcher; // only while deepScan runs
+    std::shared_ptr<const FileSystemService> m_previous; // only until freeze()
+    qsizetype m_foldersRead = 0;
     bool m_frozen = false;
     // Paths recorded one by one (collection members). Scanned folders and fonts
     // are known to exist through the caches, which saves a set of every path.

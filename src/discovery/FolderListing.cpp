@@ -10,6 +10,7 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <time.h>
 
 namespace {
 
@@ -78,7 +79,39 @@ QString childPath(const QString &prefix, const char *name, size_t length)
     return path;
 }
 
+constexpr qint64 kCoarsestTickNs = 2'000'000'000; // FAT keeps times to two seconds
+
+qint64 nanoseconds(const timespec &time)
+{
+    return qint64(time.tv_sec) * 1'000'000'000 + time.tv_nsec;
+}
+
+FolderStamp stampOf(const struct stat &info)
+{
+    timespec now{};
+    ::clock_gettime(CLOCK_REALTIME, &now);
+    const qint64 modified = nanoseconds(info.st_mtim);
+    return {static_cast<quint64>(info.st_dev), static_cast<quint64>(info.st_ino), modified, nanoseconds(info.st_ctim),
+            modified < nanoseconds(now) - kCoarsestTickNs};
+}
+
 } // namespace
+
+FolderStamp FolderStamp::of(const QString &path)
+{
+    struct stat info{};
+    if (::stat(QFile::encodeName(path).constData(), &info) != 0 || !S_ISDIR(info.st_mode))
+        return {};
+    return stampOf(info);
+}
+
+FolderStamp FolderStamp::fromDescriptor(int fd)
+{
+    struct stat info{};
+    if (::fstat(fd, &info) != 0)
+        return {};
+    return stampOf(info);
+}
 
 // Lists with readdir and d_type; lstat only when the file system leaves the type
 // unknown. Hidden means a leading dot. A symbolic link is never descended into: it
@@ -97,6 +130,8 @@ FolderListing FolderListing::read(const QString &path)
     listing.readable = true;
     // Read everything first and close: deep trees must not hold one descriptor per level.
     const int fd = ::dirfd(dir);
+    // Before the entries: a change while they are read moves the time past this stamp.
+    listing.stamp = FolderStamp::fromDescriptor(fd);
     while (const dirent *entry = ::readdir(dir)) {
         if (entry->d_name[0] == '.')
             continue;

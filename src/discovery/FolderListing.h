@@ -14,6 +14,29 @@
 #include <thread>
 #include <vector>
 
+// What a folder was when it was listed: which folder, and when what it holds last
+// changed. Adding, removing or renaming an entry moves the modification time; a
+// permission or an attribute of the folder moves the change time. A listing taken while
+// the modification time was recent is not trusted: on a file system with coarse times
+// (FAT's two seconds) a second change within the same tick would leave it as it was.
+struct FolderStamp
+{
+    quint64 device = 0;
+    quint64 inode = 0;
+    qint64 modifiedNs = 0;
+    qint64 changedNs = 0;
+    bool trusted = false;
+
+    static FolderStamp of(const QString &path); // untrusted and zero when it can't be read
+    static FolderStamp fromDescriptor(int fd);
+    // The same folder, not changed since: its old listing still holds.
+    bool stillHolds(const FolderStamp &now) const
+    {
+        return trusted && device == now.device && inode == now.inode && modifiedNs == now.modifiedNs &&
+               changedNs == now.changedNs;
+    }
+};
+
 // One folder's entries as the scanner wants them, in listing order: subfolders and
 // font files, raw names kept in one buffer. Hidden names are left out.
 struct FolderListing
@@ -26,6 +49,7 @@ struct FolderListing
     };
     QString path;
     bool readable = false;
+    FolderStamp stamp; // taken before the entries were read
     std::string names;
     std::vector<Entry> entries;
 

@@ -139,10 +139,12 @@ void FontCatalog::setAside(const QString &path, const QString &why)
     Console::printLine(u"The font catalogue at "_s + path + u" was set aside ("_s + why + u") and is built again"_s);
 }
 
-QStringList FontCatalog::filesToRead(const QList<FileStamp> &seen, qsizetype *dropped)
+QStringList FontCatalog::filesToRead(const QList<FileStamp> &seen, QSet<QString> *dropped, QSet<QString> *recordedBefore)
 {
     if (dropped)
-        *dropped = 0;
+        dropped->clear();
+    if (recordedBefore)
+        recordedBefore->clear();
     const std::lock_guard lock(m_mutex);
     if (!m_db)
         return {};
@@ -167,13 +169,19 @@ QStringList FontCatalog::filesToRead(const QList<FileStamp> &seen, qsizetype *dr
     QStringList toRead;
     for (const FileStamp &file : seen) {
         const auto found = recorded.constFind(file.path);
-        if (found == recorded.cend() || found->size != file.size || found->mtime != file.modified)
+        if (found == recorded.cend() || found->size != file.size || found->mtime != file.modified) {
             toRead.append(file.path);
+            if (recordedBefore && found != recorded.cend())
+                recordedBefore->insert(file.path);
+        }
         if (found != recorded.cend())
             recorded.erase(found);
     }
-    if (dropped)
-        *dropped = recorded.size();
+    if (dropped) {
+        dropped->reserve(recorded.size());
+        for (auto gone = recorded.cbegin(); gone != recorded.cend(); ++gone)
+            dropped->insert(gone.key());
+    }
     if (!recorded.isEmpty() || !toRead.isEmpty()) {
         exec("BEGIN");
         Statement faces(m_db, "DELETE FROM faces WHERE file = ?");

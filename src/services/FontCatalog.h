@@ -2,6 +2,7 @@
 #pragma once
 
 #include "CatalogIndex.h"
+#include "CatalogueChange.h"
 #include "FontFamilies.h"
 #include "LicenseStatus.h"
 #include "fonts/FaceRecord.h"
@@ -90,8 +91,10 @@ public:
     bool isAvailable() const { return m_db != nullptr; }
 
     // Of the files a scan saw: those to read (new, or changed in size or time since
-    // recorded). Files recorded but not seen are dropped here.
-    QStringList filesToRead(const QList<FileStamp> &seen, qsizetype *dropped = nullptr);
+    // recorded). Files recorded but not seen are dropped here. `found`, when given, learns
+    // which files were dropped, and which of those to read were recorded before.
+    QStringList filesToRead(const QList<FileStamp> &seen, QSet<QString> *dropped = nullptr,
+                            QSet<QString> *recordedBefore = nullptr);
     // Records what a read of the file gave; no faces records it as unreadable, not tried
     // again until it changes.
     void record(const FileStamp &file, const QList<FaceRecord> &faces);

@@ -38,6 +38,7 @@ AppState::AppState(FontActivating &fontActivationService, PersistenceService &pe
     });
     // Empty and frozen until the first refresh brings a scan.
     std::const_pointer_cast<FileSystemService>(m_fileSystemService)->freeze();
+    qRegisterMetaType<CatalogueChange>(); // the views queue it, tests spy on it
     m_stallTimer.setSingleShot(true);
     m_stallTimer.setInterval(kStallMs);
     connect(&m_stallTimer, &QTimer::timeout, this, [this] { setIsProcessingStalled(true); });
@@ -305,7 +306,7 @@ void AppState::setWatchingSources(bool watching)
         return;
     }
     m_sourceWatcher = new SourceWatcher(this);
-    connect(m_sourceWatcher, &SourceWatcher::changed, this, &AppState::refreshFileSystem);
+    connect(m_sourceWatcher, &SourceWatcher::changed, this, [this] { refreshFileSystem(); });
     watchSources();
 }
 

@@ -36,6 +36,7 @@
 
 #include <functional>
 #include <memory>
+#include <mutex>
 #include <optional>
 
 // The one store every view observes. It holds the sources and collections, the
@@ -177,26 +178,35 @@ public:
     QCoro::Task<> removeSource(FolderSource source); // deactivates its fonts first
     // How many fonts under the source removing it would deactivate.
     qsizetype activeFontCount(const FolderSource &source) const;
-    // Rescans every source and collection folder in the background after a 50 ms pause;
-    // a burst of requests costs one scan, and only the latest result is applied.
-    void refreshFileSystem();
+    // Looks at every source and collection folder again in the background after a 50 ms
+    // pause; a burst of requests costs one scan, and only the latest result is applied.
+    // Folders unchanged since the last scan are not read again, unless asked to (the
+    // user's own Refresh Sources, for the file systems whose times can't be trusted).
+    enum class Refresh { Changed, Everything };
+    void refreshFileSystem(Refresh how = Refresh::Changed);
     // Sources whose folder the last scan could not open (a drive not mounted, a folder
     // made unreadable): shown as unavailable, their activations kept.
     const QSet<QUuid> &unavailableSources() const { return m_unavailableSources; }
     bool isSourceAvailable(const FolderSource &source) const { return !m_unavailableSources.contains(source.id); }
-    // What a refresh's background job produces; tests may put another job in its place.
+    // What a refresh's background job is given and produces; tests may put another job
+    // in its place.
+    struct LibraryScanRequest
+    {
+        QList<FolderSource> sources;
+        QList<CollectionMember> members;
+        std::shared_ptr<const FileSystemService> previous; // none: every folder is read
+    };
     struct LibraryScan
     {
         std::shared_ptr<FileSystemService> service;
         QList<FolderSearchResult> searchIndex;
         QSet<QUuid> unavailableSources;
+        qsizetype foldersRead = 0; // the rest came unchanged from the previous scan
     };
-    using LibraryScanner = std::function<LibraryScan(const QList<FolderSource> &, const QList<CollectionMember> &,
-                                                     const CancellationToken &)>;
+    using LibraryScanner = std::function<LibraryScan(const LibraryScanRequest &, const CancellationToken &)>;
     void setLibraryScannerForTesting(LibraryScanner scanner) { m_libraryScanner = std::move(scanner); }
     // The real scan job: every source, then every folder member, frozen, with its index.
-    static LibraryScan scanLibrary(const QList<FolderSource> &sources, const QList<CollectionMember> &members,
-                                   const CancellationToken &cancellation);
+    static LibraryScan scanLibrary(const LibraryScanRequest &request, const CancellationToken &cancellation);
     // The last step of a refresh: puts a frozen scan and its search index in place,
     // empties every memo and rebuilds the columns.
     void installLibrary(std::shared_ptr<const FileSystemService> service, QList<FolderSearchResult> searchIndex);
@@ -265,9 +275,9 @@ public:
 
 Q_SIGNALS:
     void catalogueProgressChanged();
-    // Faces were indexed or dropped: said once an indexing job has ended, never when
-    // nothing changed.
-    void catalogueChanged();
+    // Faces were indexed or dropped: said once an indexing job has ended, with the files
+    // whose records came, changed or went; never when nothing changed.
+    void catalogueChanged(const CatalogueChange &change);
     void libraryCountsChanged();
     void smartEditRequested(const QUuid &id);
     void sourcesChanged();
@@ -301,7 +311,7 @@ Q_SIGNALS:
     void licenseTagsChanged(); // a status was set: rows read their tags again
 
 private:
-    QCoro::Task<> runRefresh(quint64 generation, QList<FolderSource> sources, QList<CollectionMember> members);
+    QCoro::Task<> runRefresh(quint64 generation);
     void indexCatalogue();
     void setCatalogueProgress(bool working, qsizetype done, qsizetype total);
     QCoro::Task<> restoreActivations(QSet<QString> saved, bool savedSetIsWhole);
@@ -396,7 +406,22 @@ private:
     // Set while a batch runs: activation is Morvane's first job, the catalogue waits.
     // Faces recorded or dropped that no catalogueChanged has announced yet (a job cut
     // short leaves them to the one that ends).
-    std::shared_ptr<std::atomic_bool> m_catalogueUnannounced = std::make_shared<std::atomic_bool>(false);
+    struct UnannouncedChange
+    {
+        void add(const std::function<void(CatalogueChange &)> &edit)
+        {
+            const std::lock_guard lock(mutex);
+            edit(change);
+        }
+        CatalogueChange take()
+        {
+            const std::lock_guard lock(mutex);
+            return std::exchange(change, {});
+        }
+        std::mutex mutex;
+        CatalogueChange change;
+    };
+    std::shared_ptr<UnannouncedChange> m_catalogueUnannounced = std::make_shared<UnannouncedChange>();
     std::shared_ptr<std::atomic_bool> m_cataloguePaused = std::make_shared<std::atomic_bool>(false);
     std::shared_ptr<std::atomic<qint64>> m_catalogueQuietUntil = std::make_shared<std::atomic<qint64>>(0);
     // Loading
@@ -404,6 +429,7 @@ private:
     quint64 m_libraryGeneration = 0;        // only the latest refresh is applied
     CancellationToken m_libraryCancellation; // the running scan
     LibraryScanner m_libraryScanner = &AppState::scanLibrary;
+    bool m_readEverything = false; // asked for by a refresh not yet applied
     bool m_hasLoaded = false;
     bool m_isProcessingStalled = false;
     QTimer m_stallTimer;           // runs while a batch job runs without progress

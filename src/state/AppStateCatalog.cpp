@@ -173,25 +173,28 @@ void AppState::indexCatalogue()
         }
         waitYourTurn();
         const QList<FileStamp> stamps = stampsOf(paths);
-        qsizetype dropped = 0;
-        const QStringList toRead = catalog->filesToRead(stamps, &dropped); // vanished files go here
-        if (dropped > 0)
-            unannounced->store(true);
+        QSet<QString> dropped;
+        QSet<QString> recordedBefore;
+        const QStringList toRead = catalog->filesToRead(stamps, &dropped, &recordedBefore); // vanished files go here
+        unannounced->add([&](CatalogueChange &change) {
+            for (const QString &path : std::as_const(dropped))
+                change.recordRemoved(path);
+        });
         QHash<QString, FileStamp> byPath;
         for (qsizetype i = 0; !toRead.isEmpty() && i < stamps.size(); ++i)
             byPath.insert(stamps.at(i).path, stamps.at(i));
         const qsizetype total = toRead.size();
-        const auto report = [this](bool working, qsizetype done, qsizetype all, bool changed) {
+        const auto report = [this](bool working, qsizetype done, qsizetype all, const CatalogueChange &change) {
             QMetaObject::invokeMethod(
                 this,
-                [this, working, done, all, changed] {
+                [this, working, done, all, change] {
                     setCatalogueProgress(working, done, all);
-                    if (changed)
-                        Q_EMIT catalogueChanged();
+                    if (!change.isEmpty())
+                        Q_EMIT catalogueChanged(change);
                 },
                 Qt::QueuedConnection);
         };
-        report(true, 0, total, false);
+        report(true, 0, total, {});
         qsizetype done = 0;
         for (qsizetype start = 0; start < total; start += kChunk) {
             waitYourTurn();
@@ -201,15 +204,18 @@ void AppState::indexCatalogue()
             const QList<QList<FaceRecord>> read = QtConcurrent::blockingMapped(&readers(), chunk, &FaceReader::read);
             for (qsizetype i = 0; i < chunk.size(); ++i)
                 catalog->record(byPath.value(chunk.at(i)), read.at(i));
-            unannounced->store(true);
+            unannounced->add([&](CatalogueChange &change) {
+                for (const QString &path : chunk)
+                    change.recordRead(path, recordedBefore.contains(path));
+            });
             done += chunk.size();
-            report(true, done, total, false);
+            report(true, done, total, {});
         }
         qCDebug(lcLibrary) << "catalogued" << total << "of" << paths.size() << "files in" << took.elapsed() << "ms";
         // Said once, when the job is done, and only when something changed (this job's
         // or one a newer refresh cut short): views update once, not once per chunk.
         if (!cancellation.isCancelled())
-            report(false, done, total, unannounced->exchange(false));
+            report(false, done, total, unannounced->take());
         // Then, on the same idle thread, what activating each folder will need.
         if (cancellation.isCancelled())
             return;

@@ -333,20 +333,20 @@ void AppState::updateUnavailableSources()
     Q_EMIT unavailableSourcesChanged();
 }
 
-void AppState::refreshFileSystem()
+void AppState::refreshFileSystem(Refresh how)
 {
     m_libraryCancellation.cancel();
     if (m_libraryGeneration == std::numeric_limits<quint64>::max())
         qFatal("AppState: library generation overflow");
     const quint64 generation = ++m_libraryGeneration;
-    QList<CollectionMember> members;
-    for (const FontCollection &collection : std::as_const(m_collections))
-        members.append(collection.members);
+    // Kept until a scan that read everything is applied: a burst's later request for
+    // only the changes does not undo it.
+    m_readEverything = m_readEverything || how == Refresh::Everything;
     setIsIndexing(true);
-    runRefresh(generation, m_sources, members);
+    runRefresh(generation);
 }
 
-QCoro::Task<> AppState::runRefresh(quint64 generation, QList<FolderSource> sources, QList<CollectionMember> members)
+QCoro::Task<> AppState::runRefresh(quint64 generation)
 {
     QPointer<AppState> self(this);
     // Every awaited value is named first: GCC 12 frees temporaries inside co_await twice.
@@ -356,17 +356,26 @@ QCoro::Task<> AppState::runRefresh(quint64 generation, QList<FolderSource> sourc
         co_return; // a newer request came while we slept: one scan per burst
     const CancellationToken cancellation = CancellationToken::create();
     m_libraryCancellation = cancellation;
+    LibraryScanRequest request;
+    request.sources = m_sources;
+    for (const FontCollection &collection : std::as_const(m_collections))
+        request.members.append(collection.members);
+    const bool readEverything = m_readEverything;
+    if (!readEverything)
+        request.previous = m_fileSystemService;
     LibraryScanner scanner = m_libraryScanner; // the job keeps its own copy
     QElapsedTimer took;
     took.start();
     QFuture<LibraryScan> scanning =
-        QtConcurrent::task(std::move(scanner)).withArguments(sources, members, cancellation).withPriority(1).spawn();
+        QtConcurrent::task(std::move(scanner)).withArguments(std::move(request), cancellation).withPriority(1).spawn();
     const LibraryScan scan = co_await scanning;
     if (!self || cancellation.isCancelled() || generation != m_libraryGeneration)
         co_return; // stale: a newer refresh owns isIndexing
+    if (readEverything)
+        m_readEverything = false;
     m_unreachableSources = scan.unavailableSources;
-    qCDebug(lcLibrary) << "scanned" << sources.size() << "sources," << scan.searchIndex.size() << "folders in"
-                       << took.elapsed() << "ms";
+    qCDebug(lcLibrary) << "scanned" << m_sources.size() << "sources," << scan.searchIndex.size() << "folders ("
+                       << scan.foldersRead << "read) in" << took.elapsed() << "ms";
     installLibrary(scan.service, scan.searchIndex);
     updateUnavailableSources(); // by the new scan
     indexCatalogue();
@@ -375,10 +384,13 @@ QCoro::Task<> AppState::runRefresh(quint64 generation, QList<FolderSource> sourc
     restoreWaiting(); // a source folder that came back brings its fonts back
 }
 
-AppState::LibraryScan AppState::scanLibrary(const QList<FolderSource> &sources, const QList<CollectionMember> &members,
-                                            const CancellationToken &cancellation)
+AppState::LibraryScan AppState::scanLibrary(const LibraryScanRequest &request, const CancellationToken &cancellation)
 {
+    const QList<FolderSource> &sources = request.sources;
+    const QList<CollectionMember> &members = request.members;
     auto service = std::make_shared<FileSystemService>(cancellation);
+    if (request.previous)
+        service->reuseUnchanged(request.previous);
     QSet<QUuid> unavailable;
     for (const FolderSource &source : sources) {
         if (cancellation.isCancelled())
@@ -406,5 +418,5 @@ AppState::LibraryScan AppState::scanLibrary(const QList<FolderSource> &sources, 
     NameCollator(QLocale()).stableSort(index, [](const FolderSearchResult &result) { return result.folder.name(); });
     service->freeze();
     return {service, QList<FolderSearchResult>(std::make_move_iterator(index.begin()), std::make_move_iterator(index.end())),
-            unavailable};
+            unavailable, service->foldersRead()};
 }

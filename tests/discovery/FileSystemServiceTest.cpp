@@ -8,6 +8,8 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/xattr.h>
+#include <time.h>
 #include <unistd.h>
 
 using namespace Qt::StringLiterals;
@@ -347,4 +349,99 @@ TEST_F(ScanTest, ReadingAheadBuildsTheSameCachesAsReadingInline)
         EXPECT_EQ(ahead->children(folder.path()), inline_->children(folder.path())) << folder.path().toStdString();
         EXPECT_EQ(paths(ahead->allFonts(folder.path()), root), paths(inline_->allFonts(folder.path()), root));
     }
+}
+
+namespace {
+
+QSet<QString> fontSet(std::span<const FontNode> fonts, const QString &root)
+{
+    const QStringList list = paths(fonts, root);
+    return {list.cbegin(), list.cend()};
+}
+
+} // namespace
+
+// A refresh reads only the folders whose entries changed and takes the rest from the
+// previous scan, and what it builds is what a scan reading everything builds.
+TEST_F(ScanTest, ARescanReadsOnlyTheFoldersThatChangedAndBuildsWhatAFullScanBuilds)
+{
+    const auto write = [this](const QString &relative) { writeFile(root + u'/' + relative); };
+    const auto move = [this](const QString &from, const QString &to) {
+        ASSERT_TRUE(QDir().rename(root + u'/' + from, root + u'/' + to)) << from.toStdString();
+    };
+    const struct
+    {
+        const char *what;
+        std::function<void()> change;
+        qsizetype foldersRead;
+    } changes[] = {
+        {"nothing", [] {}, 0},
+        {"a font added deep down", [&] { write(u"Sans/Roman/Bold.ttf"_s); }, 1},
+        {"a first font in a folder that had none", [&] { write(u"Specimens/Proof.otf"_s); }, 1},
+        {"the last font of a folder removed", [&] { QFile::remove(root + u"/Mono/Only.ttf"_s); }, 1},
+        {"a folder removed", [&] { QDir(root + u"/Serif/Italic"_s).removeRecursively(); }, 1},
+        // Both parents, and the folder under its new name, which no scan has seen.
+        {"a folder renamed inside the source", [&] { move(u"Sans/Roman"_s, u"Upright"_s); }, 3},
+        // The same name over other content: its subfolders are not the old ones. Read:
+        // the source, the old folder and its two under their new path, the new one and its one.
+        {"a folder replaced by another of the same name", [&] {
+             move(u"Serif"_s, u"Serif.old"_s);
+             write(u"Incoming/Regular/Other.ttf"_s);
+             move(u"Incoming"_s, u"Serif"_s);
+         }, 6},
+        {"a licence tag on a font", [&] {
+             const QByteArray tags = "Licensed";
+             ASSERT_EQ(::setxattr(QFile::encodeName(root + u"/Sans/Regular.ttf"_s).constData(), "user.xdg.tags",
+                                  tags.constData(), size_t(tags.size()), 0), 0);
+         }, 0},
+    };
+    for (const auto &c : changes) {
+        write(u"Sans/Regular.ttf"_s);
+        write(u"Sans/Roman/Book.ttf"_s);
+        write(u"Serif/Italic/It.otf"_s);
+        write(u"Serif/Regular/Text.otf"_s);
+        write(u"Mono/Only.ttf"_s);
+        write(u"Specimens/readme.txt"_s);
+        ageFolders(root);
+        auto before = std::make_shared<FileSystemService>(CancellationToken(), QLocale(), FileSystemService::Listing::Inline);
+        before->deepScan(root);
+        before->freeze();
+
+        c.change();
+        FileSystemService after(CancellationToken(), QLocale(), FileSystemService::Listing::Inline);
+        after.reuseUnchanged(before);
+        after.deepScan(root);
+        FileSystemService whole;
+        whole.deepScan(root);
+
+        EXPECT_EQ(after.foldersRead(), c.foldersRead) << c.what;
+        EXPECT_EQ(after.folderCount(), whole.folderCount()) << c.what;
+        EXPECT_EQ(fontSet(after.allFonts(root), root), fontSet(whole.allFonts(root), root)) << c.what;
+        QStringList folders{root};
+        for (const FontNode &folder : whole.allFolders(root))
+            folders.append(folder.path());
+        for (const QString &folder : folders) {
+            EXPECT_EQ(names(after.children(folder)), names(whole.children(folder))) << c.what << ": " << folder.toStdString();
+            EXPECT_EQ(fontSet(after.allFonts(folder), root), fontSet(whole.allFonts(folder), root)) << c.what;
+        }
+        QDir(root).removeRecursively();
+        makeDir(root);
+    }
+}
+
+// A folder changed within the file system's coarsest tick of its listing may change
+// again without its time moving: it is read again rather than trusted.
+TEST_F(ScanTest, AFolderListedJustAfterItChangedIsReadAgain)
+{
+    writeFile(root + u"/Sans/Regular.ttf"_s);
+    auto before = std::make_shared<FileSystemService>(CancellationToken(), QLocale(), FileSystemService::Listing::Inline);
+    before->deepScan(root);
+    before->freeze();
+    // Written in the same tick: the folder's time may well not have moved.
+    writeFile(root + u"/Sans/Bold.ttf"_s);
+    FileSystemService after(CancellationToken(), QLocale(), FileSystemService::Listing::Inline);
+    after.reuseUnchanged(before);
+    after.deepScan(root);
+    EXPECT_EQ(after.foldersRead(), 2);
+    EXPECT_EQ(names(after.children(root + u"/Sans"_s)), (QStringList{u"Bold.ttf"_s, u"Regular.ttf"_s}));
 }

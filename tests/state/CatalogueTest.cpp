@@ -75,6 +75,71 @@ TEST(Catalogue, ARefreshIndexesEveryFaceAndForgetsWhatIsGone)
     EXPECT_EQ(QSet<QString>(left.cbegin(), left.cend()).size(), left.size()) << "no face twice";
 }
 
+// Each indexing job that changed something says so once, naming the files whose
+// records came, were read again and went; one that changed nothing says nothing.
+TEST(Catalogue, AJobSaysWhichFilesCameChangedAndWent)
+{
+    StoreFixture fixture;
+    AppState &store = *fixture.store;
+    const QString dejavu = u"/usr/share/fonts/truetype/dejavu/"_s;
+    const QString kept = fixture.library + u"/Kept.ttf"_s, replaced = fixture.library + u"/Replaced.ttf"_s,
+                  removed = fixture.library + u"/Removed.ttf"_s, added = fixture.library + u"/Added.ttf"_s;
+    ASSERT_TRUE(QFile::copy(dejavu + u"DejaVuSans.ttf"_s, kept));
+    ASSERT_TRUE(QFile::copy(dejavu + u"DejaVuSansMono.ttf"_s, replaced));
+    ASSERT_TRUE(QFile::copy(dejavu + u"DejaVuSerif.ttf"_s, removed));
+    QSignalSpy changes(&store, &AppState::catalogueChanged);
+    store.addSource(fixture.library);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !store.isIndexing(); }, 20'000));
+    ASSERT_TRUE(store.waitForCatalogue(60'000));
+    ASSERT_EQ(changes.count(), 1);
+    EXPECT_EQ(changes.takeFirst().at(0).value<CatalogueChange>().added, (QSet<QString>{kept, replaced, removed}));
+
+    ASSERT_TRUE(QFile::copy(dejavu + u"DejaVuSerif.ttf"_s, added));
+    ASSERT_TRUE(QFile::remove(replaced));
+    ASSERT_TRUE(QFile::copy(QStringLiteral(MORVANE_TEST_FONTS "/Plain.ttf"), replaced));
+    ASSERT_TRUE(QFile::remove(removed));
+    store.refreshFileSystem();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !store.isIndexing(); }, 20'000));
+    ASSERT_TRUE(store.waitForCatalogue(60'000));
+    ASSERT_EQ(changes.count(), 1);
+    const auto change = changes.takeFirst().at(0).value<CatalogueChange>();
+    EXPECT_EQ(change.added, QSet<QString>{added});
+    EXPECT_EQ(change.changed, QSet<QString>{replaced});
+    EXPECT_EQ(change.removed, QSet<QString>{removed});
+
+    store.refreshFileSystem(AppState::Refresh::Everything);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !store.isIndexing(); }, 20'000));
+    ASSERT_TRUE(store.waitForCatalogue(60'000));
+    EXPECT_EQ(changes.count(), 0) << "nothing changed: nothing said";
+}
+
+// What is gathered until it is said: a file added and gone again before anyone heard
+// of it is not mentioned; one gone and back is changed.
+TEST(Catalogue, AChangeNotYetSaidKeepsOnlyWhatTheViewsNeedToHear)
+{
+    const struct
+    {
+        const char *what;
+        std::function<void(CatalogueChange &)> steps;
+        CatalogueChange said;
+    } cases[] = {
+        {"added, then removed", [](CatalogueChange &c) { c.recordRead(u"a"_s, false); c.recordRemoved(u"a"_s); }, {}},
+        {"removed, then back", [](CatalogueChange &c) { c.recordRemoved(u"a"_s); c.recordRead(u"a"_s, false); },
+         {{}, {u"a"_s}, {}}},
+        {"added, then read again", [](CatalogueChange &c) { c.recordRead(u"a"_s, false); c.recordRead(u"a"_s, true); },
+         {{u"a"_s}, {}, {}}},
+        {"changed, then removed", [](CatalogueChange &c) { c.recordRead(u"a"_s, true); c.recordRemoved(u"a"_s); },
+         {{}, {}, {u"a"_s}}},
+    };
+    for (const auto &c : cases) {
+        CatalogueChange change;
+        c.steps(change);
+        EXPECT_EQ(change.added, c.said.added) << c.what;
+        EXPECT_EQ(change.changed, c.said.changed) << c.what;
+        EXPECT_EQ(change.removed, c.said.removed) << c.what;
+    }
+}
+
 // Questions only the store can answer: licence tags on the files, a collection's files
 // and folders, active files that share a PostScript name, and how many faces each
 // source holds.

@@ -100,10 +100,9 @@ TEST(Loading, ABurstOfRefreshesCostsOneScan)
     // mid-scan both cost one.
     std::atomic_int scans = 0;
     f.store->setLibraryScannerForTesting(
-        [&scans](const QList<FolderSource> &sources, const QList<CollectionMember> &members,
-                 const CancellationToken &cancellation) {
+        [&scans](const AppState::LibraryScanRequest &request, const CancellationToken &cancellation) {
             ++scans;
-            return AppState::scanLibrary(sources, members, cancellation);
+            return AppState::scanLibrary(request, cancellation);
         });
     QSignalSpy installed(f.store.get(), &AppState::cachedColumnsChanged);
     f.store->refreshFileSystem();
@@ -130,15 +129,14 @@ TEST(Loading, AResultThatArrivesAfterANewerRequestIsDropped)
     QSemaphore gate;
     const auto openGate = qScopeGuard([&] { gate.release(2); }); // never leave a job stuck
     std::atomic_int scans = 0;
-    f.store->setLibraryScannerForTesting([&](const QList<FolderSource> &sources, const QList<CollectionMember> &members,
-                                             const CancellationToken &) {
+    f.store->setLibraryScannerForTesting([&](const AppState::LibraryScanRequest &request, const CancellationToken &) {
+        const QList<FolderSource> &sources = request.sources;
         if (++scans == 1)
             gate.acquire();
         AppState::LibraryScan scan;
         scan.service = std::make_shared<FileSystemService>();
         for (const FolderSource &source : sources)
             scan.service->deepScan(source.path);
-        (void)members;
         scan.service->freeze();
         return scan;
     });

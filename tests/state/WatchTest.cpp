@@ -112,6 +112,34 @@ TEST_F(Watch, AttributesOfFilesRescanNothing)
     EXPECT_TRUE(QTest::qWaitFor([&] { return inLibrary(u"Sans/c.ttf"_s); }, 10'000));
 }
 
+// A font copied into one folder of a library of many costs a look at that folder, not
+// a reading of all; Refresh Sources still reads every folder.
+TEST_F(Watch, AChangeReadsTheFoldersThatChangedAndRefreshSourcesReadsAll)
+{
+    for (int i = 0; i < 20; ++i)
+        writeFile(path(u"Family %1/Regular.ttf"_s.arg(i)));
+    ageFolders(library);
+    store->refreshFileSystem(); // read once more, now that their times are settled
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !store->isIndexing(); }, 10'000));
+    std::atomic<qsizetype> foldersRead = -1;
+    store->setLibraryScannerForTesting([&](const AppState::LibraryScanRequest &request, const CancellationToken &cancel) {
+        AppState::LibraryScan scan = AppState::scanLibrary(request, cancel);
+        foldersRead = scan.foldersRead;
+        return scan;
+    });
+    store->setWatchingSources(true);
+    store->sourceWatcher()->setQuietTime(0);
+    writeFile(path(u"Family 7/Bold.ttf"_s));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return inLibrary(u"Family 7/Bold.ttf"_s); }, 10'000));
+    EXPECT_EQ(foldersRead, 1) << "the folder the font came into";
+    EXPECT_EQ(store->fileSystemService().fontCount(), 23) << "every font still there";
+
+    QSignalSpy installed(store.get(), &AppState::cachedColumnsChanged);
+    store->refreshFileSystem(AppState::Refresh::Everything);
+    ASSERT_TRUE(installed.wait(10'000));
+    EXPECT_EQ(foldersRead, 23) << "the source, its two folders and the twenty families";
+}
+
 // A source folder renamed away while Morvane runs is "Not available" at once, and comes
 // back when it is renamed back.
 TEST_F(Watch, ASourceRenamedAwayIsUnavailableUntilItIsBack)

@@ -6,6 +6,7 @@
 
 #include <QMutex>
 #include <QDir>
+#include <QDirIterator>
 #include <QFile>
 #include <QProcess>
 #include <QLocale>
@@ -16,6 +17,10 @@
 #include <cstdlib>
 #include <memory>
 #include <unistd.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <time.h>
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
@@ -105,6 +110,23 @@ QString writeFile(const QString &path, const QByteArray &content)
     EXPECT_TRUE(file.open(QIODevice::WriteOnly)) << path.toStdString();
     file.write(content);
     return path;
+}
+
+void ageFolders(const QString &root)
+{
+    QStringList folders{root};
+    QDirIterator it(root, QDir::Dirs | QDir::NoDotAndDotDot | QDir::Hidden, QDirIterator::Subdirectories);
+    while (it.hasNext())
+        folders.append(it.next());
+    // Deepest first: setting a folder's times leaves its parent's alone anyway, but a
+    // parent set last is surely an hour old.
+    std::sort(folders.begin(), folders.end(), [](const QString &a, const QString &b) { return a.size() > b.size(); });
+    timespec now{};
+    ::clock_gettime(CLOCK_REALTIME, &now);
+    const timespec hourAgo{now.tv_sec - 3600, 0};
+    const timespec times[2] = {hourAgo, hourAgo};
+    for (const QString &folder : std::as_const(folders))
+        EXPECT_EQ(::utimensat(AT_FDCWD, QFile::encodeName(folder).constData(), times, 0), 0) << folder.toStdString();
 }
 
 void makeSymlink(const QString &target, const QString &linkPath)

@@ -25,6 +25,9 @@ QString testRoot();
 QString makeDir(const QString &path);
 QString writeFile(const QString &path, const QByteArray &content = {});
 void makeSymlink(const QString &target, const QString &linkPath);
+// Every folder's times under `root` (itself too) an hour back, as a library copied in
+// long ago: a rescan then trusts what it listed.
+void ageFolders(const QString &root);
 QByteArray readFile(const QString &path);
 
 // What `action` printed on standard output.

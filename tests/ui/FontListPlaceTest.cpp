@@ -20,6 +20,10 @@
 
 #include <functional>
 
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <time.h>
+
 #include <gtest/gtest.h>
 
 using namespace Qt::StringLiterals;
@@ -146,4 +150,76 @@ TEST_F(FontListPlace, TheChosenRowOpenFamilyAndScrollSurviveChangesOfTheLibrary)
         EXPECT_EQ(place(), before) << change.what << ": now " << place().current.toStdString() << ", top "
                                    << place().top.toStdString();
     }
+}
+
+// The library's changes reach the list as what they are: a family that came is a row
+// inserted where it sorts, a face gone is a row removed under its family, a file read
+// again redraws its rows; never a reset nor a reshuffle, and the user's place stays.
+TEST_F(FontListPlace, ChangesArriveAsRowsInsertedRemovedAndRedrawn)
+{
+    choose(LibraryView::AllFonts);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return list() && !list()->isQuerying() && model()->rowCount() == 40; }, 30'000));
+    FontListTree *tree = list()->tree();
+    tree->setFocus();
+    const QString chosen = familyAt(10);
+    tree->setCurrentIndex(model()->index(10, 0));
+    QTest::keyClick(tree, Qt::Key_Right); // open
+    QTest::keyClick(tree, Qt::Key_Down);
+    QTest::keyClick(tree, Qt::Key_Down); // its bold face
+    const Place before = place();
+    ASSERT_EQ(before.current, chosen + u" / Bold"_s);
+    const QString regular = model()->index(0, 0, model()->index(10, 0)).data(FontListModel::PathRole).toString();
+    const QString other = familyAt(20);
+    const QString otherBold = model()->index(1, 0, model()->index(20, 0)).data(FontListModel::PathRole).toString();
+    ASSERT_FALSE(regular.isEmpty());
+
+    QSignalSpy resets(model(), &QAbstractItemModel::modelAboutToBeReset);
+    QSignalSpy layouts(model(), &QAbstractItemModel::layoutAboutToBeChanged);
+    QSignalSpy inserted(model(), &QAbstractItemModel::rowsInserted);
+    QSignalSpy removed(model(), &QAbstractItemModel::rowsRemoved);
+    QSignalSpy redrawn(model(), &QAbstractItemModel::dataChanged);
+    const QString newcomer = library + u"/New/DejaVuSans.ttf"_s;
+    const auto readAgain = [](const QString &path) { // its time moves: the catalogue reads it again
+        const timespec later[2] = {{0, UTIME_OMIT}, {::time(nullptr) + 100, 0}};
+        ASSERT_EQ(::utimensat(AT_FDCWD, QFile::encodeName(path).constData(), later, 0), 0);
+    };
+    const struct
+    {
+        const char *what;
+        std::function<void()> act;
+        QSignalSpy &spy;
+        QString parentFamily; // empty: a family row
+        int row;
+    } changes[] = {
+        {"a new family, sorting first", [&] {
+             makeDir(library + u"/New"_s);
+             ASSERT_TRUE(QFile::copy(u"/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf"_s, newcomer));
+         }, inserted, {}, 0},
+        {"a face of another family gone", [&] { ASSERT_TRUE(QFile::remove(otherBold)); }, removed, other, 1},
+        {"the chosen family's regular file read again", [&] { readAgain(regular); }, redrawn, chosen, 0},
+        {"the new family gone", [&] { ASSERT_TRUE(QFile::remove(newcomer)); }, removed, {}, 0},
+    };
+    for (const auto &change : changes) {
+        for (QSignalSpy *spy : {&resets, &layouts, &inserted, &removed, &redrawn})
+            spy->clear();
+        change.act();
+        store().refreshFileSystem();
+        ASSERT_TRUE(QTest::qWaitFor([&] { return !change.spy.isEmpty(); }, 60'000)) << change.what;
+        ASSERT_TRUE(store().waitForCatalogue(60'000));
+        ASSERT_TRUE(QTest::qWaitFor([&] { return !list()->isQuerying(); }, 30'000));
+        EXPECT_EQ(resets.count() + layouts.count(), 0) << change.what;
+        const auto said = std::find_if(change.spy.cbegin(), change.spy.cend(), [&](const QList<QVariant> &signal) {
+            const QModelIndex at = signal.at(0).value<QModelIndex>();
+            const QModelIndex parent = change.spy.signal() == QByteArray("2dataChanged(QModelIndex,QModelIndex,QList<int>)")
+                                           ? at.parent() : at;
+            const int row = change.spy.signal() == QByteArray("2dataChanged(QModelIndex,QModelIndex,QList<int>)")
+                                ? at.row() : signal.at(1).toInt();
+            return parent.data().toString() == change.parentFamily && row == change.row;
+        });
+        EXPECT_NE(said, change.spy.cend()) << change.what;
+        EXPECT_EQ(place().current, before.current) << change.what;
+        EXPECT_EQ(place().open, before.open) << change.what;
+    }
+    EXPECT_EQ(model()->rowCount(), 40);
+    EXPECT_EQ(model()->rowCount(model()->index(rowOf(other), 0)), 1);
 }

@@ -223,9 +223,9 @@ TEST(MainWindow, ReindexingStripShowsWhileTheLibraryIsIndexed)
     // The scan waits for the test, so the strip's moment lasts.
     QSemaphore gate;
     window->state().setLibraryScannerForTesting(
-        [&gate](const QList<FolderSource> &, const QList<CollectionMember> &, const CancellationToken &) {
+        [&gate](const AppState::LibraryScanRequest &, const CancellationToken &) {
             gate.acquire();
-            return AppState::LibraryScan{std::make_shared<FileSystemService>(), {}, {}};
+            return AppState::LibraryScan{std::make_shared<FileSystemService>(), {}, {}, 0};
         });
     window->state().refreshFileSystem();
     ASSERT_TRUE(window->state().isIndexing());

@@ -13,8 +13,10 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// A face row knows its family by the family's row plus one; a family row by zero.
+// A family row's internal id; a face row's is its family's id, never zero.
 constexpr quintptr kFamilyRow = 0;
+// Past this many ranges of rows come or gone, one layout change costs less than them all.
+constexpr qsizetype kMaxRanges = 32;
 
 QString stateWord(ActivationState state)
 {
@@ -32,6 +34,35 @@ QString styles(qsizetype count)
                       : QCoreApplication::translate("FontListModel", "%n styles", nullptr, int(count));
 }
 
+QString faceKey(const FoundFace &face)
+{
+    return face.path + u'\x1f' + QString::number(face.faceIndex);
+}
+
+bool drawnAlike(const FoundFace &a, const FoundFace &b)
+{
+    return a.style == b.style && a.postScriptName == b.postScriptName && a.weight == b.weight && a.width == b.width
+           && a.italic == b.italic && a.variable == b.variable && a.classification == b.classification
+           && a.glyphCount == b.glyphCount;
+}
+
+void extend(QList<std::pair<int, int>> &runs, int at)
+{
+    if (!runs.isEmpty() && runs.last().second == at - 1)
+        runs.last().second = at;
+    else
+        runs.append({at, at});
+}
+
+QStringList faceKeys(const QList<FoundFace> &faces)
+{
+    QStringList keys;
+    keys.reserve(faces.size());
+    for (const FoundFace &face : faces)
+        keys.append(faceKey(face));
+    return keys;
+}
+
 } // namespace
 
 FontListModel::FontListModel(AppState &state, QObject *parent)
@@ -39,7 +70,8 @@ FontListModel::FontListModel(AppState &state, QObject *parent)
     , m_state(state)
 {
     connect(&state, &AppState::activatedFontsChanged, this, [this] {
-        m_familyStates.assign(m_familyStates.size(), -1);
+        for (const Row &row : m_rows)
+            row.state = -1;
         if (rowCount() > 0)
             Q_EMIT dataChanged(index(0, 0), index(rowCount() - 1, 0), {ActivationRole, Qt::CheckStateRole});
         // Open families' faces repaint with them.
@@ -52,40 +84,178 @@ FontListModel::FontListModel(AppState &state, QObject *parent)
     });
 }
 
-void FontListModel::setAnswer(FontQueryAnswer answer, bool samePlace)
+FontListModel::Ranges FontListModel::diff(const QStringList &before, const QStringList &after)
 {
-    const QModelIndexList kept = samePlace ? persistentIndexList() : QModelIndexList();
-    if (m_answer.families.isEmpty() || kept.isEmpty()) {
+    Ranges ranges;
+    QHash<QString, int> at;
+    at.reserve(after.size());
+    for (int i = 0; i < after.size(); ++i)
+        at.insert(after.at(i), i);
+    QSet<QString> kept;
+    int last = -1;
+    for (int i = 0; i < before.size(); ++i) {
+        const auto found = at.constFind(before.at(i));
+        if (found == at.cend()) {
+            extend(ranges.removed, i);
+            continue;
+        }
+        if (*found < last || kept.contains(before.at(i))) {
+            ranges.inOrder = false;
+            return ranges;
+        }
+        last = *found;
+        kept.insert(before.at(i));
+    }
+    ranges.inOrder = at.size() == after.size(); // a key twice: not a list this can follow
+    for (int i = 0; i < after.size(); ++i) {
+        if (!kept.contains(after.at(i)))
+            extend(ranges.inserted, i);
+    }
+    return ranges;
+}
+
+void FontListModel::reindex()
+{
+    m_rowOfId.clear();
+    m_rowOfId.reserve(qsizetype(m_rows.size()));
+    for (size_t row = 0; row < m_rows.size(); ++row)
+        m_rowOfId.insert(m_rows[row].id, int(row));
+}
+
+void FontListModel::setAnswer(FontQueryAnswer answer, bool samePlace, const QSet<QString> &changedFiles)
+{
+    if (!samePlace || m_rows.empty()) {
         beginResetModel();
+        m_rows.clear();
+        m_rows.reserve(size_t(answer.families.size()));
+        for (const FontFamily &family : answer.families)
+            m_rows.push_back(newRow(family));
+        reindex();
         m_answer = std::move(answer);
-        m_familyStates.assign(size_t(m_answer.families.size()), -1);
         endResetModel();
         return;
     }
-    // A new answer to the same question (fonts indexed, activated, dropped): one layout
-    // change in which every row the views hold on to (the chosen row,
-    // open families, the current row) moves to where its family or face now is, so the
-    // user's place survives; rows that are gone let go.
+    if (!applyInPlace(answer, changedFiles))
+        applyAsLayoutChange(answer);
+    m_answer = std::move(answer);
+}
+
+bool FontListModel::applyInPlace(const FontQueryAnswer &answer, const QSet<QString> &changedFiles)
+{
+    QStringList before;
+    before.reserve(qsizetype(m_rows.size()));
+    QHash<QString, int> oldRow;
+    for (size_t row = 0; row < m_rows.size(); ++row) {
+        before.append(m_rows[row].family.name);
+        oldRow.insert(m_rows[row].family.name, int(row));
+    }
+    QStringList after;
+    after.reserve(answer.families.size());
+    for (const FontFamily &family : answer.families)
+        after.append(family.name);
+    const Ranges families = diff(before, after);
+    if (!families.inOrder || families.count() > kMaxRanges)
+        return false;
+    // Every family that stays must keep its faces' order too; worked out before any
+    // row moves, so a change this can't follow is left whole to the layout change.
+    QHash<int, Ranges> faces; // by new row
+    qsizetype ranges = families.count();
+    for (int row = 0; row < after.size(); ++row) {
+        const auto old = oldRow.constFind(after.at(row));
+        if (old == oldRow.cend())
+            continue;
+        const Ranges changed = diff(faceKeys(m_rows[size_t(*old)].family.faces), faceKeys(answer.families.at(row).faces));
+        if (!changed.inOrder)
+            return false;
+        ranges += changed.count();
+        faces.insert(row, changed);
+    }
+    if (ranges > kMaxRanges)
+        return false;
+
+    for (auto run = families.removed.crbegin(); run != families.removed.crend(); ++run) {
+        beginRemoveRows({}, run->first, run->second);
+        m_rows.erase(m_rows.begin() + run->first, m_rows.begin() + run->second + 1);
+        reindex();
+        endRemoveRows();
+    }
+    for (const auto &[first, last] : families.inserted) {
+        beginInsertRows({}, first, last);
+        std::vector<Row> added;
+        for (int row = first; row <= last; ++row)
+            added.push_back(newRow(answer.families.at(row)));
+        m_rows.insert(m_rows.begin() + first, std::make_move_iterator(added.begin()), std::make_move_iterator(added.end()));
+        reindex();
+        endInsertRows();
+    }
+    for (auto it = faces.cbegin(); it != faces.cend(); ++it)
+        applyFaces(it.key(), answer.families.at(it.key()).faces, it.value(), changedFiles);
+    return true;
+}
+
+void FontListModel::applyFaces(int row, const QList<FoundFace> &faces, const Ranges &ranges,
+                               const QSet<QString> &changedFiles)
+{
+    const QModelIndex family = index(row, 0);
+    Row &shown = m_rows[size_t(row)];
+    for (auto run = ranges.removed.crbegin(); run != ranges.removed.crend(); ++run) {
+        beginRemoveRows(family, run->first, run->second);
+        shown.family.faces.remove(run->first, run->second - run->first + 1);
+        endRemoveRows();
+    }
+    for (const auto &[first, last] : ranges.inserted) {
+        beginInsertRows(family, first, last);
+        shown.family.faces.insert(first, last - first + 1, FoundFace());
+        for (int at = first; at <= last; ++at)
+            shown.family.faces[at] = faces.at(at);
+        endInsertRows();
+    }
+    // Now the same faces in the same order; what they show may still differ (a file read
+    // again: a new version, a style renamed, another drawing).
+    QList<int> redrawn;
+    for (int at = 0; at < faces.size(); ++at) {
+        if (!drawnAlike(shown.family.faces.at(at), faces.at(at)) || changedFiles.contains(faces.at(at).path))
+            redrawn.append(at);
+    }
+    shown.family = FontFamily{shown.family.name, faces}; // the answer's own list, shared
+    for (const int at : std::as_const(redrawn))
+        Q_EMIT dataChanged(index(at, 0, family), index(at, 0, family));
+    if (!ranges.isEmpty() || !redrawn.isEmpty()) {
+        shown.state = -1;
+        Q_EMIT dataChanged(family, family);
+    }
+}
+
+void FontListModel::applyAsLayoutChange(const FontQueryAnswer &answer)
+{
+    // Every row the views hold on to (the chosen row, open families, the current row)
+    // moves to where its family or face now is; rows that are gone let go.
+    const QModelIndexList kept = persistentIndexList();
     Q_EMIT layoutAboutToBeChanged({}, QAbstractItemModel::VerticalSortHint);
     struct Place
     {
         QString family;
-        QString path; // a face's; empty for a family row
-        int faceIndex = 0;
+        QString face; // its key; empty for a family row
     };
     QList<Place> places;
     places.reserve(kept.size());
     for (const QModelIndex &index : kept) {
         const FontFamily *family = familyOf(index);
         const FoundFace *face = index.internalId() == kFamilyRow ? nullptr : faceOf(index);
-        places.append({family ? family->name : QString(), face ? face->path : QString(), face ? face->faceIndex : 0});
+        places.append({family ? family->name : QString(), face ? faceKey(*face) : QString()});
     }
-    m_answer = std::move(answer);
-    m_familyStates.assign(size_t(m_answer.families.size()), -1);
+    QHash<QString, quint32> ids; // a family keeps its id: its open faces stay its own
+    for (const Row &row : m_rows)
+        ids.insert(row.family.name, row.id);
+    m_rows.clear();
+    m_rows.reserve(size_t(answer.families.size()));
     QHash<QString, int> familyRows;
-    familyRows.reserve(m_answer.families.size());
-    for (int row = 0; row < m_answer.families.size(); ++row)
-        familyRows.insert(m_answer.families.at(row).name, row);
+    for (const FontFamily &family : answer.families) {
+        const auto id = ids.constFind(family.name);
+        familyRows.insert(family.name, int(m_rows.size()));
+        m_rows.push_back(id == ids.cend() ? newRow(family) : Row{family, *id});
+    }
+    reindex();
     QModelIndexList moved;
     moved.reserve(kept.size());
     for (const Place &place : std::as_const(places)) {
@@ -94,16 +264,14 @@ void FontListModel::setAnswer(FontQueryAnswer answer, bool samePlace)
             moved.append(QModelIndex());
             continue;
         }
-        if (place.path.isEmpty()) {
+        if (place.face.isEmpty()) {
             moved.append(createIndex(familyRow, 0, kFamilyRow));
             continue;
         }
-        const QList<FoundFace> &faces = m_answer.families.at(familyRow).faces;
-        const auto face = std::find_if(faces.cbegin(), faces.cend(), [&](const FoundFace &f) {
-            return f.path == place.path && f.faceIndex == place.faceIndex;
-        });
+        const QList<FoundFace> &faces = m_rows[size_t(familyRow)].family.faces;
+        const auto face = std::find_if(faces.cbegin(), faces.cend(), [&](const FoundFace &f) { return faceKey(f) == place.face; });
         moved.append(face == faces.cend() ? QModelIndex()
-                                          : createIndex(int(face - faces.cbegin()), 0, quintptr(familyRow) + 1));
+                                          : createIndex(int(face - faces.cbegin()), 0, quintptr(m_rows[size_t(familyRow)].id)));
     }
     changePersistentIndexList(kept, moved);
     Q_EMIT layoutChanged({}, QAbstractItemModel::VerticalSortHint);
@@ -114,26 +282,28 @@ QModelIndex FontListModel::index(int row, int column, const QModelIndex &parent)
     if (column != 0 || row < 0)
         return {};
     if (!parent.isValid())
-        return row < m_answer.families.size() ? createIndex(row, 0, kFamilyRow) : QModelIndex();
-    if (parent.internalId() != kFamilyRow || row >= m_answer.families.at(parent.row()).faces.size())
+        return size_t(row) < m_rows.size() ? createIndex(row, 0, kFamilyRow) : QModelIndex();
+    if (parent.internalId() != kFamilyRow || size_t(parent.row()) >= m_rows.size())
         return {};
-    return createIndex(row, 0, quintptr(parent.row()) + 1);
+    const Row &family = m_rows[size_t(parent.row())];
+    return row < family.family.faces.size() ? createIndex(row, 0, quintptr(family.id)) : QModelIndex();
 }
 
 QModelIndex FontListModel::parent(const QModelIndex &child) const
 {
     if (!child.isValid() || child.internalId() == kFamilyRow)
         return {};
-    return createIndex(int(child.internalId() - 1), 0, kFamilyRow);
+    const int row = m_rowOfId.value(quint32(child.internalId()), -1);
+    return row < 0 ? QModelIndex() : createIndex(row, 0, kFamilyRow);
 }
 
 int FontListModel::rowCount(const QModelIndex &parent) const
 {
     if (!parent.isValid())
-        return int(m_answer.families.size());
-    if (parent.internalId() != kFamilyRow)
+        return int(m_rows.size());
+    if (parent.internalId() != kFamilyRow || size_t(parent.row()) >= m_rows.size())
         return 0;
-    return int(m_answer.families.at(parent.row()).faces.size());
+    return int(m_rows[size_t(parent.row())].family.faces.size());
 }
 
 int FontListModel::columnCount(const QModelIndex &) const
@@ -141,12 +311,18 @@ int FontListModel::columnCount(const QModelIndex &) const
     return 1;
 }
 
-const FontFamily *FontListModel::familyOf(const QModelIndex &index) const
+const FontListModel::Row *FontListModel::rowOf(const QModelIndex &index) const
 {
     if (!index.isValid())
         return nullptr;
-    const qsizetype row = index.internalId() == kFamilyRow ? index.row() : qsizetype(index.internalId() - 1);
-    return row < m_answer.families.size() ? &m_answer.families.at(row) : nullptr;
+    const int row = index.internalId() == kFamilyRow ? index.row() : m_rowOfId.value(quint32(index.internalId()), -1);
+    return row >= 0 && size_t(row) < m_rows.size() ? &m_rows[size_t(row)] : nullptr;
+}
+
+const FontFamily *FontListModel::familyOf(const QModelIndex &index) const
+{
+    const Row *row = rowOf(index);
+    return row ? &row->family : nullptr;
 }
 
 const FoundFace *FontListModel::faceOf(const QModelIndex &index) const
@@ -193,20 +369,17 @@ QStringList FontListModel::pathsOf(const QModelIndex &index) const
 ActivationState FontListModel::activation(const QModelIndex &index) const
 {
     // A family's state is counted once per change of the active fonts, not per paint.
-    const bool isFamily = index.isValid() && index.internalId() == kFamilyRow;
-    if (isFamily && size_t(index.row()) < m_familyStates.size() && m_familyStates[size_t(index.row())] >= 0)
-        return ActivationState(m_familyStates[size_t(index.row())]);
+    const Row *family = index.isValid() && index.internalId() == kFamilyRow ? rowOf(index) : nullptr;
+    if (family && family->state >= 0)
+        return ActivationState(family->state);
     const QStringList paths = pathsOf(index);
     const auto active = std::count_if(paths.cbegin(), paths.cend(),
                                       [&](const QString &path) { return m_state.activatedFonts().contains(path); });
     const ActivationState state = active == 0 ? ActivationState::Inactive
                                   : active == paths.size() ? ActivationState::Active
                                                            : ActivationState::Mixed;
-    if (isFamily) {
-        if (m_familyStates.size() != size_t(m_answer.families.size()))
-            m_familyStates.assign(size_t(m_answer.families.size()), -1);
-        m_familyStates[size_t(index.row())] = qint8(state);
-    }
+    if (family)
+        family->state = qint8(state);
     return state;
 }
 

@@ -5,6 +5,8 @@
 #include "services/FontCatalog.h"
 
 #include <QAbstractItemModel>
+#include <QHash>
+#include <QSet>
 
 #include <vector>
 
@@ -27,11 +29,14 @@ public:
 
     explicit FontListModel(AppState &state, QObject *parent = nullptr);
 
-    // `samePlace`: a new answer to the question already shown; the rows the views hold
-    // on to (chosen, open, current) follow their family or face. Otherwise the list
-    // starts afresh.
-    void setAnswer(FontQueryAnswer answer, bool samePlace = false);
+    // `samePlace`: a new answer to the question already shown. Families and faces that
+    // came or went are inserted and removed in ranges, rows whose face or file changed
+    // (`changedFiles`: read again since) say so, and nothing else moves, so the chosen
+    // row, the open families and the scroll stay. A change too large or out of order is
+    // one layout change that keeps them just the same. Otherwise the list starts afresh.
+    void setAnswer(FontQueryAnswer answer, bool samePlace = false, const QSet<QString> &changedFiles = {});
     const FontQueryAnswer &answer() const { return m_answer; }
+    QStringView familyName(int row) const { return m_rows.at(size_t(row)).family.name; }
 
     QModelIndex index(int row, int column, const QModelIndex &parent = {}) const override;
     QModelIndex parent(const QModelIndex &child) const override;
@@ -52,10 +57,39 @@ public:
     static const FoundFace &regularFace(const FontFamily &family);
 
 private:
+    // A family as shown: its faces' list is the answer's own, shared, not copied. Face
+    // rows know their family by its id, which stays while rows around it come and go.
+    struct Row
+    {
+        FontFamily family;
+        quint32 id = 0;
+        mutable qint8 state = -1; // ActivationState; -1: not counted since the last change
+    };
+    const Row *rowOf(const QModelIndex &index) const;
     const FontFamily *familyOf(const QModelIndex &index) const;
     const FoundFace *faceOf(const QModelIndex &index) const;
+    Row newRow(const FontFamily &family) { return {family, ++m_lastId}; }
+    void reindex();
+    // The ranged way; false (nothing done) when the change is too large or reorders rows.
+    bool applyInPlace(const FontQueryAnswer &answer, const QSet<QString> &changedFiles);
+    // How one list of keys becomes another: runs of positions removed (in the old list)
+    // and inserted (in the new one); followed only when the keys both share keep their order.
+    struct Ranges
+    {
+        QList<std::pair<int, int>> removed; // first, last
+        QList<std::pair<int, int>> inserted;
+        bool inOrder = true;
+
+        qsizetype count() const { return removed.size() + inserted.size(); }
+        bool isEmpty() const { return removed.isEmpty() && inserted.isEmpty(); }
+    };
+    static Ranges diff(const QStringList &before, const QStringList &after);
+    void applyFaces(int row, const QList<FoundFace> &faces, const Ranges &ranges, const QSet<QString> &changedFiles);
+    void applyAsLayoutChange(const FontQueryAnswer &answer);
 
     AppState &m_state;
     FontQueryAnswer m_answer;
-    mutable std::vector<qint8> m_familyStates; // -1: not counted since the last change
+    std::vector<Row> m_rows;
+    QHash<quint32, int> m_rowOfId;
+    quint32 m_lastId = 0;
 };

@@ -112,7 +112,7 @@ void FontListTree::keyPressEvent(QKeyEvent *event)
             m_sinceTyped.start();
         const int row = m_typeAhead.type(event->text(), m_sinceTyped.elapsed(), family.isValid() ? family.row() : -1,
                                          list->rowCount(),
-                                         [list](int at) { return QStringView(list->answer().families.at(at).name); });
+                                         [list](int at) { return list->familyName(at); });
         if (row >= 0) {
             const QModelIndex found = list->index(row, 0);
             setCurrentIndex(found);
@@ -269,7 +269,11 @@ FontListView::FontListView(AppState &state, QWidget *parent)
     connect(&state, &AppState::previewTextChanged, this, &FontListView::updateSample);
     updateSample();
     // More fonts indexed, or (for Active Fonts) others activated: the answer is asked again.
-    connect(&state, &AppState::catalogueChanged, m_askSoon, qOverload<>(&QTimer::start));
+    connect(&state, &AppState::catalogueChanged, this, [this](const CatalogueChange &change) {
+        m_samples->forget(change.changed); // drawn from the file as it was
+        m_changedFiles += change.changed;
+        m_askSoon->start();
+    });
     connect(&state, &AppState::activatedFontsChanged, this, [this] {
         if (m_kind == LibraryView::ActiveFonts)
             m_askSoon->start();
@@ -387,7 +391,7 @@ void FontListView::answered(const FontQueryAnswer &answer)
     m_shown = {m_asked, m_askedKind};
     const QPersistentModelIndex top = m_tree->indexAt(QPoint(1, 1));
     const int topOffset = top.isValid() ? m_tree->visualRect(top).top() : 0;
-    m_model->setAnswer(answer, samePlace);
+    m_model->setAnswer(answer, samePlace, std::exchange(m_changedFiles, {}));
     if (samePlace && top.isValid()) {
         m_tree->scrollTo(top, QAbstractItemView::PositionAtTop);
         if (m_tree->verticalScrollMode() == QAbstractItemView::ScrollPerPixel) // a row partly scrolled off stays so

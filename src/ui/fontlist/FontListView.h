@@ -5,6 +5,7 @@
 #include "services/FontCatalog.h"
 #include "ui/common/TypeAhead.h"
 
+#include <QSet>
 #include <QElapsedTimer>
 #include <QFutureWatcher>
 #include <QTreeView>
@@ -124,6 +125,7 @@ private:
     FontListTree *m_tree;
     FontListModel *m_model;
     FontSampleCache *m_samples;
+    QSet<QString> m_changedFiles; // read again since the answer shown: their rows redraw
     FontListDelegate *m_delegate;
     QTimer *m_askSoon;
     QFutureWatcher<FontQueryAnswer> *m_asking = nullptr; // the newest question

@@ -99,6 +99,18 @@ FontSampleCache::Sample FontSampleCache::sample(const QString &path, int faceInd
     return {State::Drawing, {}};
 }
 
+void FontSampleCache::forget(const QSet<QString> &paths)
+{
+    if (paths.isEmpty())
+        return;
+    const auto drawnFrom = [&paths](const QString &key) { return paths.contains(key.section(u'\x1f', 0, 0)); };
+    for (const QString &key : m_images.keys()) {
+        if (drawnFrom(key))
+            m_images.remove(key);
+    }
+    m_failed.removeIf(drawnFrom);
+}
+
 void FontSampleCache::finished(const QString &key, const QString &path, const QImage &image)
 {
     m_drawing.remove(key);

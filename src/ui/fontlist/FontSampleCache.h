@@ -33,6 +33,8 @@ public:
     Sample sample(const QString &path, int faceIndex, const QString &text, int pixelSize, const QColor &colour,
                   const Variations &variations = {});
     bool isDrawing() const { return !m_drawing.isEmpty(); }
+    // These files changed: what was drawn from them (or failed to be) is drawn again.
+    void forget(const QSet<QString> &paths);
 
     // Draws one line of the text with the face, its baseline at the ascent (the image's
     // text "baseline" says where, in pixels); null when the file is not a font that can be

@@ -102,7 +102,7 @@ MainWindow::MainWindow(WindowStore store, QWidget *parent)
     });
     connect(m_empty, &EmptyStateView::addFolderRequested, this, &MainWindow::addFolders);
     connect(m_state.get(), &AppState::unavailableSourcesChanged, this, &MainWindow::showDetail);
-    connect(m_unavailable, &UnavailableSourceView::retryRequested, m_state.get(), &AppState::refreshFileSystem);
+    connect(m_unavailable, &UnavailableSourceView::retryRequested, m_state.get(), [this] { m_state->refreshFileSystem(); });
     connect(m_state.get(), &AppState::sidebarSelectionChanged, this, &MainWindow::showDetail);
     connect(m_state.get(), &AppState::openedFontFileChanged, this, &MainWindow::showDetail);
     connect(m_state.get(), &AppState::searchQueryChanged, this, &MainWindow::showDetail);
