@@ -45,13 +45,11 @@ AppState::AppState(FontActivating &fontActivationService, PersistenceService &pe
     m_saveRetry.setInterval(kSaveRetryMs);
     connect(&m_saveRetry, &QTimer::timeout, this, [this] { m_persistenceService.retryFailedSaves(); });
     // The library's own lists say how many faces they hold.
-    m_libraryCounts = new LibraryCounts(
-        [this] {
-            if (!m_catalog)
-                m_catalog = std::make_shared<FontCatalog>(m_catalogueFile);
-            return m_catalog;
-        },
-        [this] { return m_activatedFonts; }, this);
+    m_catalogue = new LibraryCatalogue(m_fontActivationService, this);
+    connect(m_catalogue, &LibraryCatalogue::progressChanged, this, &AppState::catalogueProgressChanged);
+    connect(m_catalogue, &LibraryCatalogue::changed, this, &AppState::catalogueChanged);
+    connect(m_catalogue, &LibraryCatalogue::finished, this, &AppState::renewSmartCollections); // a refresh's changes are read
+    m_libraryCounts = new LibraryCounts([this] { return m_catalogue->catalog(); }, [this] { return m_activatedFonts; }, this);
     connect(m_libraryCounts, &LibraryCounts::changed, this, &AppState::libraryCountsChanged);
     connect(this, &AppState::catalogueChanged, m_libraryCounts, &LibraryCounts::countSoon);
     connect(this, &AppState::activatedFontsChanged, m_libraryCounts, &LibraryCounts::countSoon);
@@ -59,7 +57,10 @@ AppState::AppState(FontActivating &fontActivationService, PersistenceService &pe
     // has ended) and licence tags; the catalogue renews them after each of its jobs.
     const auto asksActive = [](const FontQuery &query) { return query.active.has_value(); };
     const auto asksLicence = [](const FontQuery &query) { return !query.licenseStatuses.isEmpty(); };
-    m_smartRenewals = new SmartRenewals([this](FontQuery query) { return answer(std::move(query), std::make_shared<std::atomic_bool>(false)); },
+    m_smartRenewals = new SmartRenewals([this](FontQuery query) {
+                                            LibraryCatalogue::Knowledge knowledge = knowledgeFor(query);
+                                            return m_catalogue->answer(std::move(query), std::move(knowledge));
+                                        },
                                         [this] { return m_collections; }, this);
     connect(m_smartRenewals, &SmartRenewals::answered, this, &AppState::applySmartAnswer);
     connect(m_smartRenewals, &SmartRenewals::tooLarge, this, &AppState::sayQuestionTooLarge);
@@ -84,10 +85,8 @@ AppState::~AppState()
     m_persistenceService.setSaveObserver(nullptr); // no report can reach us any more
     // A job still running holds the activation service, which may go away with us.
     m_libraryCancellation.cancel();
-    m_catalogueCancellation.cancel();
+    m_catalogue->stop();
     m_jobs.waitForAll();
-    for (QFuture<void> &job : m_catalogueJobs)
-        job.waitForFinished(); // each stops after the chunk in hand
 }
 
 bool AppState::waitForBackgroundWork(int msecs)
@@ -150,7 +149,7 @@ void AppState::recordSaveResult(const QString &fileName, const QString &failure)
 
 void AppState::setIsProcessing(bool processing)
 {
-    m_cataloguePaused->store(processing);
+    m_catalogue->setPaused(processing);
     if (m_isProcessing == processing)
         return;
     m_isProcessing = processing;

@@ -3,6 +3,7 @@
 
 #include "ActivationBatch.h"
 #include "FolderSearch.h"
+#include "LibraryCatalogue.h"
 #include "LibraryCounts.h"
 #include "SmartRenewals.h"
 #include "discovery/FileSystemService.h"
@@ -36,7 +37,6 @@
 
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <optional>
 
 // The one store every view observes. It holds the sources and collections, the
@@ -243,7 +243,7 @@ public:
     // ---- The font catalogue (AppStateCatalog.cpp) ------------------------------------
     // After each library refresh the catalogue reads new and changed font files in the
     // background; queries answer meanwhile from what is indexed so far.
-    bool isCataloguing() const { return m_isCataloguing; }
+    bool isCataloguing() const;
     // "Indexing fonts (12,345 of 100,000)…" while it works.
     QString catalogueMessage() const;
     // Runs off the interface thread; a newer query stops an older one, which answers
@@ -267,9 +267,9 @@ public:
     // fonts change.
     qsizetype libraryFaceCount(LibraryView::Kind kind) const;
     // How long the catalogue lets a refresh stand before reading (benchmarks: none).
-    void setCatalogueSettleTime(int msecs) { m_catalogueSettleMs = msecs; }
+    void setCatalogueSettleTime(int msecs);
     // Where the catalogue lives, before its first use (benchmarks keep several).
-    void setCatalogueFile(const QString &path) { m_catalogueFile = path; }
+    void setCatalogueFile(const QString &path);
     // Waits (tests, benchmarks) until the running indexing job has ended.
     bool waitForCatalogue(int msecs);
 
@@ -313,7 +313,6 @@ Q_SIGNALS:
 private:
     QCoro::Task<> runRefresh(quint64 generation);
     void indexCatalogue();
-    void setCatalogueProgress(bool working, qsizetype done, qsizetype total);
     QCoro::Task<> restoreActivations(QSet<QString> saved, bool savedSetIsWhole);
     // Activates the waiting fonts whose file can be reached again; drops those whose
     // source is back but whose file is gone.
@@ -390,40 +389,9 @@ private:
     QString m_previewText = PersistenceService::defaultPreviewText();
     double m_previewSize = PersistenceService::defaultPreviewSize;
     FolderSearch *m_folderSearch; // a child
-    std::shared_ptr<FontCatalog> m_catalog; // opened by the first indexing job
-    CancellationToken m_catalogueCancellation;
-    QFuture<void> m_catalogueJob;          // the newest
-    QList<QFuture<void>> m_catalogueJobs;  // every one not yet finished: the store outlives them all
-    bool m_isCataloguing = false;
-    qsizetype m_catalogueDone = 0;
-    qsizetype m_catalogueTotal = 0;
-    quint64 m_queryGeneration = 0;
-    std::shared_ptr<std::atomic_bool> m_queryCancelled = std::make_shared<std::atomic_bool>(false);
-    int m_catalogueSettleMs = 1000;
+    LibraryCatalogue *m_catalogue; // a child
+    LibraryCatalogue::Knowledge knowledgeFor(const FontQuery &query) const;
     LibraryCounts *m_libraryCounts; // a child
-    QFuture<FontQueryAnswer> answer(FontQuery query, std::shared_ptr<std::atomic_bool> cancelled);
-    QString m_catalogueFile = FontCatalog::defaultPath();
-    // Set while a batch runs: activation is Morvane's first job, the catalogue waits.
-    // Faces recorded or dropped that no catalogueChanged has announced yet (a job cut
-    // short leaves them to the one that ends).
-    struct UnannouncedChange
-    {
-        void add(const std::function<void(CatalogueChange &)> &edit)
-        {
-            const std::lock_guard lock(mutex);
-            edit(change);
-        }
-        CatalogueChange take()
-        {
-            const std::lock_guard lock(mutex);
-            return std::exchange(change, {});
-        }
-        std::mutex mutex;
-        CatalogueChange change;
-    };
-    std::shared_ptr<UnannouncedChange> m_catalogueUnannounced = std::make_shared<UnannouncedChange>();
-    std::shared_ptr<std::atomic_bool> m_cataloguePaused = std::make_shared<std::atomic_bool>(false);
-    std::shared_ptr<std::atomic<qint64>> m_catalogueQuietUntil = std::make_shared<std::atomic<qint64>>(0);
     // Loading
     bool m_isIndexing = false;
     quint64 m_libraryGeneration = 0;        // only the latest refresh is applied

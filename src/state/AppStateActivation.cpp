@@ -404,7 +404,7 @@ QCoro::Task<BatchResult> AppState::batchProcess(QList<FontNode> fonts, bool acti
     }
     qCDebug(lcActivation) << (activate ? "activated" : "deactivated") << total << "fonts in" << took.elapsed() << "ms";
     // The catalogue's reading waits a little longer: a user often toggles again soon.
-    m_catalogueQuietUntil->store(QDateTime::currentMSecsSinceEpoch() + 2000);
+    m_catalogue->holdOff(2000);
     m_batch.reset();
     setIsProcessing(false);
     // A font outside the scanned library joined or left the active set: the catalogue
