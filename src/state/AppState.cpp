@@ -14,7 +14,6 @@ namespace {
 // A fontconfig scan of one small shard takes milliseconds; this long without progress
 // means a file or a file system that stopped answering.
 constexpr int kStallMs = 5000;
-constexpr int kSaveRetryMs = 3000;
 
 } // namespace
 
@@ -31,19 +30,16 @@ AppState::AppState(FontActivating &fontActivationService, PersistenceService &pe
     connect(m_folderSearch, &FolderSearch::queryChanged, this, &AppState::searchQueryChanged);
     connect(m_folderSearch, &FolderSearch::resultsChanged, this, &AppState::searchResultsChanged);
     connect(m_folderSearch, &FolderSearch::isSearchingFoldersChanged, this, &AppState::isSearchingFoldersChanged);
-    // The writer reports from its own thread; the result is applied on ours.
-    m_persistenceService.setSaveObserver([this](const QString &fileName, const QString &failure) {
-        QMetaObject::invokeMethod(this, [this, fileName, failure] { recordSaveResult(fileName, failure); },
-                                  Qt::QueuedConnection);
-    });
+    m_notices = new Notices(this);
+    connect(m_notices, &Notices::changed, this, &AppState::noticeChanged);
+    m_saveStatus = new SaveStatus(m_persistenceService, this);
+    connect(m_saveStatus, &SaveStatus::failureChanged, this, &AppState::saveFailureChanged);
     // Empty and frozen until the first refresh brings a scan.
     std::const_pointer_cast<FileSystemService>(m_fileSystemService)->freeze();
     qRegisterMetaType<CatalogueChange>(); // the views queue it, tests spy on it
     m_stallTimer.setSingleShot(true);
     m_stallTimer.setInterval(kStallMs);
     connect(&m_stallTimer, &QTimer::timeout, this, [this] { setIsProcessingStalled(true); });
-    m_saveRetry.setInterval(kSaveRetryMs);
-    connect(&m_saveRetry, &QTimer::timeout, this, [this] { m_persistenceService.retryFailedSaves(); });
     // The library's own lists say how many faces they hold.
     m_catalogue = new LibraryCatalogue(m_fontActivationService, this);
     connect(m_catalogue, &LibraryCatalogue::progressChanged, this, &AppState::catalogueProgressChanged);
@@ -82,7 +78,7 @@ AppState::AppState(FontActivating &fontActivationService, PersistenceService &pe
 
 AppState::~AppState()
 {
-    m_persistenceService.setSaveObserver(nullptr); // no report can reach us any more
+    delete m_saveStatus; // no report can reach us any more
     // A job still running holds the activation service, which may go away with us.
     m_libraryCancellation.cancel();
     m_catalogue->stop();
@@ -92,15 +88,6 @@ AppState::~AppState()
 bool AppState::waitForBackgroundWork(int msecs)
 {
     return m_jobs.waitForAll(msecs);
-}
-
-void AppState::setNotice(const QString &notice, const QStringList &details)
-{
-    if (m_notice == notice && m_noticeDetails == details)
-        return;
-    m_notice = notice;
-    m_noticeDetails = details;
-    Q_EMIT noticeChanged();
 }
 
 void AppState::setIsProcessingStalled(bool stalled)
@@ -128,23 +115,6 @@ void AppState::setActivatedFonts(QSet<QString> fonts)
         return;
     m_activatedFonts = std::move(fonts);
     Q_EMIT activatedFontsChanged();
-}
-
-void AppState::recordSaveResult(const QString &fileName, const QString &failure)
-{
-    if (failure.isEmpty())
-        m_saveFailures.remove(fileName);
-    else
-        m_saveFailures.insert(fileName, failure);
-    const QString shown = m_saveFailures.isEmpty() ? QString() : m_saveFailures.first();
-    if (shown.isEmpty())
-        m_saveRetry.stop();
-    else if (!m_saveRetry.isActive())
-        m_saveRetry.start();
-    if (m_saveFailure == shown)
-        return;
-    m_saveFailure = shown;
-    Q_EMIT saveFailureChanged();
 }
 
 void AppState::setIsProcessing(bool processing)

@@ -5,6 +5,8 @@
 #include "FolderSearch.h"
 #include "LibraryCatalogue.h"
 #include "LibraryCounts.h"
+#include "Notices.h"
+#include "SaveStatus.h"
 #include "SmartRenewals.h"
 #include "discovery/FileSystemService.h"
 #include "model/ActivationState.h"
@@ -130,15 +132,15 @@ public:
     // ---- Saving -----------------------------------------------------------------------
     // Why the last save of some file failed (the system's words), or empty once every
     // file's latest save succeeded. While set, changes live only in this run.
-    const QString &saveFailure() const { return m_saveFailure; }
+    const QString &saveFailure() const { return m_saveStatus->failure(); }
 
     // ---- Messages -----------------------------------------------------------------------
     // A problem the user must hear of that no view shows by itself (a font folder that
     // can't be written, an icon that can't be used); stays until dismissed or replaced.
-    const QString &notice() const { return m_notice; }
+    const QString &notice() const { return m_notices->text(); }
     // The files a notice is about, one line each with what went wrong; often none.
-    const QStringList &noticeDetails() const { return m_noticeDetails; }
-    void setNotice(const QString &notice, const QStringList &details = {});
+    const QStringList &noticeDetails() const { return m_notices->details(); }
+    void setNotice(const QString &notice, const QStringList &details = {}) { m_notices->say(notice, details); }
     void dismissNotice() { setNotice(QString()); }
 
     // ---- Preview settings (saved in the preferences at once) --------------------
@@ -330,7 +332,6 @@ private:
     void reportFontFailures(const QStringList &failed, const QHash<QString, QString> &reasons, qsizetype total,
                             bool activate);
     QStringList sourceRoots() const;
-    void recordSaveResult(const QString &fileName, const QString &failure);
     QCoro::Task<> toggleFolder(FontNode node);
     void saveActivatedFonts();
 
@@ -406,12 +407,8 @@ private:
     QSet<QUuid> m_unavailableSources;
     QSet<QUuid> m_unreachableSources; // the last scan's: their folder could not be listed
     void updateUnavailableSources();
-    QString m_notice;
-    QStringList m_noticeDetails;
-    // Saving
-    QTimer m_saveRetry; // while a save fails, tries again every few seconds
-    QString m_saveFailure;
-    QMap<QString, QString> m_saveFailures; // file name -> why its latest save failed
+    Notices *m_notices; // a child
+    SaveStatus *m_saveStatus; // a child
     BackgroundJobs m_jobs; // batches' and restores' jobs, which hold the activation service
     // Collection memos, emptied wholesale, never patched
     QHash<QUuid, QList<FontNode>> m_collectionFontsCache;
