@@ -256,11 +256,9 @@ void AppState::installLibrary(std::shared_ptr<const FileSystemService> service, 
         oldIndex.clear();
     });
     m_activationStateCache.clear();
-    m_collectionFontsCache.clear();
+    m_collectionContents.forget();
     m_collectionStateCache.clear();
-    m_sortedMembersCache.clear();
-    m_iconCache.clear();
-    m_missingIcons.clear();
+    m_collectionIcons.forget();
     m_finderTagService = FinderTagService(); // tags are read afresh after a refresh
     setCachedColumns(buildColumns());
     watchSources();

@@ -2,6 +2,8 @@
 #pragma once
 
 #include "ActivationBatch.h"
+#include "CollectionContents.h"
+#include "IconCache.h"
 #include "FolderSearch.h"
 #include "LibraryCatalogue.h"
 #include "LibraryCounts.h"
@@ -230,7 +232,7 @@ public:
     std::optional<QImage> collectionIcon(const QString &iconPath);
     // Turns an icon file's bytes into an image. The core reads the formats Qt's image
     // readers know; the interface puts one in place that also draws SVG.
-    using IconDecoder = std::function<QImage(const QByteArray &bytes, const QString &path)>;
+    using IconDecoder = IconCache::Decoder;
     void setIconDecoder(IconDecoder decoder);
 
     // ---- Services -------------------------------------------------------------------
@@ -411,12 +413,9 @@ private:
     SaveStatus *m_saveStatus; // a child
     BackgroundJobs m_jobs; // batches' and restores' jobs, which hold the activation service
     // Collection memos, emptied wholesale, never patched
-    QHash<QUuid, QList<FontNode>> m_collectionFontsCache;
+    CollectionContents m_collectionContents;
     QHash<QUuid, ActiveCount> m_collectionStateCache;
-    QHash<QUuid, QList<CollectionMember>> m_sortedMembersCache;
-    QHash<QString, QImage> m_iconCache;
-    QSet<QString> m_missingIcons;
-    IconDecoder m_iconDecoder;
+    IconCache m_collectionIcons;
     // Services
     std::shared_ptr<const FileSystemService> m_fileSystemService; // frozen; replaced by each refresh
     FontActivating &m_fontActivationService;

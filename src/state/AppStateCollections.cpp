@@ -3,10 +3,6 @@
 // them into fonts, order members for display, and custom icons. Every change saves.
 #include "AppState.h"
 
-#include "services/RegularFile.h"
-
-#include "discovery/NameCollator.h"
-
 #include <QFileInfo>
 
 #include <algorithm>
@@ -22,9 +18,8 @@ FontCollection *AppState::findCollection(const QUuid &id)
 
 void AppState::clearCollectionMemos()
 {
-    m_collectionFontsCache.clear();
+    m_collectionContents.forget();
     m_collectionStateCache.clear();
-    m_sortedMembersCache.clear();
 }
 
 void AppState::saveCollections()
@@ -157,10 +152,9 @@ void AppState::setCollectionIcon(const QUuid &id, const std::optional<QString> &
     if (!failure.isEmpty())
         setNotice(tr("Couldn't use \u201c%1\u201d as the collection's icon: %2.")
                       .arg(imagePath->section(u'/', -1), failure));
-    m_iconCache.clear();
-    m_missingIcons.clear();
+    m_collectionIcons.forget();
     // Kept like any icon, but the user learns now why the row shows none.
-    if (stored && m_iconDecoder && !collectionIcon(*stored))
+    if (stored && m_collectionIcons.hasDecoder() && !collectionIcon(*stored))
         setNotice(tr("Couldn't use \u201c%1\u201d as the collection's icon: it is not an image Morvane can read.")
                       .arg(imagePath->section(u'/', -1)));
     clearCollectionMemos();
@@ -174,97 +168,22 @@ void AppState::setCollectionIcon(const QUuid &id, const std::optional<QString> &
 
 QList<FontNode> AppState::allFontsInCollection(const FontCollection &collection)
 {
-    const auto memo = m_collectionFontsCache.constFind(collection.id);
-    if (memo != m_collectionFontsCache.cend())
-        return *memo;
-    qsizetype expected = 0;
-    for (const CollectionMember &member : collection.members)
-        expected += member.isDirectory ? static_cast<qsizetype>(m_fileSystemService->allFonts(member.path).size()) : 1;
-    QList<FontNode> fonts;
-    fonts.reserve(expected);
-    QSet<QString> seen;
-    seen.reserve(expected);
-    const auto add = [&](const FontNode &font) {
-        if (!seen.contains(font.path())) {
-            seen.insert(font.path());
-            fonts.append(font);
-        }
-    };
-    for (const CollectionMember &member : collection.members) {
-        if (!m_fileSystemService->exists(member.path))
-            continue; // missing, or outside every scan: nothing, and no message
-        if (!member.isDirectory) {
-            const FontNode font = FontNode::fromPath(member.path);
-            if (font.isFont())
-                add(font);
-            continue;
-        }
-        for (const FontNode &font : m_fileSystemService->allFonts(member.path))
-            add(font);
-    }
-    m_collectionFontsCache.insert(collection.id, fonts);
-    return fonts;
+    return m_collectionContents.fonts(collection, *m_fileSystemService);
 }
 
 QList<CollectionMember> AppState::sortedMembers(const FontCollection &collection)
 {
-    const auto memo = m_sortedMembersCache.constFind(collection.id);
-    if (memo != m_sortedMembersCache.cend())
-        return *memo;
-    // Folders first, then files, each by name. Names are views into the paths, found
-    // once, so a collection of 10,000 sorts without a string or a search per comparison.
-    struct Named
-    {
-        QStringView name;
-        qsizetype index;
-    };
-    std::vector<Named> folders;
-    std::vector<Named> files;
-    for (qsizetype i = 0; i < collection.members.size(); ++i) {
-        const QString &path = collection.members.at(i).path;
-        (collection.members.at(i).isDirectory ? folders : files)
-            .push_back({QStringView(path).mid(path.lastIndexOf(u'/') + 1), i});
-    }
-    const NameCollator collator(m_collator.locale());
-    const auto nameOf = [](const Named &named) { return named.name; };
-    collator.stableSort(folders, nameOf);
-    collator.stableSort(files, nameOf);
-    QList<CollectionMember> members;
-    members.reserve(collection.members.size());
-    for (const std::vector<Named> *group : {&folders, &files}) {
-        for (const Named &named : *group)
-            members.append(collection.members.at(named.index));
-    }
-    m_sortedMembersCache.insert(collection.id, members);
-    return members;
+    return m_collectionContents.sortedMembers(collection, m_collator.locale());
 }
 
 void AppState::setIconDecoder(IconDecoder decoder)
 {
-    m_iconDecoder = std::move(decoder);
-    m_iconCache.clear();
-    m_missingIcons.clear();
+    m_collectionIcons.setDecoder(std::move(decoder));
 }
 
 std::optional<QImage> AppState::collectionIcon(const QString &iconPath)
 {
-    const auto cached = m_iconCache.constFind(iconPath);
-    if (cached != m_iconCache.cend())
-        return *cached;
-    if (m_missingIcons.contains(iconPath))
-        return std::nullopt; // failed before: not retried until an icon is set again
-    QImage image;
-    // Only a regular file of an image's size: a pipe put in the icon's place would
-    // block every start, a device would never end.
-    const RegularFile::Contents bytes = RegularFile::read(iconPath, PersistenceService::kMaxIconBytes);
-    if (bytes.ok())
-        image = m_iconDecoder ? m_iconDecoder(bytes.bytes, iconPath) : QImage::fromData(bytes.bytes);
-    if (image.isNull()) {
-        m_missingIcons.insert(iconPath);
-        return std::nullopt;
-    }
-    m_iconCache.insert(iconPath, image);
-    return image;
+    return m_collectionIcons.icon(iconPath);
 }
 
 void AppState::setLicenseStatus(LicenseStatus status, const QString &path)
