@@ -30,6 +30,15 @@ AppState::AppState(FontActivating &fontActivationService, PersistenceService &pe
     connect(m_folderSearch, &FolderSearch::queryChanged, this, &AppState::searchQueryChanged);
     connect(m_folderSearch, &FolderSearch::resultsChanged, this, &AppState::searchResultsChanged);
     connect(m_folderSearch, &FolderSearch::isSearchingFoldersChanged, this, &AppState::isSearchingFoldersChanged);
+    m_navigation = new ColumnNavigation(
+        [this]() -> std::optional<QString> {
+            const std::optional<FolderSource> source = selectedSource();
+            return source ? std::optional<QString>(source->path) : std::nullopt;
+        },
+        [this](const QString &folder) { return m_fileSystemService->children(folder); }, this); // the scan's lists, shared
+    connect(m_navigation, &ColumnNavigation::pathChanged, this, &AppState::navigationPathChanged);
+    connect(m_navigation, &ColumnNavigation::activeColumnChanged, this, &AppState::activeColumnIndexChanged);
+    connect(m_navigation, &ColumnNavigation::columnsChanged, this, &AppState::cachedColumnsChanged);
     m_notices = new Notices(this);
     connect(m_notices, &Notices::changed, this, &AppState::noticeChanged);
     m_saveStatus = new SaveStatus(m_persistenceService, this);
@@ -151,29 +160,6 @@ void AppState::setIsIndexing(bool indexing)
 }
 
 
-void AppState::setNavigationPath(const QList<FontNode> &path)
-{
-    // Nodes compare by id, so this is the element-wise id comparison.
-    if (m_navigationPath == path)
-        return;
-    m_navigationPath = path;
-    Q_EMIT navigationPathChanged();
-}
-
-void AppState::setActiveColumnIndex(int index)
-{
-    if (m_activeColumnIndex == index)
-        return;
-    m_activeColumnIndex = index;
-    Q_EMIT activeColumnIndexChanged();
-}
-
-void AppState::setCachedColumns(QList<QList<FontNode>> columns)
-{
-    m_cachedColumns = std::move(columns);
-    Q_EMIT cachedColumnsChanged();
-}
-
 void AppState::setCollections(QList<FontCollection> collections)
 {
     if (m_collections == collections)
@@ -212,9 +198,7 @@ void AppState::setSidebarSelection(const std::optional<SidebarItem> &selection)
     Q_EMIT sidebarSelectionChanged();
     // Another item shows another tree: the browser starts again at its top, so the
     // columns always match the path.
-    setNavigationPath({});
-    setActiveColumnIndex(0);
-    setCachedColumns(buildColumns());
+    m_navigation->showRoot();
 }
 
 void AppState::openFontFile(const QString &path)
@@ -260,7 +244,7 @@ void AppState::installLibrary(std::shared_ptr<const FileSystemService> service, 
     m_collectionStateCache.clear();
     m_collectionIcons.forget();
     m_finderTagService = FinderTagService(); // tags are read afresh after a refresh
-    setCachedColumns(buildColumns());
+    m_navigation->rebuild();
     watchSources();
 }
 

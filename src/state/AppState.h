@@ -3,6 +3,7 @@
 
 #include "ActivationBatch.h"
 #include "CollectionContents.h"
+#include "ColumnNavigation.h"
 #include "IconCache.h"
 #include "FolderSearch.h"
 #include "LibraryCatalogue.h"
@@ -76,9 +77,9 @@ public:
     // quiet second. The application turns it on; tests that want it do.
     void setWatchingSources(bool watching);
     SourceWatcher *sourceWatcher() const { return m_sourceWatcher; }
-    const QList<FontNode> &navigationPath() const { return m_navigationPath; } // selection per column
-    int activeColumnIndex() const { return m_activeColumnIndex; }               // column with focus
-    const QList<QList<FontNode>> &cachedColumns() const { return m_cachedColumns; } // always buildColumns()
+    const QList<FontNode> &navigationPath() const { return m_navigation->path(); } // selection per column
+    int activeColumnIndex() const { return m_navigation->activeColumn(); }        // column with focus
+    const QList<QList<FontNode>> &cachedColumns() const { return m_navigation->columns(); } // always buildColumns()
     std::optional<FolderSource> selectedSource() const;         // looked up afresh by id
     std::optional<FontCollection> selectedCollection() const;   // looked up afresh by id
     std::optional<LibraryView> selectedLibraryView() const;
@@ -92,7 +93,10 @@ public:
     void handleArrowDown();
     void handleArrowLeft();
     void handleArrowRight();
-    static QList<FontNode> buildNavigationPath(const QString &rootPath, const QString &targetPath);
+    static QList<FontNode> buildNavigationPath(const QString &rootPath, const QString &targetPath)
+    {
+        return ColumnNavigation::pathBetween(rootPath, targetPath);
+    }
     void navigateToSearchResult(FolderSearchResult result); // by value: it empties the results
     void navigateToMember(const CollectionMember &member);
 
@@ -342,14 +346,9 @@ private:
     void setIsProcessing(bool processing);
     void setProcessing(double progress, const QString &message);
     void setIsIndexing(bool indexing);
-    void setNavigationPath(const QList<FontNode> &path);
-    void setActiveColumnIndex(int index);
-    void setCachedColumns(QList<QList<FontNode>> columns); // always notifies
     void setCollections(QList<FontCollection> collections);
     void setSources(QList<FolderSource> sources);
     void jumpTo(const FolderSource &source, const QList<FontNode> &path);
-    int keyboardColumn() const;
-    void moveInColumn(int step); // -1 up, +1 down
     void clearCollectionMemos();
     FontCollection *findCollection(const QUuid &id);
     void refuseSmartEdit(const FontCollection &collection);
@@ -369,9 +368,7 @@ private:
     SourceWatcher *m_sourceWatcher = nullptr;
     bool m_watchLimitSaid = false; // the message is said once
     void watchSources();
-    QList<FontNode> m_navigationPath;
-    int m_activeColumnIndex = 0;
-    QList<QList<FontNode>> m_cachedColumns;
+    ColumnNavigation *m_navigation; // a child
     // Activation
     QSet<QString> m_activatedFonts;
     // How many of a folder's or a collection's fonts are active, of how many: a batch

@@ -66,8 +66,7 @@ void AppState::deleteCollection(const FontCollection &collection)
     setCollections(std::move(collections));
     if (m_sidebarSelection && m_sidebarSelection->isCollection() && m_sidebarSelection->payloadId() == collection.id) {
         setSidebarSelection(m_sources.isEmpty() ? std::nullopt : std::optional<SidebarItem>(SidebarItem(m_sources.first())));
-        setNavigationPath({});
-        setCachedColumns(buildColumns());
+        m_navigation->showRoot();
     }
     // The stored icon file stays: one small leftover file, never the user's.
     saveCollections();

@@ -303,8 +303,7 @@ QCoro::Task<> AppState::removeSource(FolderSource source)
     setSources(std::move(sources));
     if (m_sidebarSelection && m_sidebarSelection->isSource() && m_sidebarSelection->payloadId() == source.id) {
         setSidebarSelection(m_sources.isEmpty() ? std::nullopt : std::optional<SidebarItem>(SidebarItem(m_sources.first())));
-        setNavigationPath({});
-        setCachedColumns(buildColumns());
+        m_navigation->showRoot();
     }
     m_persistenceService.saveSources(m_sources);
     saveActivatedFonts();
