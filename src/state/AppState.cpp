@@ -39,6 +39,15 @@ AppState::AppState(FontActivating &fontActivationService, PersistenceService &pe
     connect(m_navigation, &ColumnNavigation::pathChanged, this, &AppState::navigationPathChanged);
     connect(m_navigation, &ColumnNavigation::activeColumnChanged, this, &AppState::activeColumnIndexChanged);
     connect(m_navigation, &ColumnNavigation::columnsChanged, this, &AppState::cachedColumnsChanged);
+    m_refresh = new LibraryRefresh(
+        [this] {
+            LibraryScanRequest request{m_sources, {}, m_fileSystemService};
+            for (const FontCollection &collection : std::as_const(m_collections))
+                request.members.append(collection.members);
+            return request;
+        },
+        this);
+    connect(m_refresh, &LibraryRefresh::scanned, this, &AppState::applyScan);
     m_notices = new Notices(this);
     connect(m_notices, &Notices::changed, this, &AppState::noticeChanged);
     m_saveStatus = new SaveStatus(m_persistenceService, this);
@@ -89,7 +98,7 @@ AppState::~AppState()
 {
     delete m_saveStatus; // no report can reach us any more
     // A job still running holds the activation service, which may go away with us.
-    m_libraryCancellation.cancel();
+    delete m_refresh; // the running scan stops
     m_catalogue->stop();
     m_jobs.waitForAll();
 }

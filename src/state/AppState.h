@@ -8,6 +8,7 @@
 #include "FolderSearch.h"
 #include "LibraryCatalogue.h"
 #include "LibraryCounts.h"
+#include "LibraryRefresh.h"
 #include "Notices.h"
 #include "SaveStatus.h"
 #include "SmartRenewals.h"
@@ -190,7 +191,7 @@ public:
     // pause; a burst of requests costs one scan, and only the latest result is applied.
     // Folders unchanged since the last scan are not read again, unless asked to (the
     // user's own Refresh Sources, for the file systems whose times can't be trusted).
-    enum class Refresh { Changed, Everything };
+    using Refresh = LibraryRefresh::Refresh;
     void refreshFileSystem(Refresh how = Refresh::Changed);
     // Sources whose folder the last scan could not open (a drive not mounted, a folder
     // made unreadable): shown as unavailable, their activations kept.
@@ -198,22 +199,10 @@ public:
     bool isSourceAvailable(const FolderSource &source) const { return !m_unavailableSources.contains(source.id); }
     // What a refresh's background job is given and produces; tests may put another job
     // in its place.
-    struct LibraryScanRequest
-    {
-        QList<FolderSource> sources;
-        QList<CollectionMember> members;
-        std::shared_ptr<const FileSystemService> previous; // none: every folder is read
-    };
-    struct LibraryScan
-    {
-        std::shared_ptr<FileSystemService> service;
-        QList<FolderSearchResult> searchIndex;
-        QSet<QUuid> unavailableSources;
-        qsizetype foldersRead = 0; // the rest came unchanged from the previous scan
-    };
-    using LibraryScanner = std::function<LibraryScan(const LibraryScanRequest &, const CancellationToken &)>;
-    void setLibraryScannerForTesting(LibraryScanner scanner) { m_libraryScanner = std::move(scanner); }
-    // The real scan job: every source, then every folder member, frozen, with its index.
+    using LibraryScanRequest = LibraryRefresh::Request;
+    using LibraryScan = LibraryRefresh::Scan;
+    using LibraryScanner = LibraryRefresh::Scanner;
+    void setLibraryScannerForTesting(LibraryScanner scanner) { m_refresh->setScanner(std::move(scanner)); }
     static LibraryScan scanLibrary(const LibraryScanRequest &request, const CancellationToken &cancellation);
     // The last step of a refresh: puts a frozen scan and its search index in place,
     // empties every memo and rebuilds the columns.
@@ -319,7 +308,7 @@ Q_SIGNALS:
     void licenseTagsChanged(); // a status was set: rows read their tags again
 
 private:
-    QCoro::Task<> runRefresh(quint64 generation);
+    void applyScan(const LibraryScan &scan);
     void indexCatalogue();
     QCoro::Task<> restoreActivations(QSet<QString> saved, bool savedSetIsWhole);
     // Activates the waiting fonts whose file can be reached again; drops those whose
@@ -394,10 +383,7 @@ private:
     LibraryCounts *m_libraryCounts; // a child
     // Loading
     bool m_isIndexing = false;
-    quint64 m_libraryGeneration = 0;        // only the latest refresh is applied
-    CancellationToken m_libraryCancellation; // the running scan
-    LibraryScanner m_libraryScanner = &AppState::scanLibrary;
-    bool m_readEverything = false; // asked for by a refresh not yet applied
+    LibraryRefresh *m_refresh; // a child
     bool m_hasLoaded = false;
     bool m_isProcessingStalled = false;
     QTimer m_stallTimer;           // runs while a batch job runs without progress

@@ -66,7 +66,7 @@ QCoro::Task<FontQueryAnswer> AppState::queryFonts(FontQuery query)
 {
     const quint64 generation = m_catalogue->questionsAsked() + 1;
     QPointer<AppState> self(this);
-    QFuture<FontQueryAnswer> asked = askFonts(std::move(query)); // named: see runRefresh
+    QFuture<FontQueryAnswer> asked = askFonts(std::move(query)); // named: GCC 12 frees temporaries inside co_await twice
     FontQueryAnswer answer = co_await asked;
     if (!self || generation != m_catalogue->questionsAsked())
         co_return FontQueryAnswer{.cancelled = true}; // a newer question is being answered

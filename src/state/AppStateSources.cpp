@@ -1,49 +1,22 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Sources and library loading: the start-up restore, adding and removing source
-// folders, and the background refresh that swaps in new scan caches.
+// folders, and putting in place what a refresh (LibraryRefresh) scanned.
 #include "AppState.h"
 
-#include "model/Json.h"
 #include "services/Diagnostics.h"
 
-#include <QElapsedTimer>
 #include <QCoroFuture>
-#include <QCoroTimer>
 #include <QDir>
 #include <QFile>
 #include <QPointer>
 #include <QtConcurrent/qtconcurrenttask.h>
 
 #include <cerrno>
-#include <chrono>
-#include <limits>
 
 #include <sys/stat.h>
 #include <unistd.h>
 
 using namespace Qt::StringLiterals;
-using namespace std::chrono_literals;
-
-namespace {
-
-// Every folder below the root, with the path of folders leading to it, depth first.
-// Children lists hold folders first, so the walk stops at the first font.
-void indexFolders(const FileSystemService &service, const FolderSource &source, const QString &idPrefix,
-                  const QString &folder, const QList<FontNode> &pathSoFar, std::vector<FolderSearchResult> &index)
-{
-    for (const FontNode &child : service.children(folder)) {
-        if (!child.isDirectory())
-            break;
-        QList<FontNode> path;
-        path.reserve(pathSoFar.size() + 1);
-        path.append(pathSoFar);
-        path.append(child);
-        index.push_back(FolderSearchResult::make(idPrefix, child, source, path));
-        indexFolders(service, source, idPrefix, child.path(), path, index);
-    }
-}
-
-} // namespace
 
 void AppState::loadPersistedState()
 {
@@ -68,15 +41,6 @@ void AppState::loadPersistedState()
 }
 
 namespace {
-
-// A source folder that can be listed; one that is missing (a drive not mounted yet) or
-// unreadable is unavailable, and its fonts are not gone, only out of reach.
-bool isReachableFolder(const QString &path)
-{
-    struct stat info{};
-    return ::stat(QFile::encodeName(path).constData(), &info) == 0 && S_ISDIR(info.st_mode) &&
-           ::access(QFile::encodeName(path).constData(), R_OK | X_OK) == 0;
-}
 
 // An existing folder with nothing in it stands in for a drive that is not mounted (the
 // bare folder fstab mounts it on): while fonts were saved under it, they wait for it
@@ -109,7 +73,7 @@ SavedFonts sortSavedFonts(const QSet<QString> &candidates, const QSet<QString> &
 {
     QStringList unavailableRoots;
     for (const QString &root : roots) {
-        if (!isReachableFolder(root) || isEmptyFolder(root))
+        if (!LibraryRefresh::isReachable(root) || isEmptyFolder(root))
             unavailableRoots.append(root);
     }
     SavedFonts result;
@@ -334,47 +298,13 @@ void AppState::updateUnavailableSources()
 
 void AppState::refreshFileSystem(Refresh how)
 {
-    m_libraryCancellation.cancel();
-    if (m_libraryGeneration == std::numeric_limits<quint64>::max())
-        qFatal("AppState: library generation overflow");
-    const quint64 generation = ++m_libraryGeneration;
-    // Kept until a scan that read everything is applied: a burst's later request for
-    // only the changes does not undo it.
-    m_readEverything = m_readEverything || how == Refresh::Everything;
-    setIsIndexing(true);
-    runRefresh(generation);
+    setIsIndexing(true); // until the newest request's scan is in place
+    m_refresh->request(how);
 }
 
-QCoro::Task<> AppState::runRefresh(quint64 generation)
+void AppState::applyScan(const LibraryScan &scan)
 {
-    QPointer<AppState> self(this);
-    // Every awaited value is named first: GCC 12 frees temporaries inside co_await twice.
-    const std::chrono::milliseconds pause = 50ms;
-    co_await QCoro::sleepFor(pause);
-    if (!self || generation != m_libraryGeneration)
-        co_return; // a newer request came while we slept: one scan per burst
-    const CancellationToken cancellation = CancellationToken::create();
-    m_libraryCancellation = cancellation;
-    LibraryScanRequest request;
-    request.sources = m_sources;
-    for (const FontCollection &collection : std::as_const(m_collections))
-        request.members.append(collection.members);
-    const bool readEverything = m_readEverything;
-    if (!readEverything)
-        request.previous = m_fileSystemService;
-    LibraryScanner scanner = m_libraryScanner; // the job keeps its own copy
-    QElapsedTimer took;
-    took.start();
-    QFuture<LibraryScan> scanning =
-        QtConcurrent::task(std::move(scanner)).withArguments(std::move(request), cancellation).withPriority(1).spawn();
-    const LibraryScan scan = co_await scanning;
-    if (!self || cancellation.isCancelled() || generation != m_libraryGeneration)
-        co_return; // stale: a newer refresh owns isIndexing
-    if (readEverything)
-        m_readEverything = false;
     m_unreachableSources = scan.unavailableSources;
-    qCDebug(lcLibrary) << "scanned" << m_sources.size() << "sources," << scan.searchIndex.size() << "folders ("
-                       << scan.foldersRead << "read) in" << took.elapsed() << "ms";
     installLibrary(scan.service, scan.searchIndex);
     updateUnavailableSources(); // by the new scan
     indexCatalogue();
@@ -385,37 +315,5 @@ QCoro::Task<> AppState::runRefresh(quint64 generation)
 
 AppState::LibraryScan AppState::scanLibrary(const LibraryScanRequest &request, const CancellationToken &cancellation)
 {
-    const QList<FolderSource> &sources = request.sources;
-    const QList<CollectionMember> &members = request.members;
-    auto service = std::make_shared<FileSystemService>(cancellation);
-    if (request.previous)
-        service->reuseUnchanged(request.previous);
-    QSet<QUuid> unavailable;
-    for (const FolderSource &source : sources) {
-        if (cancellation.isCancelled())
-            break;
-        const QString root = QDir::cleanPath(source.path);
-        if (!isReachableFolder(root))
-            unavailable.insert(source.id);
-        if (service->insertPreScannedRoot(root))
-            service->deepScan(root);
-    }
-    for (const CollectionMember &member : members) {
-        if (cancellation.isCancelled())
-            break;
-        service->recordExistence(member.path);
-        // Folders outside every source become browsable from their collection.
-        if (member.isDirectory && service->insertPreScannedRoot(QDir::cleanPath(member.path)))
-            service->deepScan(QDir::cleanPath(member.path));
-    }
-    std::vector<FolderSearchResult> index;
-    index.reserve(static_cast<size_t>(service->folderCount()));
-    for (const FolderSource &source : sources) {
-        const QString idPrefix = Json::uuidText(source.id) + u':';
-        indexFolders(*service, source, idPrefix, QDir::cleanPath(source.path), {}, index);
-    }
-    NameCollator(QLocale()).stableSort(index, [](const FolderSearchResult &result) { return result.folder.name(); });
-    service->freeze();
-    return {service, QList<FolderSearchResult>(std::make_move_iterator(index.begin()), std::make_move_iterator(index.end())),
-            unavailable, service->foldersRead()};
+    return LibraryRefresh::scanLibrary(request, cancellation);
 }
