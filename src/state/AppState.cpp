@@ -42,12 +42,17 @@ AppState::AppState(FontActivating &fontActivationService, PersistenceService &pe
     m_refresh = new LibraryRefresh(
         [this] {
             LibraryScanRequest request{m_sources, {}, m_fileSystemService};
-            for (const FontCollection &collection : std::as_const(m_collections))
+            for (const FontCollection &collection : m_collectionList->all())
                 request.members.append(collection.members);
             return request;
         },
         this);
     connect(m_refresh, &LibraryRefresh::scanned, this, &AppState::applyScan);
+    m_collectionList = new CollectionList(m_persistenceService, QLocale(), this);
+    connect(m_collectionList, &CollectionList::changed, this, [this] {
+        clearCollectionMemos(); // before anyone told reads them
+        Q_EMIT collectionsChanged();
+    });
     m_notices = new Notices(this);
     connect(m_notices, &Notices::changed, this, &AppState::noticeChanged);
     m_saveStatus = new SaveStatus(m_persistenceService, this);
@@ -75,7 +80,7 @@ AppState::AppState(FontActivating &fontActivationService, PersistenceService &pe
                                             LibraryCatalogue::Knowledge knowledge = knowledgeFor(query);
                                             return m_catalogue->answer(std::move(query), std::move(knowledge));
                                         },
-                                        [this] { return m_collections; }, this);
+                                        [this] { return m_collectionList->all(); }, this);
     connect(m_smartRenewals, &SmartRenewals::answered, this, &AppState::applySmartAnswer);
     connect(m_smartRenewals, &SmartRenewals::tooLarge, this, &AppState::sayQuestionTooLarge);
     connect(this, &AppState::activatedFontsChanged, this, [this, asksActive] {
@@ -168,15 +173,6 @@ void AppState::setIsIndexing(bool indexing)
     Q_EMIT isIndexingChanged();
 }
 
-
-void AppState::setCollections(QList<FontCollection> collections)
-{
-    if (m_collections == collections)
-        return;
-    m_collections = std::move(collections);
-    clearCollectionMemos(); // the views told next read them afresh
-    Q_EMIT collectionsChanged();
-}
 
 void AppState::setSources(QList<FolderSource> sources)
 {

@@ -3,6 +3,7 @@
 
 #include "ActivationBatch.h"
 #include "CollectionContents.h"
+#include "CollectionList.h"
 #include "ColumnNavigation.h"
 #include "IconCache.h"
 #include "FolderSearch.h"
@@ -63,7 +64,7 @@ public:
 
     // ---- Library: sources and collections -------------------------------------
     const QList<FolderSource> &sources() const { return m_sources; }           // sidebar order
-    const QList<FontCollection> &collections() const { return m_collections; } // sidebar order
+    const QList<FontCollection> &collections() const { return m_collectionList->all(); } // sidebar order
     // Tests put sources in place without the refresh that adding one starts.
     void setSourcesForTesting(QList<FolderSource> sources);
 
@@ -335,22 +336,19 @@ private:
     void setIsProcessing(bool processing);
     void setProcessing(double progress, const QString &message);
     void setIsIndexing(bool indexing);
-    void setCollections(QList<FontCollection> collections);
     void setSources(QList<FolderSource> sources);
     void jumpTo(const FolderSource &source, const QList<FontNode> &path);
     void clearCollectionMemos();
-    FontCollection *findCollection(const QUuid &id);
-    void refuseSmartEdit(const FontCollection &collection);
+    void refuseSmartEdit(const QUuid &id);
     // Says so and returns true when a smart collection's question is too large to ask.
     bool refuseLargeQuestion(const QJsonObject &question, const QString &name);
     void sayQuestionTooLarge(const QString &name, qsizetype size);
     void applySmartAnswer(const QUuid &id, const QList<CollectionMember> &members);
     SmartRenewals *m_smartRenewals; // a child
-    void saveCollections();
 
     // Library
     QList<FolderSource> m_sources;
-    QList<FontCollection> m_collections;
+    CollectionList *m_collectionList; // a child
     // Navigation
     std::optional<SidebarItem> m_sidebarSelection;
     QString m_openedFontFile;

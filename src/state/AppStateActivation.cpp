@@ -88,7 +88,7 @@ bool AppState::countChanged(const QStringList &changed, bool nowActive)
         for (const QString &font : fonts)
             it->active += isUnder(font, it.key()) ? step : 0;
     }
-    for (const FontCollection &collection : std::as_const(m_collections)) {
+    for (const FontCollection &collection : m_collectionList->all()) {
         const auto memo = m_collectionStateCache.find(collection.id);
         if (memo == m_collectionStateCache.end())
             continue;
@@ -245,7 +245,7 @@ QCoro::Task<> AppState::deactivateAllFonts()
         for (const FontNode &font : m_fileSystemService->allFonts(QDir::cleanPath(source.path)))
             take(font);
     }
-    for (const FontCollection &collection : std::as_const(m_collections)) {
+    for (const FontCollection &collection : m_collectionList->all()) {
         for (const CollectionMember &member : collection.members) {
             if (!member.isDirectory)
                 take(FontNode::fontFile(member.path));

@@ -42,7 +42,7 @@ bool AppState::waitForCatalogue(int msecs)
 
 void AppState::indexCatalogue()
 {
-    m_catalogue->index({m_fileSystemService, m_sources, m_collections, m_activatedFonts});
+    m_catalogue->index({m_fileSystemService, m_sources, m_collectionList->all(), m_activatedFonts});
 }
 
 LibraryCatalogue::Knowledge AppState::knowledgeFor(const FontQuery &query) const
@@ -52,9 +52,7 @@ LibraryCatalogue::Knowledge AppState::knowledgeFor(const FontQuery &query) const
     if (query.active || query.conflicts)
         knowledge.activated = m_activatedFonts;
     if (query.collection) {
-        const auto collection = std::find_if(m_collections.cbegin(), m_collections.cend(),
-                                             [&](const FontCollection &c) { return c.id == *query.collection; });
-        if (collection != m_collections.cend())
+        if (const FontCollection *collection = m_collectionList->find(*query.collection))
             knowledge.members = collection->members;
     }
     for (const FolderSource &source : std::as_const(m_sources))

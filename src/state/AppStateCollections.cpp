@@ -9,29 +9,15 @@
 
 using namespace Qt::StringLiterals;
 
-FontCollection *AppState::findCollection(const QUuid &id)
-{
-    const auto found = std::find_if(m_collections.begin(), m_collections.end(),
-                                    [&id](const FontCollection &collection) { return collection.id == id; });
-    return found == m_collections.end() ? nullptr : &*found;
-}
-
 void AppState::clearCollectionMemos()
 {
     m_collectionContents.forget();
     m_collectionStateCache.clear();
 }
 
-void AppState::saveCollections()
-{
-    m_persistenceService.saveCollections(m_collections);
-}
-
 void AppState::sortCollections()
 {
-    QList<FontCollection> sorted = m_collections;
-    ::sortCollections(sorted, m_collator);
-    setCollections(std::move(sorted));
+    m_collectionList->sort();
 }
 
 QString AppState::defaultCollectionName()
@@ -41,49 +27,22 @@ QString AppState::defaultCollectionName()
 
 void AppState::createCollection(const QString &name)
 {
-    QString candidate = name;
-    const auto taken = [this](const QString &text) {
-        return std::any_of(m_collections.cbegin(), m_collections.cend(),
-                           [&text](const FontCollection &collection) { return collection.name == text; });
-    };
-    for (int counter = 2; taken(candidate); ++counter)
-        candidate = name + u' ' + QString::number(counter);
-    const FontCollection collection = FontCollection::create(candidate);
-    // On top until the next sort, so the user sees what they just made.
-    QList<FontCollection> collections = m_collections;
-    collections.prepend(collection);
-    clearCollectionMemos();
-    setCollections(std::move(collections));
+    const FontCollection collection = m_collectionList->create(name);
     setSidebarSelection(SidebarItem(collection));
-    saveCollections();
 }
 
 void AppState::deleteCollection(const FontCollection &collection)
 {
-    QList<FontCollection> collections = m_collections;
-    collections.removeIf([&collection](const FontCollection &c) { return c.id == collection.id; });
-    clearCollectionMemos();
-    setCollections(std::move(collections));
+    m_collectionList->remove(collection.id);
     if (m_sidebarSelection && m_sidebarSelection->isCollection() && m_sidebarSelection->payloadId() == collection.id) {
         setSidebarSelection(m_sources.isEmpty() ? std::nullopt : std::optional<SidebarItem>(SidebarItem(m_sources.first())));
         m_navigation->showRoot();
     }
-    // The stored icon file stays: one small leftover file, never the user's.
-    saveCollections();
 }
 
 void AppState::renameCollection(const QUuid &id, const QString &name)
 {
-    FontCollection *collection = findCollection(id);
-    // A blank name would leave a row nobody can read or find: the old one stays.
-    if (!collection || name.trimmed().isEmpty())
-        return;
-    if (collection->name != name) {
-        collection->name = name;
-        Q_EMIT collectionsChanged();
-    }
-    sortCollections();
-    saveCollections();
+    m_collectionList->rename(id, name);
 }
 
 void AppState::addToCollection(const QUuid &id, const FontNode &node)
@@ -91,60 +50,34 @@ void AppState::addToCollection(const QUuid &id, const FontNode &node)
     addToCollection(id, QList<FontNode>{node});
 }
 
-void AppState::refuseSmartEdit(const FontCollection &collection)
+void AppState::refuseSmartEdit(const QUuid &id)
 {
+    const FontCollection *collection = m_collectionList->find(id);
     setNotice(tr("\u201c%1\u201d is a smart collection: its fonts are the ones that answer its filters. "
                  "To change them, choose Edit Filters\u2026 in its menu.")
-                  .arg(collection.name));
+                  .arg(collection ? collection->name : QString()));
 }
 
 void AppState::addToCollection(const QUuid &id, const QList<FontNode> &nodes)
 {
-    FontCollection *collection = findCollection(id);
-    if (!collection)
-        return;
-    if (collection->isSmart() && !nodes.isEmpty()) {
-        refuseSmartEdit(*collection); // the next renewal would drop them without a word
-        return;
-    }
-    bool added = false;
-    bool unknown = false;
-    for (const FontNode &node : nodes) {
-        if (collection->contains(node.path()))
-            continue;
-        collection->members.append({node.path(), node.isDirectory()});
-        added = true;
-        unknown |= !m_fileSystemService->exists(node.path());
-    }
-    if (!added)
-        return;
-    // A drop of many files: one update, one save, at most one scan.
-    clearCollectionMemos(); // before anyone told reads them
-    Q_EMIT collectionsChanged();
-    if (unknown)
-        refreshFileSystem(); // make the new members known
-    saveCollections();
+    QStringList added;
+    const CollectionList::Edit edit = m_collectionList->addMembers(id, nodes, &added);
+    if (edit == CollectionList::Edit::Smart)
+        refuseSmartEdit(id); // the next renewal would drop them without a word
+    // Members the last scan did not see: a scan makes them known (one for a whole drop).
+    if (std::any_of(added.cbegin(), added.cend(), [this](const QString &path) { return !m_fileSystemService->exists(path); }))
+        refreshFileSystem();
 }
 
 void AppState::removeFromCollection(const QUuid &id, const CollectionMember &member)
 {
-    FontCollection *collection = findCollection(id);
-    if (!collection)
-        return;
-    if (collection->isSmart()) {
-        refuseSmartEdit(*collection);
-        return;
-    }
-    if (collection->members.removeIf([&member](const CollectionMember &m) { return m.path == member.path; }) > 0) {
-        clearCollectionMemos();
-        Q_EMIT collectionsChanged();
-    }
-    saveCollections();
+    if (m_collectionList->removeMember(id, member.path) == CollectionList::Edit::Smart)
+        refuseSmartEdit(id);
 }
 
 void AppState::setCollectionIcon(const QUuid &id, const std::optional<QString> &imagePath)
 {
-    if (!findCollection(id))
+    if (!m_collectionList->find(id))
         return;
     QString failure;
     const std::optional<QString> stored = m_persistenceService.storeCollectionIcon(id, imagePath, &failure);
@@ -156,13 +89,7 @@ void AppState::setCollectionIcon(const QUuid &id, const std::optional<QString> &
     if (stored && m_collectionIcons.hasDecoder() && !collectionIcon(*stored))
         setNotice(tr("Couldn't use \u201c%1\u201d as the collection's icon: it is not an image Morvane can read.")
                       .arg(imagePath->section(u'/', -1)));
-    clearCollectionMemos();
-    FontCollection *collection = findCollection(id);
-    if (collection->iconPath != stored) {
-        collection->iconPath = stored;
-        Q_EMIT collectionsChanged();
-    }
-    saveCollections();
+    m_collectionList->setIcon(id, stored);
 }
 
 QList<FontNode> AppState::allFontsInCollection(const FontCollection &collection)

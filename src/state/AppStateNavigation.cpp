@@ -29,7 +29,7 @@ std::optional<FolderSource> AppState::selectedSource() const
 
 std::optional<FontCollection> AppState::selectedCollection() const
 {
-    return selected(m_sidebarSelection, m_sidebarSelection && m_sidebarSelection->isCollection(), m_collections);
+    return selected(m_sidebarSelection, m_sidebarSelection && m_sidebarSelection->isCollection(), m_collectionList->all());
 }
 
 std::optional<LibraryView> AppState::selectedLibraryView() const

@@ -25,32 +25,21 @@ void AppState::sayQuestionTooLarge(const QString &name, qsizetype size)
 
 void AppState::createSmartCollection(const QString &name, const FontQuery &query)
 {
-    if (refuseLargeQuestion(FontQueryJson::toJson(query), name))
+    const QJsonObject question = FontQueryJson::toJson(query);
+    if (refuseLargeQuestion(question, name))
         return;
-    createCollection(name);
-    const std::optional<FontCollection> made = selectedCollection();
-    if (!made)
-        return;
-    QList<FontCollection> collections = m_collections;
-    for (FontCollection &collection : collections) {
-        if (collection.id == made->id)
-            collection.smartQuery = FontQueryJson::toJson(query);
-    }
-    setCollections(std::move(collections));
-    saveCollections();
+    const FontCollection collection = m_collectionList->create(name, question);
+    setSidebarSelection(SidebarItem(collection));
     renewSmartCollections();
 }
 
 void AppState::setSmartQuery(const QUuid &id, const FontQuery &query)
 {
-    QList<FontCollection> collections = m_collections;
-    const auto smart = std::find_if(collections.begin(), collections.end(),
-                                    [&](const FontCollection &c) { return c.id == id && c.isSmart(); });
-    if (smart == collections.end() || refuseLargeQuestion(FontQueryJson::toJson(query), smart->name))
+    const FontCollection *smart = m_collectionList->find(id);
+    const QJsonObject question = FontQueryJson::toJson(query);
+    if (!smart || !smart->isSmart() || refuseLargeQuestion(question, smart->name))
         return;
-    smart->smartQuery = FontQueryJson::toJson(query);
-    setCollections(std::move(collections));
-    saveCollections();
+    m_collectionList->setSmartQuery(id, question);
     renewSmartCollections();
 }
 
@@ -61,13 +50,5 @@ void AppState::renewSmartCollections()
 
 void AppState::applySmartAnswer(const QUuid &id, const QList<CollectionMember> &members)
 {
-    QList<FontCollection> collections = m_collections;
-    const auto smart = std::find_if(collections.begin(), collections.end(),
-                                    [&](const FontCollection &c) { return c.id == id && c.isSmart(); });
-    if (smart == collections.end() || smart->members == members)
-        return; // gone, or nothing new
-    smart->members = members;
-    clearCollectionMemos();
-    setCollections(std::move(collections));
-    saveCollections();
+    m_collectionList->setSmartMembers(id, members);
 }

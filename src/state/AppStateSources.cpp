@@ -24,8 +24,7 @@ void AppState::loadPersistedState()
         return;
     m_hasLoaded = true;
     setSources(m_persistenceService.loadSources());
-    setCollections(m_persistenceService.loadCollections());
-    sortCollections();
+    m_collectionList->load();
     PersistenceService::LoadStatus savedStatus = PersistenceService::LoadStatus::Missing;
     const QSet<QString> saved = m_persistenceService.loadActivatedFonts(&savedStatus);
     setActivatedFonts(saved);
