@@ -27,6 +27,14 @@ AppState::AppState(FontActivating &fontActivationService, PersistenceService &pe
     , m_collator(QLocale())
 {
     m_collator.setCaseSensitivity(Qt::CaseInsensitive);
+    // The user's own records first: every other concern reads them.
+    m_sourceList = new SourceList(m_persistenceService, this);
+    connect(m_sourceList, &SourceList::changed, this, &AppState::sourcesChanged);
+    m_collectionList = new CollectionList(m_persistenceService, QLocale(), this);
+    connect(m_collectionList, &CollectionList::changed, this, [this] {
+        clearCollectionMemos(); // before anyone told reads them
+        Q_EMIT collectionsChanged();
+    });
     connect(m_folderSearch, &FolderSearch::queryChanged, this, &AppState::searchQueryChanged);
     connect(m_folderSearch, &FolderSearch::resultsChanged, this, &AppState::searchResultsChanged);
     connect(m_folderSearch, &FolderSearch::isSearchingFoldersChanged, this, &AppState::isSearchingFoldersChanged);
@@ -41,18 +49,13 @@ AppState::AppState(FontActivating &fontActivationService, PersistenceService &pe
     connect(m_navigation, &ColumnNavigation::columnsChanged, this, &AppState::cachedColumnsChanged);
     m_refresh = new LibraryRefresh(
         [this] {
-            LibraryScanRequest request{m_sources, {}, m_fileSystemService};
+            LibraryScanRequest request{sources(), {}, m_fileSystemService};
             for (const FontCollection &collection : m_collectionList->all())
                 request.members.append(collection.members);
             return request;
         },
         this);
     connect(m_refresh, &LibraryRefresh::scanned, this, &AppState::applyScan);
-    m_collectionList = new CollectionList(m_persistenceService, QLocale(), this);
-    connect(m_collectionList, &CollectionList::changed, this, [this] {
-        clearCollectionMemos(); // before anyone told reads them
-        Q_EMIT collectionsChanged();
-    });
     m_notices = new Notices(this);
     connect(m_notices, &Notices::changed, this, &AppState::noticeChanged);
     m_saveStatus = new SaveStatus(m_persistenceService, this);
@@ -63,11 +66,11 @@ AppState::AppState(FontActivating &fontActivationService, PersistenceService &pe
     m_stallTimer.setSingleShot(true);
     m_stallTimer.setInterval(kStallMs);
     connect(&m_stallTimer, &QTimer::timeout, this, [this] { setIsProcessingStalled(true); });
-    // The library's own lists say how many faces they hold.
     m_catalogue = new LibraryCatalogue(m_fontActivationService, this);
     connect(m_catalogue, &LibraryCatalogue::progressChanged, this, &AppState::catalogueProgressChanged);
     connect(m_catalogue, &LibraryCatalogue::changed, this, &AppState::catalogueChanged);
     connect(m_catalogue, &LibraryCatalogue::finished, this, &AppState::renewSmartCollections); // a refresh's changes are read
+    // The library's own lists say how many faces they hold.
     m_libraryCounts = new LibraryCounts([this] { return m_catalogue->catalog(); }, [this] { return m_activatedFonts; }, this);
     connect(m_libraryCounts, &LibraryCounts::changed, this, &AppState::libraryCountsChanged);
     connect(this, &AppState::catalogueChanged, m_libraryCounts, &LibraryCounts::countSoon);
@@ -94,7 +97,7 @@ AppState::AppState(FontActivating &fontActivationService, PersistenceService &pe
     connect(this, &AppState::licenseTagsChanged, this, [this, asksLicence] { m_smartRenewals->renewSoon(asksLicence); });
     m_mountWatcher = new MountWatcher(this);
     connect(m_mountWatcher, &MountWatcher::mountsChanged, this, [this] {
-        if (m_hasLoaded && !m_sources.isEmpty())
+        if (m_hasLoaded && !sources().isEmpty())
             refreshFileSystem();
     });
 }
@@ -174,17 +177,9 @@ void AppState::setIsIndexing(bool indexing)
 }
 
 
-void AppState::setSources(QList<FolderSource> sources)
-{
-    if (m_sources == sources)
-        return;
-    m_sources = std::move(sources);
-    Q_EMIT sourcesChanged();
-}
-
 void AppState::setSourcesForTesting(QList<FolderSource> sources)
 {
-    setSources(std::move(sources));
+    m_sourceList->replaceForTesting(std::move(sources));
 }
 
 void AppState::setSidebarSelection(const std::optional<SidebarItem> &selection)
@@ -273,7 +268,7 @@ void AppState::watchSources()
     // Every folder of every source the scan reached, the sources themselves included.
     QStringList folders;
     QStringList roots; // every source, there or not: one that comes or goes is noticed
-    for (const FolderSource &source : std::as_const(m_sources)) {
+    for (const FolderSource &source : sources()) {
         const QString root = QDir::cleanPath(source.path);
         roots.append(root);
         if (!QFileInfo(root).isDir())

@@ -13,6 +13,7 @@
 #include "Notices.h"
 #include "SaveStatus.h"
 #include "SmartRenewals.h"
+#include "SourceList.h"
 #include "discovery/FileSystemService.h"
 #include "model/ActivationState.h"
 #include "model/CollectionRecords.h"
@@ -63,7 +64,7 @@ public:
     ~AppState() override;
 
     // ---- Library: sources and collections -------------------------------------
-    const QList<FolderSource> &sources() const { return m_sources; }           // sidebar order
+    const QList<FolderSource> &sources() const { return m_sourceList->all(); } // sidebar order
     const QList<FontCollection> &collections() const { return m_collectionList->all(); } // sidebar order
     // Tests put sources in place without the refresh that adding one starts.
     void setSourcesForTesting(QList<FolderSource> sources);
@@ -336,7 +337,6 @@ private:
     void setIsProcessing(bool processing);
     void setProcessing(double progress, const QString &message);
     void setIsIndexing(bool indexing);
-    void setSources(QList<FolderSource> sources);
     void jumpTo(const FolderSource &source, const QList<FontNode> &path);
     void clearCollectionMemos();
     void refuseSmartEdit(const QUuid &id);
@@ -347,7 +347,7 @@ private:
     SmartRenewals *m_smartRenewals; // a child
 
     // Library
-    QList<FolderSource> m_sources;
+    SourceList *m_sourceList; // a child
     CollectionList *m_collectionList; // a child
     // Navigation
     std::optional<SidebarItem> m_sidebarSelection;

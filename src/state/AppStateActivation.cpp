@@ -241,7 +241,7 @@ QCoro::Task<> AppState::deactivateAllFonts()
             active.append(font);
         }
     };
-    for (const FolderSource &source : std::as_const(m_sources)) {
+    for (const FolderSource &source : sources()) {
         for (const FontNode &font : m_fileSystemService->allFonts(QDir::cleanPath(source.path)))
             take(font);
     }

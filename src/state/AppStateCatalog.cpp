@@ -42,7 +42,7 @@ bool AppState::waitForCatalogue(int msecs)
 
 void AppState::indexCatalogue()
 {
-    m_catalogue->index({m_fileSystemService, m_sources, m_collectionList->all(), m_activatedFonts});
+    m_catalogue->index({m_fileSystemService, sources(), m_collectionList->all(), m_activatedFonts});
 }
 
 LibraryCatalogue::Knowledge AppState::knowledgeFor(const FontQuery &query) const
@@ -55,7 +55,7 @@ LibraryCatalogue::Knowledge AppState::knowledgeFor(const FontQuery &query) const
         if (const FontCollection *collection = m_collectionList->find(*query.collection))
             knowledge.members = collection->members;
     }
-    for (const FolderSource &source : std::as_const(m_sources))
+    for (const FolderSource &source : sources())
         knowledge.sourceFolders.append(QDir::cleanPath(source.path));
     return knowledge;
 }

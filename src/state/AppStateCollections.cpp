@@ -35,7 +35,7 @@ void AppState::deleteCollection(const FontCollection &collection)
 {
     m_collectionList->remove(collection.id);
     if (m_sidebarSelection && m_sidebarSelection->isCollection() && m_sidebarSelection->payloadId() == collection.id) {
-        setSidebarSelection(m_sources.isEmpty() ? std::nullopt : std::optional<SidebarItem>(SidebarItem(m_sources.first())));
+        setSidebarSelection(sources().isEmpty() ? std::nullopt : std::optional<SidebarItem>(SidebarItem(sources().first())));
         m_navigation->showRoot();
     }
 }

@@ -24,7 +24,7 @@ std::optional<Record> selected(const std::optional<SidebarItem> &selection, bool
 
 std::optional<FolderSource> AppState::selectedSource() const
 {
-    return selected(m_sidebarSelection, m_sidebarSelection && m_sidebarSelection->isSource(), m_sources);
+    return selected(m_sidebarSelection, m_sidebarSelection && m_sidebarSelection->isSource(), sources());
 }
 
 std::optional<FontCollection> AppState::selectedCollection() const
@@ -102,11 +102,11 @@ void AppState::navigateToMember(const CollectionMember &member)
     const QString path = QDir::cleanPath(member.path);
     if (!m_fileSystemService->exists(path))
         return; // a member the last scan did not see can't be shown
-    const auto source = std::find_if(m_sources.cbegin(), m_sources.cend(), [&path](const FolderSource &candidate) {
+    const auto source = std::find_if(sources().cbegin(), sources().cend(), [&path](const FolderSource &candidate) {
         const QString root = QDir::cleanPath(candidate.path);
         return path == root || path.startsWith(root == u"/" ? root : root + u'/');
     });
-    if (source == m_sources.cend())
+    if (source == sources().cend())
         return;
     const QString target = member.isDirectory ? path : path.section(u'/', 0, -2);
     QList<FontNode> newPath = buildNavigationPath(source->path, target.isEmpty() ? QStringLiteral("/") : target);

@@ -23,15 +23,15 @@ void AppState::loadPersistedState()
     if (m_hasLoaded)
         return;
     m_hasLoaded = true;
-    setSources(m_persistenceService.loadSources());
+    m_sourceList->load();
     m_collectionList->load();
     PersistenceService::LoadStatus savedStatus = PersistenceService::LoadStatus::Missing;
     const QSet<QString> saved = m_persistenceService.loadActivatedFonts(&savedStatus);
     setActivatedFonts(saved);
     setPreviewText(m_persistenceService.previewText());
     setPreviewSize(m_persistenceService.previewSize());
-    if (!m_sources.isEmpty())
-        setSidebarSelection(SidebarItem(m_sources.first()));
+    if (!sources().isEmpty())
+        setSidebarSelection(SidebarItem(sources().first()));
     refreshFileSystem();
 
     setIsProcessing(true);
@@ -123,7 +123,7 @@ SavedFonts checkSavedFonts(FontActivating *activation, const QSet<QString> &save
 QStringList AppState::sourceRoots() const
 {
     QStringList roots;
-    for (const FolderSource &source : m_sources)
+    for (const FolderSource &source : sources())
         roots.append(QDir::cleanPath(source.path));
     return roots;
 }
@@ -219,19 +219,12 @@ QCoro::Task<> AppState::restoreWaiting()
 
 void AppState::addSource(const QString &path)
 {
-    const QString cleanPath = QDir::cleanPath(path);
-    for (const FolderSource &source : std::as_const(m_sources)) {
-        if (source.path == cleanPath)
-            return;
-    }
-    const FolderSource source{QUuid::createUuid(), cleanPath, cleanPath == u"/" ? cleanPath : cleanPath.section(u'/', -1)};
-    QList<FolderSource> sources = m_sources;
-    sources.append(source);
-    setSources(std::move(sources));
+    const std::optional<FolderSource> source = m_sourceList->add(path);
+    if (!source)
+        return;
     refreshFileSystem();
     if (!m_sidebarSelection)
-        setSidebarSelection(SidebarItem(source));
-    m_persistenceService.saveSources(m_sources);
+        setSidebarSelection(SidebarItem(*source));
 }
 
 qsizetype AppState::activeFontCount(const FolderSource &source) const
@@ -261,14 +254,11 @@ QCoro::Task<> AppState::removeSource(FolderSource source)
     QSet<QString> waiting = m_waitingActivations;
     waiting.removeIf([&root](const QString &path) { return isUnder(path, {root}); });
     setWaitingActivations(std::move(waiting));
-    QList<FolderSource> sources = m_sources;
-    sources.removeIf([&source](const FolderSource &s) { return s.id == source.id; });
-    setSources(std::move(sources));
+    m_sourceList->remove(source.id);
     if (m_sidebarSelection && m_sidebarSelection->isSource() && m_sidebarSelection->payloadId() == source.id) {
-        setSidebarSelection(m_sources.isEmpty() ? std::nullopt : std::optional<SidebarItem>(SidebarItem(m_sources.first())));
+        setSidebarSelection(m_sourceList->isEmpty() ? std::nullopt : std::optional<SidebarItem>(SidebarItem(sources().first())));
         m_navigation->showRoot();
     }
-    m_persistenceService.saveSources(m_sources);
     saveActivatedFonts();
     refreshFileSystem();
     setIsProcessing(false);
@@ -279,7 +269,7 @@ void AppState::updateUnavailableSources()
     // Unreachable, or scanned empty while saved fonts wait under it: a drive not mounted
     // on its bare folder shows as "Not available", not as a source that lost its fonts.
     QSet<QUuid> unavailable = m_unreachableSources;
-    for (const FolderSource &source : std::as_const(m_sources)) {
+    for (const FolderSource &source : sources()) {
         const QString root = QDir::cleanPath(source.path);
         // Only a scan's word counts: before the first one nothing is known to be empty.
         if (unavailable.contains(source.id) || !m_fileSystemService->preScannedRoots().contains(root) ||
