@@ -5,6 +5,7 @@
 #include "services/Diagnostics.h"
 #include "services/FinderTagService.h"
 #include "services/FontActivating.h"
+#include "services/BackgroundPriority.h"
 #include "services/FreedMemory.h"
 
 #include <QCoreApplication>
@@ -27,12 +28,11 @@ namespace {
 
 constexpr qsizetype kChunk = 256; // files read together, between looks at the cancel flag
 
-// Readers of their own: the indexing job waits on them from the shared pool.
+// Readers of their own: the indexing job waits on them from the shared pool. Each job
+// on them lowers its thread's priority first: activation, the scan and the window come first.
 QThreadPool &readers()
 {
     static QThreadPool pool;
-    // Only on time nobody else wants: activation, the scan and the window come first.
-    pool.setThreadPriority(QThread::IdlePriority);
     return pool;
 }
 
@@ -41,8 +41,13 @@ QThreadPool &indexers()
 {
     static QThreadPool pool;
     pool.setMaxThreadCount(1);
-    pool.setThreadPriority(QThread::IdlePriority);
     return pool;
+}
+
+QList<FaceRecord> readFaces(const QString &path)
+{
+    BackgroundPriority::lowerThisThread();
+    return FaceReader::read(path);
 }
 
 // The size and time of each file, by stat(2) relative to its folder (no walk of the
@@ -54,6 +59,7 @@ QList<FileStamp> stampsOf(const QStringList &paths)
     for (qsizetype start = 0; start < paths.size(); start += kStampChunk)
         chunks.append(paths.mid(start, kStampChunk));
     const auto stampChunk = [](const QStringList &chunk) {
+        BackgroundPriority::lowerThisThread();
         QList<FileStamp> stamps;
         stamps.reserve(chunk.size());
         int folderFd = -1;
@@ -147,6 +153,7 @@ void LibraryCatalogue::index(Library library)
                                             active = std::move(library.active), unannounced = m_unannounced] {
         // A batch of activations goes first, and the next one a user starts soon after:
         // this goes on two seconds after the last has ended.
+        BackgroundPriority::lowerThisThread();
         const auto waitYourTurn = [&] {
             while (!cancellation.isCancelled()
                    && (paused->load() || QDateTime::currentMSecsSinceEpoch() < quietUntil->load()))
@@ -217,7 +224,7 @@ void LibraryCatalogue::index(Library library)
             if (cancellation.isCancelled())
                 return; // the next refresh's job takes over from here
             const QStringList chunk = toRead.mid(start, kChunk);
-            const QList<QList<FaceRecord>> read = QtConcurrent::blockingMapped(&readers(), chunk, &FaceReader::read);
+            const QList<QList<FaceRecord>> read = QtConcurrent::blockingMapped(&readers(), chunk, &readFaces);
             for (qsizetype i = 0; i < chunk.size(); ++i)
                 catalog->record(byPath.value(chunk.at(i)), read.at(i));
             {

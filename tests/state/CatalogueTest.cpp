@@ -5,6 +5,7 @@
 #include "StateTestSupport.h"
 
 #include <QCoroTask>
+#include <QDir>
 #include <QFile>
 #include <QSemaphore>
 #include <QSignalSpy>
@@ -138,6 +139,30 @@ TEST(Catalogue, AChangeNotYetSaidKeepsOnlyWhatTheViewsNeedToHear)
         EXPECT_EQ(change.changed, c.said.changed) << c.what;
         EXPECT_EQ(change.removed, c.said.removed) << c.what;
     }
+}
+
+// The catalogue reads on threads that yield to the user's work but still move on a busy
+// machine: a lowered nice value, never SCHED_IDLE, which runs nothing while the cores
+// are taken.
+TEST(Catalogue, ItReadsAtALowerNiceValueNeverAtIdlePriority)
+{
+    StoreFixture fixture;
+    AppState &store = *fixture.store;
+    ASSERT_TRUE(QFile::copy(u"/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf"_s, fixture.library + u"/a.ttf"_s));
+    store.addSource(fixture.library);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !store.isIndexing(); }, 20'000));
+    ASSERT_TRUE(store.waitForCatalogue(60'000));
+    // The pools keep their threads a while after the job: each says how it is run.
+    int niced = 0;
+    for (const QString &thread : QDir(u"/proc/self/task"_s).entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
+        const QByteArray stat = readFile(u"/proc/self/task/"_s + thread + u"/stat"_s);
+        // The fields after the command's closing parenthesis: state is field 3, nice 19, policy 41.
+        const QList<QByteArray> fields = stat.mid(stat.lastIndexOf(')') + 2).split(' ');
+        ASSERT_GT(fields.size(), 38);
+        EXPECT_NE(fields.at(38).toInt(), 5) << "thread " << thread.toStdString() << " runs at SCHED_IDLE";
+        niced += fields.at(16).toInt() == 10;
+    }
+    EXPECT_GT(niced, 0) << "no thread read at a lowered priority";
 }
 
 // Questions only the store can answer: licence tags on the files, a collection's files
