@@ -83,7 +83,10 @@ FontQueryAnswer FontCatalog::query(const FontQuery &query, const FaceFilter &kee
     std::vector<std::vector<bool>> namesOfWord;
     for (QString word : query.text.split(u' ', Qt::SkipEmptyParts)) {
         word.remove(u'"');
-        if (word.isEmpty())
+        // "noto -", "noto & sans": a word of punctuation alone matches no name, and
+        // would empty the answer. Code points, so a letter beyond the BMP counts.
+        const QList<uint> codePoints = word.toUcs4();
+        if (std::none_of(codePoints.cbegin(), codePoints.cend(), [](uint c) { return QChar::isLetterOrNumber(char32_t(c)); }))
             continue;
         std::vector<bool> hit(index.nameIdLimit(), false);
         Statement match(m_db, "SELECT rowid FROM names_words WHERE names_words MATCH ?");

@@ -81,6 +81,12 @@ TEST(FontCatalog, EachFilterAloneAndCombinedAnswersAsTheFacesDo)
     } cases[] = {
         {"a name's word prefixes", FontQuery{.text = u"dej mon"_s},
          [&](const FaceRecord &f) { return lower(f.family).startsWith(u"dejavu sans mono"_s); }},
+        // Words with no letter or digit say nothing: they are passed over, not matched.
+        {"punctuation beside a word", FontQuery{.text = u"dej - & * –"_s},
+         [&](const FaceRecord &f) { return lower(f.family).startsWith(u"dejavu"_s); }},
+        {"punctuation alone", FontQuery{.text = u"- * ."_s}, [](const FaceRecord &) { return true; }},
+        {"a word joined by punctuation", FontQuery{.text = u"sans-mono"_s},
+         [&](const FaceRecord &f) { return lower(f.family).contains(u"sans mono"_s); }},
         {"any letter case, any accents", FontQuery{.text = u"SÉRIF"_s},
          [&](const FaceRecord &f) { return lower(f.family + u' ' + f.style + u' ' + f.fullName).contains(u"serif"_s); }},
         {"Hungarian sans serifs", FontQuery{.languages = {u"hu"_s}, .classifications = {C::SansSerif}},
