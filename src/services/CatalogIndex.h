@@ -27,9 +27,11 @@ struct IndexedFace
     std::array<quint32, NameCount> names{};
     std::array<quint32, TextCount> texts{};
     qint32 glyphs = 0;
-    qint16 weight = 400;
+    // As the OS/2 table has them, out of range too (a width class of 500, a weight of
+    // 28,926): such a face answers every question but those about weight or width.
+    quint16 weight = 400;
+    quint16 width = 5;
     qint32 faceIndex = 0;
-    qint8 width = 5;
     bool italic = false;
     bool monospaced = false;
     quint8 classification = 0;

@@ -288,8 +288,8 @@ void FontCatalog::record(const FileStamp &file, const QList<FaceRecord> &faces)
         for (int i = 0; i < IndexedFace::TextCount; ++i)
             face.texts[size_t(i)] = intern("texts", m_texts, texts[i].toUtf8(), true);
         face.coverage = intern("coverage", m_coverage, CatalogSql::encodeRanges(r.codePoints), false);
-        face.weight = qint16(r.weight);
-        face.width = qint8(r.width);
+        face.weight = quint16(std::clamp(r.weight, 0, 0xFFFF));
+        face.width = quint16(std::clamp(r.width, 0, 0xFFFF));
         face.italic = r.italic;
         face.monospaced = r.monospaced;
         face.classification = quint8(r.classification);
@@ -373,8 +373,8 @@ void FontCatalog::loadIndex() const
             id = quint32(faces.number(at++));
         for (quint32 &id : face.texts)
             id = quint32(faces.number(at++));
-        face.weight = qint16(faces.number(at++));
-        face.width = qint8(faces.number(at++));
+        face.weight = quint16(std::clamp<qint64>(faces.number(at++), 0, 0xFFFF));
+        face.width = quint16(std::clamp<qint64>(faces.number(at++), 0, 0xFFFF));
         face.italic = faces.number(at++) != 0;
         face.monospaced = faces.number(at++) != 0;
         face.classification = quint8(faces.number(at++));

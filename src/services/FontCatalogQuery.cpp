@@ -98,6 +98,9 @@ FontQueryAnswer FontCatalog::query(const FontQuery &query, const FaceFilter &kee
         }
         namesOfWord.push_back(std::move(hit));
     }
+    const FontQuery everything;
+    const bool byWeight = query.minWeight != everything.minWeight || query.maxWeight != everything.maxWeight;
+    const bool byWidth = query.minWidth != everything.minWidth || query.maxWidth != everything.maxWidth;
     Memo languagesMatch(index.textIdLimit()), scriptsMatch(index.textIdLimit());
     const quint32 classes = maskOf(query.classifications), formats = maskOf(query.formats);
 
@@ -144,8 +147,11 @@ FontQueryAnswer FontCatalog::query(const FontQuery &query, const FaceFilter &kee
         if (cancelled && (at & 4095) == 0 && cancelled->load())
             return FontQueryAnswer{.cancelled = true};
         const IndexedFace &face = faces[at];
-        if (face.file == 0 || face.weight < query.minWeight || face.weight > query.maxWeight || face.width < query.minWidth
-            || face.width > query.maxWidth)
+        // A weight or width asked about keeps only faces whose class is known and in range;
+        // one not asked about hides no face, whatever its OS/2 table says.
+        if (face.file == 0
+            || (byWeight && (face.weight < 1 || face.weight > 1000 || face.weight < query.minWeight || face.weight > query.maxWeight))
+            || (byWidth && (face.width < 1 || face.width > 9 || face.width < query.minWidth || face.width > query.maxWidth)))
             continue;
         if ((query.italic && face.italic != *query.italic) || (query.monospaced && face.monospaced != *query.monospaced))
             continue;

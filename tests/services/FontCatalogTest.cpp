@@ -210,6 +210,40 @@ TEST(FontCatalog, AnswersComeAsSortedFamiliesWithCountsForTheirFilters)
     EXPECT_TRUE(stopped.families.isEmpty());
 }
 
+// OS/2 classes out of range (a width class of 500 or 0, a weight of 28,926) hide no face
+// from a question that does not ask about them, and keep it out of one that does.
+TEST(FontCatalog, OutOfRangeWeightsAndWidthsHideNoFace)
+{
+    FontCatalog catalog(testRoot() + u"/cache/catalogue.sqlite"_s);
+    for (const char *name : {"Plain.ttf", "OddWide.ttf", "OddWidthless.ttf", "OddHeavy.ttf"}) {
+        const QString path = QStringLiteral(MORVANE_TEST_FONTS "/") + QLatin1StringView(name);
+        catalog.record(stampOf(path), FaceReader::read(path));
+    }
+    const auto names = [&](const FontQuery &query) {
+        QStringList found;
+        for (const FoundFace &face : catalog.query(query).faces())
+            found.append(face.postScriptName);
+        found.sort();
+        return found;
+    };
+    const struct
+    {
+        const char *question;
+        FontQuery query;
+        QStringList answer;
+    } cases[] = {
+        {"everything", FontQuery{}, {u"MorvaneTest-Bold"_s, u"OddHeavy"_s, u"OddWide"_s, u"OddWidthless"_s}},
+        {"a name", FontQuery{.text = u"odd"_s}, {u"OddHeavy"_s, u"OddWide"_s, u"OddWidthless"_s}},
+        {"normal width", FontQuery{.minWidth = 5, .maxWidth = 5}, {u"MorvaneTest-Bold"_s, u"OddHeavy"_s}},
+        {"any weight up to black", FontQuery{.minWeight = 1, .maxWeight = 900},
+         {u"MorvaneTest-Bold"_s, u"OddWide"_s, u"OddWidthless"_s}},
+    };
+    for (const auto &c : cases)
+        EXPECT_EQ(names(c.query), c.answer) << c.question;
+    EXPECT_EQ(catalog.face(QStringLiteral(MORVANE_TEST_FONTS "/OddWide.ttf"), 0).value_or(FaceRecord{}).width, 500)
+        << "kept as the file has it";
+}
+
 TEST(FontCatalog, FilesAreReadAgainOnlyWhenTheyChange)
 {
     const QString folder = makeDir(testRoot() + u"/Fonts"_s);

@@ -220,6 +220,13 @@ def main(out):
     drop_names(fb.font, {extra.axisNameID})
     fb.save(os.path.join(out, "Axes.ttf"))
 
+    # OS/2 classes out of their ranges, as some real fonts have them: none may vanish.
+    for name, weight, width in (("Wide", 400, 500), ("Widthless", 400, 0), ("Heavy", 28926, 5)):
+        fb = builder({"familyName": "Odd " + name, "styleName": "Regular", "psName": "Odd" + name})
+        fb.font["OS/2"].usWeightClass = weight
+        fb.font["OS/2"].usWidthClass = width
+        fb.save(os.path.join(out, "Odd" + name + ".ttf"))
+
     # A collection of two faces: readers see the first.
     first = builder({"familyName": "Collection First", "styleName": "Regular", "psName": "CollectionFirst"})
     second = builder({"familyName": "Collection Second", "styleName": "Italic", "psName": "CollectionSecond"})
