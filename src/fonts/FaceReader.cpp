@@ -54,7 +54,8 @@ const QList<Orthography> &orthographies()
 }
 
 // CJK languages fontconfig grants only to the one a font's code pages name (OS/2
-// ulCodePageRange1 bits 17 to 20), so a Japanese font isn't listed as Chinese.
+// ulCodePageRange1 bits 17 to 20), so a Japanese font isn't listed as Korean; a font
+// naming several of them (the big pan-CJK families) is granted each it covers.
 struct Exclusive
 {
     int bit;
@@ -66,6 +67,21 @@ bool isExclusive(const QString &language)
 {
     return std::any_of(std::begin(kExclusive), std::end(kExclusive),
                        [&](const Exclusive &e) { return language == QLatin1StringView(e.language); });
+}
+
+// How many 256-character pages a set spans. fontconfig keeps the CJK languages whose
+// orthography spans as many pages as the one the font names (its comparison of the
+// pages themselves never takes effect), so a Japanese font is Traditional Chinese too:
+// done the same here, or a question would answer otherwise than fc-list.
+int pageCount(const FcCharSet *set)
+{
+    FcChar32 map[FC_CHARSET_MAP_SIZE];
+    FcChar32 next = 0;
+    int count = 0;
+    for (FcChar32 base = FcCharSetFirstPage(set, map, &next); base != FC_CHARSET_DONE;
+         base = FcCharSetNextPage(set, map, &next))
+        ++count;
+    return count;
 }
 
 QStringList languagesOf(const QList<QPair<char32_t, char32_t>> &ranges, const QString &exclusiveLanguage)
@@ -80,7 +96,7 @@ QStringList languagesOf(const QList<QPair<char32_t, char32_t>> &ranges, const QS
         : FcLangGetCharSet(reinterpret_cast<const FcChar8 *>(exclusiveLanguage.toUtf8().constData()));
     QStringList covered;
     for (const Orthography &orthography : orthographies()) {
-        if (exclusive && isExclusive(orthography.language) && !FcCharSetEqual(orthography.characters, exclusive))
+        if (exclusive && isExclusive(orthography.language) && pageCount(orthography.characters) != pageCount(exclusive))
             continue;
         if (FcCharSetSubtractCount(orthography.characters, face.get()) == 0)
             covered.append(orthography.language);
@@ -236,10 +252,13 @@ FaceRecord recordOf(FT_Face face, hb_face_t *shaping)
     if (os2.size() >= 82) {
         const quint32 codePages = read32(os2, 78);
         for (const Exclusive &e : kExclusive) {
-            if (codePages & (1u << e.bit)) {
-                exclusive = QString::fromLatin1(e.language);
+            if (!(codePages & (1u << e.bit)))
+                continue;
+            if (!exclusive.isEmpty()) { // a second one: none is exclusive
+                exclusive.clear();
                 break;
             }
+            exclusive = QString::fromLatin1(e.language);
         }
     }
     r.languages = languagesOf(r.codePoints, exclusive);

@@ -9,6 +9,7 @@ import os
 import sys
 
 from fontTools.fontBuilder import FontBuilder
+from fontTools.ttLib.tables._c_m_a_p import CmapSubtable
 from fontTools.pens.ttGlyphPen import TTGlyphPen
 from fontTools.ttLib import TTCollection, TTFont, newTable
 
@@ -226,6 +227,25 @@ def main(out):
         fb.font["OS/2"].usWeightClass = weight
         fb.font["OS/2"].usWidthClass = width
         fb.save(os.path.join(out, "Odd" + name + ".ttf"))
+
+    # Han, kana and Hangul in one font, as the big CJK families have them, naming one,
+    # several or none of the CJK code pages (OS/2 bits 17 Japanese, 18 Simplified
+    # Chinese, 19 Korean, 20 Traditional Chinese): fontconfig keeps a CJK language to the
+    # one named only when exactly one is.
+    cjk = {}
+    for first, last in ((0x20, 0x7E), (0x1100, 0x11FF), (0x3000, 0x31FF), (0x3400, 0x4DBF), (0x4E00, 0x9FFF),
+                        (0xAC00, 0xD7A3), (0xF900, 0xFAFF), (0xFF00, 0xFFEF)):
+        for code in range(first, last + 1):
+            cjk[code] = "A"
+    for name, bits in (("CjkJapanese", (17,)), ("CjkAll", (17, 18, 19, 20)), ("CjkKoreanChinese", (18, 19)),
+                       ("CjkNone", ())):
+        fb = builder({"familyName": name, "styleName": "Regular", "psName": name})
+        # Only a format 12 table: format 4 can't hold 40,000 code points of one glyph.
+        table = CmapSubtable.newSubtable(12)
+        table.platformID, table.platEncID, table.language, table.cmap = 3, 10, 0, cjk
+        fb.font["cmap"].tables = [table]
+        fb.font["OS/2"].ulCodePageRange1 = sum(1 << bit for bit in bits)
+        fb.save(os.path.join(out, name + ".ttf"))
 
     # A collection of two faces: readers see the first.
     first = builder({"familyName": "Collection First", "styleName": "Regular", "psName": "CollectionFirst"})
