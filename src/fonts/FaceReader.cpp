@@ -289,14 +289,20 @@ QList<FaceRecord> read(const QString &path)
     if (!file || !FontFiles::tablesFitInside(file->bytes()))
         return records;
     FT_Library library = FreeType::threadLibrary();
-    FaceHolder probe;
-    if (FT_New_Memory_Face(library, file->data(), static_cast<FT_Long>(file->size()), -1, &probe.face) != 0)
-        return records;
-    const FT_Long faces = std::max<FT_Long>(1, probe.face->num_faces);
+    // A collection's faces are those its file really holds; any other file's, FreeType's count.
+    const std::optional<QList<int>> collection = FontFiles::collectionFaces(file->bytes());
+    QList<int> indices = collection.value_or(QList<int>());
+    if (!collection) {
+        FaceHolder probe;
+        if (FT_New_Memory_Face(library, file->data(), static_cast<FT_Long>(file->size()), -1, &probe.face) != 0)
+            return records;
+        for (FT_Long index = 0; index < std::max<FT_Long>(1, probe.face->num_faces); ++index)
+            indices.append(int(index));
+    }
     hb_blob_t *blob = hb_blob_create_or_fail(reinterpret_cast<const char *>(file->data()),
                                              static_cast<unsigned>(file->size()), HB_MEMORY_MODE_READONLY, nullptr, nullptr);
     const QFileInfo info(path);
-    for (FT_Long index = 0; index < faces; ++index) {
+    for (const int index : std::as_const(indices)) {
         FaceHolder holder;
         if (FT_New_Memory_Face(library, file->data(), static_cast<FT_Long>(file->size()), index, &holder.face) != 0)
             continue;

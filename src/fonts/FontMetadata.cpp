@@ -68,35 +68,71 @@ QString formatFileSize(qint64 bytes)
            QString::fromUtf16(kUnits[unit].name);
 }
 
-bool tablesFitInside(QByteArrayView data)
+namespace {
+
+enum class Directory { Fits, Broken, NotTables };
+
+// A table directory at `directory`: there, and every table it lists inside the data.
+Directory checkDirectory(QByteArrayView data, quint64 directory)
 {
     const auto size = static_cast<quint64>(data.size());
     const auto *bytes = reinterpret_cast<const uchar *>(data.constData());
     auto read32 = [&](quint64 offset) { return qFromBigEndian<quint32>(bytes + offset); };
-    if (size < 12)
-        return false;
-    quint64 directory = 0;
-    if (read32(0) == 0x74746366) { // 'ttcf': the first face's directory
-        if (size < 16)
-            return false;
-        directory = read32(12);
-        // The face's offset comes from the file: checked before anything is read there.
-        if (directory + 12 > size)
-            return false;
-    }
+    // The face's offset comes from the file: checked before anything is read there.
+    if (directory + 12 > size)
+        return Directory::Broken;
     const quint32 version = read32(directory);
     const bool sfnt = version == 0x00010000 || version == 0x4F54544F /* OTTO */ || version == 0x74727565 /* true */;
     if (!sfnt)
-        return true; // not a table-based format (suitcase, Type 1): FreeType decides
+        return Directory::NotTables;
     const quint16 tableCount = qFromBigEndian<quint16>(bytes + directory + 4);
     if (directory + 12 + 16ull * tableCount > size)
-        return false;
+        return Directory::Broken;
     for (quint16 i = 0; i < tableCount; ++i) {
         const quint64 record = directory + 12 + 16ull * i;
         if (static_cast<quint64>(read32(record + 8)) + read32(record + 12) > size)
-            return false;
+            return Directory::Broken;
     }
-    return true;
+    return Directory::Fits;
+}
+
+bool isCollection(QByteArrayView data)
+{
+    return data.size() >= 12 && qFromBigEndian<quint32>(data.constData()) == 0x74746366; // 'ttcf'
+}
+
+} // namespace
+
+bool tablesFitInside(QByteArrayView data)
+{
+    if (data.size() < 12)
+        return false;
+    quint64 directory = 0;
+    if (isCollection(data)) { // the first face's directory
+        if (data.size() < 16)
+            return false;
+        directory = qFromBigEndian<quint32>(data.constData() + 12);
+    }
+    // Not a table-based format (suitcase, Type 1): FreeType decides.
+    return checkDirectory(data, directory) != Directory::Broken;
+}
+
+std::optional<QList<int>> collectionFaces(QByteArrayView data)
+{
+    if (!isCollection(data))
+        return std::nullopt;
+    const auto size = static_cast<quint64>(data.size());
+    // The count is the header's word: only the offsets the file holds are looked at, so
+    // a header claiming 65,535 faces costs what the file is, not 65,535 attempts.
+    const quint64 claimed = qFromBigEndian<quint32>(data.constData() + 8);
+    const quint64 held = size >= 12 ? (size - 12) / 4 : 0;
+    QList<int> faces;
+    for (quint64 index = 0; index < std::min<quint64>({claimed, held, 0x10000}); ++index) {
+        const quint64 directory = qFromBigEndian<quint32>(data.constData() + 12 + 4 * index);
+        if (checkDirectory(data, directory) == Directory::Fits)
+            faces.append(int(index));
+    }
+    return faces;
 }
 
 } // namespace FontFiles

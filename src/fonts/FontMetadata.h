@@ -48,5 +48,9 @@ QString fileTypeName(const QString &path);
 QString formatFileSize(qint64 bytes);
 // Whether every table the font's directory lists lies inside the data (first face).
 bool tablesFitInside(QByteArrayView data);
+// A collection file's (.ttc) real faces: the indices whose table directory is there and
+// whose tables lie inside the file, however many its header claims. None for a file that
+// is not a collection.
+std::optional<QList<int>> collectionFaces(QByteArrayView data);
 
 } // namespace FontFiles

@@ -144,6 +144,11 @@ TEST(FaceReader, KindMakersAndTechnology)
     const QList<FaceRecord> pair = FaceReader::read(QStringLiteral(MORVANE_TEST_FONTS "/Pair.ttc"));
     ASSERT_EQ(pair.size(), 2) << "every face of a collection";
     EXPECT_NE(pair.at(0).postScriptName, pair.at(1).postScriptName);
+    // A header claiming 65,535 faces: the three the file holds, no phantom.
+    QStringList claimed;
+    for (const FaceRecord &face : FaceReader::read(QStringLiteral(MORVANE_TEST_FONTS "/Claims65535.ttc")))
+        claimed.append(u"%1 %2"_s.arg(face.faceIndex).arg(face.postScriptName));
+    EXPECT_EQ(claimed, (QStringList{u"0 CollectionFirst"_s, u"1 CollectionSecond"_s, u"2 CollectionThird"_s}));
     const QList<FaceRecord> axes = FaceReader::read(QStringLiteral(MORVANE_TEST_FONTS "/Axes.ttf"));
     ASSERT_EQ(axes.size(), 1);
     EXPECT_EQ(axes.first().axes, (QStringList{u"wght"_s, u"XTRA"_s, u"opsz"_s}));

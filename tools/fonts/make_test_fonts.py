@@ -258,6 +258,26 @@ def main(out):
     os.remove(os.path.join(out, "first.tmp"))
     os.remove(os.path.join(out, "second.tmp"))
 
+    # Three faces under a header that claims 65,535: only the three are faces.
+    third = builder({"familyName": "Collection Third", "styleName": "Bold", "psName": "CollectionThird"})
+    parts = []
+    for number, fb in enumerate((first, second, third)):
+        part = os.path.join(out, "part%d.tmp" % number)
+        fb.save(part)
+        parts.append(part)
+    claiming = TTCollection()
+    claiming.fonts = [TTFont(part) for part in parts]
+    claiming.save(os.path.join(out, "Claims65535.ttc"))
+    for part in parts:
+        os.remove(part)
+    with open(os.path.join(out, "Claims65535.ttc"), "r+b") as target:
+        target.seek(8)
+        target.write((65535).to_bytes(4, "big"))
+        # Long enough for all the faces the header claims (FreeType counts 32 bytes each
+        # at least), as such a file in the wild is: FreeType then tries every index.
+        target.seek(0, 2)
+        target.write(bytes(32 * 65536))
+
     # A suitcase of the same two faces: readers see the first.
     with open(os.path.join(out, "first.tmp"), "wb") as target:
         first.save(target)
