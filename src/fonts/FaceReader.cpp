@@ -104,15 +104,32 @@ QStringList languagesOf(const QList<QPair<char32_t, char32_t>> &ranges, const QS
     return covered;
 }
 
-// The characters the face maps to a glyph, as ranges.
+// The characters the face maps to a glyph, as ranges, as fontconfig counts them: the
+// Unicode map, then a symbol map (Wingdings, Webdings), whose U+F000 to U+F0FF are
+// also taken as U+0000 to U+00FF, as Windows does.
 QList<QPair<char32_t, char32_t>> codePointsOf(FT_Face face)
 {
+    std::vector<char32_t> points;
+    for (const FT_Encoding encoding : {FT_ENCODING_UNICODE, FT_ENCODING_MS_SYMBOL}) {
+        if (FT_Select_Charmap(face, encoding) != 0)
+            continue;
+        FT_UInt glyph = 0;
+        for (FT_ULong c = FT_Get_First_Char(face, &glyph); glyph != 0 && c <= 0x10FFFF; c = FT_Get_Next_Char(face, c, &glyph)) {
+            // A control character mapped to an empty glyph (many fonts map NUL and CR to
+            // one) draws nothing: not a character the font has.
+            if (c <= 0x1F
+                && (FT_Load_Glyph(face, glyph, FT_LOAD_NO_SCALE | FT_LOAD_NO_HINTING | FT_LOAD_NO_BITMAP) != 0
+                    || (face->glyph->format == FT_GLYPH_FORMAT_OUTLINE && face->glyph->outline.n_contours == 0)))
+                continue;
+            points.push_back(static_cast<char32_t>(c));
+            if (encoding == FT_ENCODING_MS_SYMBOL && c >= 0xF000 && c <= 0xF0FF)
+                points.push_back(static_cast<char32_t>(c - 0xF000));
+        }
+    }
+    std::sort(points.begin(), points.end());
+    points.erase(std::unique(points.begin(), points.end()), points.end());
     QList<QPair<char32_t, char32_t>> ranges;
-    if (FT_Select_Charmap(face, FT_ENCODING_UNICODE) != 0)
-        return ranges;
-    FT_UInt glyph = 0;
-    for (FT_ULong c = FT_Get_First_Char(face, &glyph); glyph != 0; c = FT_Get_Next_Char(face, c, &glyph)) {
-        const auto point = static_cast<char32_t>(c);
+    for (const char32_t point : points) {
         if (!ranges.isEmpty() && ranges.last().second + 1 == point)
             ranges.last().second = point;
         else
@@ -217,7 +234,8 @@ FaceRecord recordOf(FT_Face face, hb_face_t *shaping)
         r.width = read16(os2, 6);
         const quint16 selection = read16(os2, 62);
         r.italic = (selection & 0x1) || (selection & 0x200);
-        r.vendorId = QString::fromLatin1(os2.constData() + 58, 4).trimmed();
+        // Four characters, padded with spaces, or with NULs by some makers: neither is the vendor's.
+        r.vendorId = QString::fromLatin1(os2.constData() + 58, 4).remove(QChar(0)).trimmed();
     } else {
         r.italic = face->style_flags & FT_STYLE_FLAG_ITALIC;
         r.weight = (face->style_flags & FT_STYLE_FLAG_BOLD) ? 700 : 400;

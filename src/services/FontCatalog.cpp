@@ -18,7 +18,9 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int kSchemaVersion = 3;
+// Raised whenever what is recorded of a face changes, so catalogues read by an older
+// reader are read again. 4: languages, characters and OS/2 classes as fontconfig has them.
+constexpr int kSchemaVersion = 4;
 
 // Files by number, so each face row carries integers rather than a path; every text
 // once, by number (a family's licence and language list, a foundry's name), names apart

@@ -46,12 +46,16 @@ TEST(FaceReader, LanguagesAreFontconfigsAnswerForEveryFace)
     const QStringList files = fontFiles();
     ASSERT_GT(files.size(), 20);
     QHash<QString, QString> expected; // what fc-scan says of each face
-    for (const QString &line : run(u"fc-scan"_s, QStringList{u"--format=%{file}\\t%{index}\\t%{lang}\\n"_s} + files)
-                                   .split(u'\n', Qt::SkipEmptyParts)) {
+    QHash<QString, QString> characters;
+    for (const QString &line :
+         run(u"fc-scan"_s, QStringList{u"--format=%{file}\\t%{index}\\t%{lang}\\t%{charset}\\n"_s} + files)
+             .split(u'\n', Qt::SkipEmptyParts)) {
         const QStringList parts = line.split(u'\t'); // languages are joined by "|"
         // fontconfig lists a variable font's named instances too, above index 65535.
-        if (parts.value(1).toInt() < 0x10000)
+        if (parts.value(1).toInt() < 0x10000) {
             expected.insert(key(parts.value(0), parts.value(1).toInt()), parts.value(2));
+            characters.insert(key(parts.value(0), parts.value(1).toInt()), parts.value(3));
+        }
     }
     int faces = 0;
     for (const QString &file : files) {
@@ -64,6 +68,12 @@ TEST(FaceReader, LanguagesAreFontconfigsAnswerForEveryFace)
             theirs.sort();
             ours.sort();
             EXPECT_EQ(ours, theirs) << k.toStdString();
+            // The characters too, in fc-scan's own notation (symbol maps included).
+            QStringList ranges;
+            for (const auto &[first, last] : face.codePoints)
+                ranges.append(first == last ? QString::number(first, 16)
+                                            : QString::number(first, 16) + u'-' + QString::number(last, 16));
+            EXPECT_EQ(ranges.join(u' '), characters.value(k)) << k.toStdString();
         }
     }
     EXPECT_EQ(faces, expected.size()) << "every face fontconfig sees, and no other";
@@ -144,6 +154,11 @@ TEST(FaceReader, KindMakersAndTechnology)
     const QList<FaceRecord> pair = FaceReader::read(QStringLiteral(MORVANE_TEST_FONTS "/Pair.ttc"));
     ASSERT_EQ(pair.size(), 2) << "every face of a collection";
     EXPECT_NE(pair.at(0).postScriptName, pair.at(1).postScriptName);
+    // A symbol font: its letters where Windows puts them too, and no vendor of NULs.
+    const QList<FaceRecord> symbol = FaceReader::read(QStringLiteral(MORVANE_TEST_FONTS "/Symbol.ttf"));
+    ASSERT_EQ(symbol.size(), 1);
+    EXPECT_TRUE(symbol.first().covers(U'A') && symbol.first().covers(U'\uF041'));
+    EXPECT_TRUE(symbol.first().vendorId.isEmpty()) << symbol.first().vendorId.toStdString();
     // A header claiming 65,535 faces: the three the file holds, no phantom.
     QStringList claimed;
     for (const FaceRecord &face : FaceReader::read(QStringLiteral(MORVANE_TEST_FONTS "/Claims65535.ttc")))

@@ -247,6 +247,15 @@ def main(out):
         fb.font["OS/2"].ulCodePageRange1 = sum(1 << bit for bit in bits)
         fb.save(os.path.join(out, name + ".ttf"))
 
+    # A symbol font (a (3,0) map of U+F041, U+F042, as Wingdings has them) whose vendor
+    # field is four NULs.
+    fb = builder({"familyName": "Symbol Test", "styleName": "Regular", "psName": "SymbolTest"})
+    table = CmapSubtable.newSubtable(4)
+    table.platformID, table.platEncID, table.language, table.cmap = 3, 0, 0, {0xF041: "A", 0xF042: "B"}
+    fb.font["cmap"].tables = [table]
+    fb.font["OS/2"].achVendID = "\0\0\0\0"
+    fb.save(os.path.join(out, "Symbol.ttf"))
+
     # A collection of two faces: readers see the first.
     first = builder({"familyName": "Collection First", "styleName": "Regular", "psName": "CollectionFirst"})
     second = builder({"familyName": "Collection Second", "styleName": "Italic", "psName": "CollectionSecond"})
