@@ -5,6 +5,7 @@
 #include "FreeTypeLibrary.h"
 #include "MappedFile.h"
 
+#include FT_ADVANCES_H
 #include FT_TRUETYPE_TABLES_H
 #include FT_TRUETYPE_TAGS_H
 
@@ -138,6 +139,35 @@ QList<QPair<char32_t, char32_t>> codePointsOf(FT_Face face)
     return ranges;
 }
 
+// Whether every glyph the character map reaches advances alike, as fontconfig measures
+// it (its "mono" spacing): the first map that can be used, advances unscaled, two of
+// them the same when they differ by at most a 33rd. Many monospaced fonts (FreeMono,
+// Inconsolata) don't set the fixed-pitch flag.
+bool advancesAlike(FT_Face face)
+{
+    FT_Int32 flags = FT_LOAD_IGNORE_GLOBAL_ADVANCE_WIDTH | FT_LOAD_NO_HINTING | FT_LOAD_NO_SCALE;
+    if (FT_IS_SCALABLE(face))
+        flags |= FT_LOAD_NO_BITMAP;
+    const auto alike = [](FT_Pos a, FT_Pos b) { return std::abs(a - b) * 33 <= std::max(std::abs(a), std::abs(b)); };
+    for (const FT_Encoding encoding : {FT_ENCODING_UNICODE, FT_ENCODING_MS_SYMBOL}) {
+        if (FT_Select_Charmap(face, encoding) != 0)
+            continue;
+        FT_Pos first = 0;
+        FT_UInt glyph = 0;
+        for (FT_ULong c = FT_Get_First_Char(face, &glyph); glyph != 0; c = FT_Get_Next_Char(face, c, &glyph)) {
+            FT_Fixed advance = 0;
+            if (FT_Get_Advance(face, glyph, flags, &advance) != 0 || advance == 0)
+                continue;
+            if (first == 0)
+                first = advance;
+            else if (!alike(advance, first))
+                return false;
+        }
+        return true;
+    }
+    return true;
+}
+
 FaceRecord::Classification classify(const QByteArray &os2, bool monospaced)
 {
     using C = FaceRecord::Classification;
@@ -154,7 +184,8 @@ FaceRecord::Classification classify(const QByteArray &os2, bool monospaced)
         const auto family = static_cast<quint8>(os2.at(32)), serif = static_cast<quint8>(os2.at(33));
         switch (family) { // PANOSE
         case 2: // Latin text
-            if (monospaced || static_cast<quint8>(os2.at(35)) == 9)
+            // PANOSE's own "monospaced" is not taken on its word: the glyphs say.
+            if (monospaced)
                 return C::Monospace;
             if (serif >= 11 && serif <= 15)
                 return C::SansSerif;
@@ -228,7 +259,7 @@ FaceRecord recordOf(FT_Face face, hb_face_t *shaping)
 
     const QByteArray os2 = sfntTable(face, TTAG_OS2);
     const QByteArray post = sfntTable(face, TTAG_post);
-    r.monospaced = (post.size() >= 16 && read32(post, 12) != 0) || FT_IS_FIXED_WIDTH(face);
+    r.monospaced = (post.size() >= 16 && read32(post, 12) != 0) || FT_IS_FIXED_WIDTH(face) || advancesAlike(face);
     if (os2.size() >= 64) {
         r.weight = read16(os2, 4);
         r.width = read16(os2, 6);

@@ -47,14 +47,17 @@ TEST(FaceReader, LanguagesAreFontconfigsAnswerForEveryFace)
     ASSERT_GT(files.size(), 20);
     QHash<QString, QString> expected; // what fc-scan says of each face
     QHash<QString, QString> characters;
+    QSet<QString> monospaced; // fontconfig's "mono" spacing
     for (const QString &line :
-         run(u"fc-scan"_s, QStringList{u"--format=%{file}\\t%{index}\\t%{lang}\\t%{charset}\\n"_s} + files)
+         run(u"fc-scan"_s, QStringList{u"--format=%{file}\\t%{index}\\t%{lang}\\t%{charset}\\t%{spacing}\\n"_s} + files)
              .split(u'\n', Qt::SkipEmptyParts)) {
         const QStringList parts = line.split(u'\t'); // languages are joined by "|"
         // fontconfig lists a variable font's named instances too, above index 65535.
         if (parts.value(1).toInt() < 0x10000) {
             expected.insert(key(parts.value(0), parts.value(1).toInt()), parts.value(2));
             characters.insert(key(parts.value(0), parts.value(1).toInt()), parts.value(3));
+            if (parts.value(4) == u"100"_s)
+                monospaced.insert(key(parts.value(0), parts.value(1).toInt()));
         }
     }
     int faces = 0;
@@ -74,6 +77,11 @@ TEST(FaceReader, LanguagesAreFontconfigsAnswerForEveryFace)
                 ranges.append(first == last ? QString::number(first, 16)
                                             : QString::number(first, 16) + u'-' + QString::number(last, 16));
             EXPECT_EQ(ranges.join(u' '), characters.value(k)) << k.toStdString();
+            // Monospaced where fontconfig measures it so (the fixed-pitch flag may add
+            // more), and classed "Monospace" only then.
+            EXPECT_TRUE(!monospaced.contains(k) || face.monospaced) << k.toStdString() << " measures monospaced";
+            EXPECT_TRUE(face.classification != FaceRecord::Classification::Monospace || face.monospaced)
+                << k.toStdString() << " is classed Monospace";
         }
     }
     EXPECT_EQ(faces, expected.size()) << "every face fontconfig sees, and no other";

@@ -85,8 +85,9 @@ def empty_glyph():
     return TTGlyphPen(None).glyph()
 
 
-def drawing_font(names, glyphs, cmap):
-    """A font of chosen glyphs (name -> glyph or None for blank), 600 units wide each."""
+def drawing_font(names, glyphs, cmap, widths=None):
+    """A font of chosen glyphs (name -> glyph or None for blank), 600 units wide each
+    unless `widths` says otherwise."""
     order = [".notdef"] + [name for name in glyphs if name != ".notdef"]
     fb = FontBuilder(1000, isTTF=True)
     fb.setupGlyphOrder(order)
@@ -94,7 +95,7 @@ def drawing_font(names, glyphs, cmap):
     fb.setupGlyf({name: (glyphs.get(name) or empty_glyph()) if name != ".notdef" else square() for name in order})
     # Left side bearings as the outlines have them: HarfBuzz places outlines by them.
     glyf = fb.font["glyf"]
-    fb.setupHorizontalMetrics({name: (600, getattr(glyf[name], "xMin", 0)) for name in order})
+    fb.setupHorizontalMetrics({name: ((widths or {}).get(name, 600), getattr(glyf[name], "xMin", 0)) for name in order})
     fb.setupHorizontalHeader(ascent=800, descent=-200)
     fb.setupNameTable(names)
     fb.setupOS2(sTypoAscender=800, sTypoDescender=-200, usWinAscent=800, usWinDescent=200)
@@ -116,7 +117,8 @@ def drawing_fonts(out):
     # that shows the installed DejaVu Sans instead is drawing by name.
     printable = {code: ("space" if code == 0x20 else "box") for code in range(0x20, 0x7F)}
     fb = drawing_font({"familyName": "DejaVu Sans", "styleName": "Book", "fullName": "DejaVu Sans",
-                       "psName": "DejaVuSans"}, {"box": square(), "space": None}, printable)
+                       "psName": "DejaVuSans"}, {"box": square(), "space": None}, printable,
+                      widths={"space": 300})  # proportional, as the family it borrows the name of
     fb.save(os.path.join(out, "Impostor.ttf"))
 
     # "f" and "i" as thin bars, and a standard ligature "f_i" as one wide bar.
