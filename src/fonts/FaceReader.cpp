@@ -105,17 +105,43 @@ QStringList languagesOf(const QList<QPair<char32_t, char32_t>> &ranges, const QS
     return covered;
 }
 
-// The characters the face maps to a glyph, as ranges, as fontconfig counts them: the
-// Unicode map, then a symbol map (Wingdings, Webdings), whose U+F000 to U+F0FF are
-// also taken as U+0000 to U+00FF, as Windows does.
-QList<QPair<char32_t, char32_t>> codePointsOf(FT_Face face)
+// The face's character map as fontconfig reads it, in one walk.
+struct CharacterMap
 {
+    // The characters mapped to a glyph, as ranges: the Unicode map, then a symbol map
+    // (Wingdings, Webdings), whose U+F000 to U+F0FF are also taken as U+0000 to U+00FF,
+    // as Windows does.
+    QList<QPair<char32_t, char32_t>> codePoints;
+    // Every glyph the first usable map reaches advances alike, as fontconfig measures it
+    // (its "mono" spacing): unscaled, two the same when they differ by at most a 33rd.
+    // Many monospaced fonts (FreeMono, Inconsolata) don't set the fixed-pitch flag.
+    bool advancesAlike = true;
+};
+
+CharacterMap characterMapOf(FT_Face face)
+{
+    CharacterMap map;
+    FT_Int32 advanceFlags = FT_LOAD_IGNORE_GLOBAL_ADVANCE_WIDTH | FT_LOAD_NO_HINTING | FT_LOAD_NO_SCALE;
+    if (FT_IS_SCALABLE(face))
+        advanceFlags |= FT_LOAD_NO_BITMAP;
+    const auto alike = [](FT_Pos a, FT_Pos b) { return std::abs(a - b) * 33 <= std::max(std::abs(a), std::abs(b)); };
+    bool measuring = true; // the first usable map only
     std::vector<char32_t> points;
     for (const FT_Encoding encoding : {FT_ENCODING_UNICODE, FT_ENCODING_MS_SYMBOL}) {
         if (FT_Select_Charmap(face, encoding) != 0)
             continue;
+        FT_Pos first = 0;
         FT_UInt glyph = 0;
-        for (FT_ULong c = FT_Get_First_Char(face, &glyph); glyph != 0 && c <= 0x10FFFF; c = FT_Get_Next_Char(face, c, &glyph)) {
+        for (FT_ULong c = FT_Get_First_Char(face, &glyph); glyph != 0; c = FT_Get_Next_Char(face, c, &glyph)) {
+            FT_Fixed advance = 0;
+            if (measuring && map.advancesAlike && FT_Get_Advance(face, glyph, advanceFlags, &advance) == 0 && advance != 0) {
+                if (first == 0)
+                    first = advance;
+                else if (!alike(advance, first))
+                    map.advancesAlike = false;
+            }
+            if (c > 0x10FFFF)
+                continue;
             // A control character mapped to an empty glyph (many fonts map NUL and CR to
             // one) draws nothing: not a character the font has.
             if (c <= 0x1F
@@ -126,46 +152,17 @@ QList<QPair<char32_t, char32_t>> codePointsOf(FT_Face face)
             if (encoding == FT_ENCODING_MS_SYMBOL && c >= 0xF000 && c <= 0xF0FF)
                 points.push_back(static_cast<char32_t>(c - 0xF000));
         }
+        measuring = false;
     }
     std::sort(points.begin(), points.end());
     points.erase(std::unique(points.begin(), points.end()), points.end());
-    QList<QPair<char32_t, char32_t>> ranges;
     for (const char32_t point : points) {
-        if (!ranges.isEmpty() && ranges.last().second + 1 == point)
-            ranges.last().second = point;
+        if (!map.codePoints.isEmpty() && map.codePoints.last().second + 1 == point)
+            map.codePoints.last().second = point;
         else
-            ranges.append({point, point});
+            map.codePoints.append({point, point});
     }
-    return ranges;
-}
-
-// Whether every glyph the character map reaches advances alike, as fontconfig measures
-// it (its "mono" spacing): the first map that can be used, advances unscaled, two of
-// them the same when they differ by at most a 33rd. Many monospaced fonts (FreeMono,
-// Inconsolata) don't set the fixed-pitch flag.
-bool advancesAlike(FT_Face face)
-{
-    FT_Int32 flags = FT_LOAD_IGNORE_GLOBAL_ADVANCE_WIDTH | FT_LOAD_NO_HINTING | FT_LOAD_NO_SCALE;
-    if (FT_IS_SCALABLE(face))
-        flags |= FT_LOAD_NO_BITMAP;
-    const auto alike = [](FT_Pos a, FT_Pos b) { return std::abs(a - b) * 33 <= std::max(std::abs(a), std::abs(b)); };
-    for (const FT_Encoding encoding : {FT_ENCODING_UNICODE, FT_ENCODING_MS_SYMBOL}) {
-        if (FT_Select_Charmap(face, encoding) != 0)
-            continue;
-        FT_Pos first = 0;
-        FT_UInt glyph = 0;
-        for (FT_ULong c = FT_Get_First_Char(face, &glyph); glyph != 0; c = FT_Get_Next_Char(face, c, &glyph)) {
-            FT_Fixed advance = 0;
-            if (FT_Get_Advance(face, glyph, flags, &advance) != 0 || advance == 0)
-                continue;
-            if (first == 0)
-                first = advance;
-            else if (!alike(advance, first))
-                return false;
-        }
-        return true;
-    }
-    return true;
+    return map;
 }
 
 FaceRecord::Classification classify(const QByteArray &os2, bool monospaced)
@@ -259,7 +256,8 @@ FaceRecord recordOf(FT_Face face, hb_face_t *shaping)
 
     const QByteArray os2 = sfntTable(face, TTAG_OS2);
     const QByteArray post = sfntTable(face, TTAG_post);
-    r.monospaced = (post.size() >= 16 && read32(post, 12) != 0) || FT_IS_FIXED_WIDTH(face) || advancesAlike(face);
+    const CharacterMap characters = characterMapOf(face);
+    r.monospaced = (post.size() >= 16 && read32(post, 12) != 0) || FT_IS_FIXED_WIDTH(face) || characters.advancesAlike;
     if (os2.size() >= 64) {
         r.weight = read16(os2, 4);
         r.width = read16(os2, 6);
@@ -296,7 +294,7 @@ FaceRecord recordOf(FT_Face face, hb_face_t *shaping)
     }
     r.glyphCount = glyphCountOf(face);
 
-    r.codePoints = codePointsOf(face);
+    r.codePoints = characters.codePoints;
     QString exclusive;
     if (os2.size() >= 82) {
         const quint32 codePages = read32(os2, 78);

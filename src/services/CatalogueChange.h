@@ -16,7 +16,6 @@ struct CatalogueChange
     QSet<QString> removed;
 
     bool isEmpty() const { return added.isEmpty() && changed.isEmpty() && removed.isEmpty(); }
-    qsizetype size() const { return added.size() + changed.size() + removed.size(); }
 
     void recordRead(const QString &path, bool wasRecorded)
     {

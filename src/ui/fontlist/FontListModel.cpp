@@ -122,7 +122,7 @@ void FontListModel::reindex()
         m_rowOfId.insert(m_rows[row].id, int(row));
 }
 
-void FontListModel::setAnswer(FontQueryAnswer answer, bool samePlace, const QSet<QString> &changedFiles)
+void FontListModel::setAnswer(const FontQueryAnswer &answer, bool samePlace, const QSet<QString> &changedFiles)
 {
     if (!samePlace || m_rows.empty()) {
         beginResetModel();
@@ -131,13 +131,11 @@ void FontListModel::setAnswer(FontQueryAnswer answer, bool samePlace, const QSet
         for (const FontFamily &family : answer.families)
             m_rows.push_back(newRow(family));
         reindex();
-        m_answer = std::move(answer);
         endResetModel();
         return;
     }
     if (!applyInPlace(answer, changedFiles))
         applyAsLayoutChange(answer);
-    m_answer = std::move(answer);
 }
 
 bool FontListModel::applyInPlace(const FontQueryAnswer &answer, const QSet<QString> &changedFiles)

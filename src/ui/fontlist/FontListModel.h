@@ -34,8 +34,7 @@ public:
     // (`changedFiles`: read again since) say so, and nothing else moves, so the chosen
     // row, the open families and the scroll stay. A change too large or out of order is
     // one layout change that keeps them just the same. Otherwise the list starts afresh.
-    void setAnswer(FontQueryAnswer answer, bool samePlace = false, const QSet<QString> &changedFiles = {});
-    const FontQueryAnswer &answer() const { return m_answer; }
+    void setAnswer(const FontQueryAnswer &answer, bool samePlace = false, const QSet<QString> &changedFiles = {});
     QStringView familyName(int row) const { return m_rows.at(size_t(row)).family.name; }
 
     QModelIndex index(int row, int column, const QModelIndex &parent = {}) const override;
@@ -88,7 +87,6 @@ private:
     void applyAsLayoutChange(const FontQueryAnswer &answer);
 
     AppState &m_state;
-    FontQueryAnswer m_answer;
     std::vector<Row> m_rows;
     QHash<quint32, int> m_rowOfId;
     quint32 m_lastId = 0;
