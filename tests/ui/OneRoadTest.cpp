@@ -106,7 +106,7 @@ void firstMenuItem(QWidget *owner)
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_F10, Qt::ShiftModifier);
         menu = owner->findChild<QMenu *>();
     });
-    ASSERT_TRUE(QTest::qWaitFor([&] { return menu && menu->isVisible(); }));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return menu && menu->isVisible(); }, 20'000));
     menu->actions().first()->trigger();
     menu->close();
 }
@@ -222,7 +222,8 @@ TEST_F(OneRoad, EveryViewsActivationIsSavedAndSurvivesARestart)
              QTest::keyClick(column, Qt::Key_Up); // Mono, the last folder
              QTest::keyClick(column, Qt::Key_Right); // its font, shown in the preview
              QPushButton *activate = nullptr;
-             ASSERT_TRUE(QTest::qWaitFor([&] { return (activate = buttonNamed(&window, u"Activate"_s)) != nullptr; }));
+             // The preview reads the font off the interface thread: on a loaded machine, seconds.
+             ASSERT_TRUE(QTest::qWaitFor([&] { return (activate = buttonNamed(&window, u"Activate"_s)) != nullptr; }, 20'000));
              QTest::mouseClick(activate, Qt::LeftButton);
          },
          [](const OneRoad &t) { return t.folder(u"Mono"_s); }},
@@ -232,7 +233,7 @@ TEST_F(OneRoad, EveryViewsActivationIsSavedAndSurvivesARestart)
              ASSERT_TRUE(QFile::copy(u"/usr/share/fonts/truetype/dejavu/DejaVuSerif-Bold.ttf"_s, outside));
              window.openPaths({outside});
              QPushButton *activate = nullptr;
-             ASSERT_TRUE(QTest::qWaitFor([&] { return (activate = buttonNamed(window.detail(), u"Activate"_s)) != nullptr; }));
+             ASSERT_TRUE(QTest::qWaitFor([&] { return (activate = buttonNamed(window.detail(), u"Activate"_s)) != nullptr; }, 20'000));
              QTest::mouseClick(activate, Qt::LeftButton);
          },
          [](const OneRoad &) { return QSet<QString>{testRoot() + u"/Downloads/DejaVuSerif-Bold.ttf"_s}; }},
