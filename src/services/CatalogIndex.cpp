@@ -38,6 +38,11 @@ void CatalogIndex::setText(quint32 id, const QString &text)
         m_lists[id] = {}; // an id the database reused: split again when a list needs it
 }
 
+void CatalogIndex::setCoverage(quint32 id, const QByteArray &ranges)
+{
+    putAt(m_coverage, id, ranges);
+}
+
 void CatalogIndex::setFile(quint32 id, const File &file)
 {
     const QString folder = file.path.left(std::max<qsizetype>(file.path.lastIndexOf(u'/'), 0));

@@ -4,6 +4,7 @@
 #include "FontFamilies.h"
 #include "fonts/FaceRecord.h"
 
+#include <QByteArray>
 #include <QHash>
 #include <QList>
 #include <QString>
@@ -74,6 +75,14 @@ public:
     size_t folderCount() const { return m_folders.size(); }
     size_t nameIdLimit() const { return m_names.size(); }
     size_t textIdLimit() const { return m_texts.size(); }
+    size_t coverageIdLimit() const { return m_coverage.size(); }
+
+    // Each distinct cmap's ranges as the database keeps them (CatalogSql::encodeRanges),
+    // by coverage id: loaded by the first question about characters, then kept current.
+    bool hasCoverage() const { return m_coverageLoaded; }
+    void setCoverageLoaded() { m_coverageLoaded = true; }
+    void setCoverage(quint32 id, const QByteArray &ranges);
+    const QByteArray &coverage(quint32 id) const { return id < m_coverage.size() ? m_coverage[id] : m_emptyBytes; }
 
     // The whole record but its code points.
     FaceRecord record(const IndexedFace &face) const;
@@ -96,6 +105,8 @@ private:
     void compact();
 
     bool m_loaded = false;
+    bool m_coverageLoaded = false;
+    std::vector<QByteArray> m_coverage;
     std::vector<IndexedFace> m_faces;
     qsizetype m_removed = 0;
     std::vector<QString> m_names;
@@ -108,4 +119,5 @@ private:
     mutable std::optional<FamilyTable> m_familyTable; // none: to be built again
     static inline const QString m_empty{};
     static inline const QStringList m_emptyList{};
+    static inline const QByteArray m_emptyBytes{};
 };

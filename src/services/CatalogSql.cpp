@@ -1,7 +1,66 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "CatalogSql.h"
 
+#include "Diagnostics.h"
+
 namespace CatalogSql {
+
+bool Connection::open(const QByteArray &path)
+{
+    close();
+    sqlite3 *db = nullptr;
+    const int result = sqlite3_open_v2(path.constData(), &db, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, nullptr);
+    if (result != SQLITE_OK) {
+        qCWarning(lcLibrary) << "the font catalogue" << path << "can't be opened:" << sqlite3_errstr(result);
+        sqlite3_close(db);
+        return false;
+    }
+    // Waits out another Morvane's write (a second copy starting) rather than failing at once.
+    sqlite3_busy_timeout(db, 5000);
+    m_db = db;
+    return true;
+}
+
+void Connection::close()
+{
+    sqlite3_close(m_db);
+    m_db = nullptr;
+    m_damaged.store(false);
+    m_damage.clear();
+}
+
+bool Connection::check(int result, const char *what) const
+{
+    if (result == SQLITE_OK)
+        return true;
+    const QString words = QString::fromUtf8(m_db ? sqlite3_errmsg(m_db) : sqlite3_errstr(result));
+    qCWarning(lcLibrary).noquote() << "the font catalogue:" << words << "in" << QByteArray(what).simplified().left(120);
+    const int primary = result & 0xff;
+    if (primary == SQLITE_CORRUPT || primary == SQLITE_NOTADB)
+        markDamaged(words);
+    return false;
+}
+
+bool Connection::exec(const char *sql) const
+{
+    return m_db && check(sqlite3_exec(m_db, sql, nullptr, nullptr, nullptr), sql);
+}
+
+void Connection::markDamaged(const QString &why) const
+{
+    if (!m_damaged.load())
+        m_damage = why;
+    m_damaged.store(true);
+}
+
+QString Connection::quickCheck() const
+{
+    // The first fault is enough to know: the whole file goes.
+    Statement check(*this, "PRAGMA quick_check(1)");
+    if (!check.step())
+        return m_damaged.load() ? m_damage : QString();
+    return check.text(0);
+}
 
 namespace {
 
@@ -52,6 +111,22 @@ QList<QPair<char32_t, char32_t>> decodeRanges(const QByteArray &bytes)
         next = first + length + 1;
     }
     return ranges;
+}
+
+bool coversAll(const QByteArray &bytes, const QList<char32_t> &sorted)
+{
+    qsizetype at = 0;
+    quint32 next = 0, gap = 0, length = 0;
+    qsizetype wanted = 0;
+    while (wanted < sorted.size() && at < bytes.size() && readVarint(bytes, at, gap) && readVarint(bytes, at, length)) {
+        const quint32 first = next + gap, last = first + length;
+        next = last + 1;
+        if (quint32(sorted.at(wanted)) < first)
+            return false; // fell in the gap before this range
+        while (wanted < sorted.size() && quint32(sorted.at(wanted)) <= last)
+            ++wanted;
+    }
+    return wanted == sorted.size();
 }
 
 QString SharedTexts::text(const QByteArray &utf8)

@@ -3,6 +3,7 @@
 
 #include "CatalogSql.h"
 #include "Console.h"
+#include "Diagnostics.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -62,45 +63,38 @@ QString FontCatalog::defaultPath()
 }
 
 FontCatalog::FontCatalog(const QString &path)
+    : m_path(path)
 {
     if (!QDir().mkpath(QFileInfo(path).absolutePath()))
         return; // nowhere to keep it: unavailable, and nothing else minds
     if (!open(path)) {
-        setAside(path, u"it can't be read"_s);
+        setAside(path, m_openProblem.isEmpty() ? u"it can't be read"_s : m_openProblem);
         open(path);
     }
 }
 
-FontCatalog::~FontCatalog()
-{
-    sqlite3_close(m_db);
-}
-
-bool FontCatalog::exec(const char *sql) const
-{
-    return m_db && sqlite3_exec(m_db, sql, nullptr, nullptr, nullptr) == SQLITE_OK;
-}
+FontCatalog::~FontCatalog() = default;
 
 // False when the file is there but is no catalogue this Morvane can use.
-bool FontCatalog::open(const QString &path)
+bool FontCatalog::open(const QString &path) const
 {
-    sqlite3 *db = nullptr;
-    if (sqlite3_open_v2(QFile::encodeName(path).constData(), &db, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, nullptr)
-        != SQLITE_OK) {
-        sqlite3_close(db);
+    m_openProblem.clear();
+    if (!m_db.open(QFile::encodeName(path)))
         return true; // can't even be made: unavailable, not bad
-    }
-    m_db = db;
     int version = -1;
     {
         Statement read(m_db, "PRAGMA user_version");
-        if (read && read.step())
+        if (read.step())
             version = static_cast<int>(read.number(0));
+    }
+    if (m_db.isDamaged()) { // not a database at all
+        m_openProblem = m_db.damage();
+        m_db.close();
+        return false;
     }
     if (version > 0 && version < kSchemaVersion) {
         // An older Morvane's catalogue: only a cache, so it is simply built again.
-        sqlite3_close(m_db);
-        m_db = nullptr;
+        m_db.close();
         QFile::remove(path + u"-wal"_s);
         QFile::remove(path + u"-shm"_s);
         return QFile::remove(path) && open(path);
@@ -108,8 +102,8 @@ bool FontCatalog::open(const QString &path)
     const bool schemaOk = version == kSchemaVersion
         || (version == 0 && exec("BEGIN") && exec(kSchema) && exec(QByteArray("PRAGMA user_version = " + QByteArray::number(kSchemaVersion))) && exec("COMMIT"));
     if (!schemaOk) {
-        sqlite3_close(m_db);
-        m_db = nullptr;
+        m_openProblem = m_db.damage();
+        m_db.close();
         if (version > kSchemaVersion) {
             setAside(path, u"a newer Morvane wrote it"_s);
             return !QFileInfo::exists(path) && open(path);
@@ -122,12 +116,19 @@ bool FontCatalog::open(const QString &path)
         }
         return !QFileInfo(path).isWritable(); // unreadable where writable: corrupt
     }
-    exec("PRAGMA journal_mode = WAL");
+    // Questions read while the job writes: only a write-ahead log lets them. Where the
+    // file system can't keep one, SQLite says so by answering another mode.
+    {
+        Statement wal(m_db, "PRAGMA journal_mode = WAL");
+        const QString mode = wal.step() ? wal.text(0) : QString();
+        if (mode != u"wal"_s)
+            qCWarning(lcLibrary) << "the font catalogue" << path << "keeps no write-ahead log, journal mode:" << mode;
+    }
     exec("PRAGMA synchronous = NORMAL");
     return true;
 }
 
-void FontCatalog::setAside(const QString &path, const QString &why)
+void FontCatalog::setAside(const QString &path, const QString &why) const
 {
     const QString stem = path + u".set-aside-"_s + QDateTime::currentDateTimeUtc().toString(u"yyyyMMddHHmmss"_s);
     QString aside = stem;
@@ -141,6 +142,36 @@ void FontCatalog::setAside(const QString &path, const QString &why)
     Console::printLine(u"The font catalogue at "_s + path + u" was set aside ("_s + why + u") and is built again"_s);
 }
 
+void FontCatalog::checkIntegrity()
+{
+    const std::lock_guard lock(m_mutex);
+    if (!m_db || m_checked)
+        return;
+    m_checked = true;
+    const QString verdict = m_db.quickCheck();
+    if (!verdict.isEmpty() && verdict != u"ok"_s)
+        m_db.markDamaged(verdict.simplified().left(200)); // one line, however many SQLite gave
+    recoverIfDamaged();
+}
+
+bool FontCatalog::recoverIfDamaged() const
+{
+    if (!m_db.isDamaged())
+        return false;
+    const QString why = m_db.damage();
+    m_db.close();
+    setAside(m_path, why);
+    // A fresh file: what was remembered of the old one names rows it never had.
+    open(m_path);
+    m_index.clear();
+    m_names.clear();
+    m_texts.clear();
+    m_coverage.clear();
+    m_upToDate = 0;
+    m_rebuilt.store(true);
+    return true;
+}
+
 QStringList FontCatalog::filesToRead(const QList<FileStamp> &seen, QSet<QString> *dropped, QSet<QString> *recordedBefore)
 {
     if (dropped)
@@ -148,6 +179,8 @@ QStringList FontCatalog::filesToRead(const QList<FileStamp> &seen, QSet<QString>
     if (recordedBefore)
         recordedBefore->clear();
     const std::lock_guard lock(m_mutex);
+    recoverIfDamaged(); // a question found it damaged since
+    m_rebuilt.store(false); // this answer reads again all a rebuild lost
     if (!m_db)
         return {};
     // The same files, sizes and times as at the last look, when all was recorded:
@@ -167,6 +200,10 @@ QStringList FontCatalog::filesToRead(const QList<FileStamp> &seen, QSet<QString>
         Statement all(m_db, "SELECT id, path, size, mtime FROM files");
         while (all.step())
             recorded.insert(all.text(1), {all.number(0), all.number(2), all.number(3)});
+    }
+    if (recoverIfDamaged()) { // nothing recorded can be trusted: every file is read again
+        recorded.clear();
+        m_rebuilt.store(false);
     }
     QStringList toRead;
     for (const FileStamp &file : seen) {
@@ -241,7 +278,7 @@ quint32 FontCatalog::intern(const char *table, QHash<qint64, quint32> &known, co
         else
             add.bind(2, value);
         add.run();
-        id = quint32(sqlite3_last_insert_rowid(m_db));
+        id = quint32(sqlite3_last_insert_rowid(m_db.handle()));
     }
     known.insert(hash, id);
     return id;
@@ -250,6 +287,7 @@ quint32 FontCatalog::intern(const char *table, QHash<qint64, quint32> &known, co
 void FontCatalog::record(const FileStamp &file, const QList<FaceRecord> &faces)
 {
     const std::lock_guard lock(m_mutex);
+    recoverIfDamaged();
     if (!m_db)
         return;
     m_upToDate = 0;
@@ -263,6 +301,7 @@ void FontCatalog::record(const FileStamp &file, const QList<FaceRecord> &faces)
         stamp.bind(3, file.modified);
         if (!stamp.step()) {
             exec("ROLLBACK");
+            recoverIfDamaged();
             return;
         }
         fileId = stamp.number(0);
@@ -289,7 +328,10 @@ void FontCatalog::record(const FileStamp &file, const QList<FaceRecord> &faces)
                                  r.colourFormats.join(u' '), r.languages.join(u' '), r.scripts.join(u' ')};
         for (int i = 0; i < IndexedFace::TextCount; ++i)
             face.texts[size_t(i)] = intern("texts", m_texts, texts[i].toUtf8(), true);
-        face.coverage = intern("coverage", m_coverage, CatalogSql::encodeRanges(r.codePoints), false);
+        const QByteArray coverage = CatalogSql::encodeRanges(r.codePoints);
+        face.coverage = intern("coverage", m_coverage, coverage, false);
+        if (m_index.hasCoverage())
+            m_index.setCoverage(face.coverage, coverage);
         face.weight = quint16(std::clamp(r.weight, 0, 0xFFFF));
         face.width = quint16(std::clamp(r.width, 0, 0xFFFF));
         face.italic = r.italic;
@@ -324,6 +366,7 @@ void FontCatalog::record(const FileStamp &file, const QList<FaceRecord> &faces)
         m_names.clear(); // ids handed out in the failed transaction are not in the database
         m_texts.clear();
         m_coverage.clear();
+        recoverIfDamaged();
         return;
     }
     if (m_index.isLoaded()) {
@@ -385,5 +428,20 @@ void FontCatalog::loadIndex() const
         face.coverage = quint32(faces.number(at++));
         m_index.add(face);
     }
+    if (recoverIfDamaged()) // half an index is no answer: the fresh file's, empty, is
+        return loadIndex();
     m_index.setLoaded();
+}
+
+// Every distinct cmap into memory, once, for the first question about characters.
+void FontCatalog::loadCoverage() const
+{
+    if (m_index.hasCoverage() || !m_db)
+        return;
+    Statement all(m_db, "SELECT id, ranges FROM coverage");
+    while (all.step())
+        m_index.setCoverage(quint32(all.number(0)), all.bytes(1));
+    // Damage found here waits for the next call that can set the file aside.
+    if (!m_db.isDamaged())
+        m_index.setCoverageLoaded();
 }

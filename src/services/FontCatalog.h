@@ -2,6 +2,7 @@
 #pragma once
 
 #include "CatalogIndex.h"
+#include "CatalogSql.h"
 #include "CatalogueChange.h"
 #include "FontFamilies.h"
 #include "LicenseStatus.h"
@@ -19,8 +20,6 @@
 #include <functional>
 #include <mutex>
 #include <optional>
-
-struct sqlite3;
 
 // What a catalogue query asks for; an empty field asks nothing.
 struct FontQuery
@@ -76,7 +75,8 @@ struct FileStamp
 // Every face of every font file of the library, in an SQLite database under
 // $XDG_CACHE_HOME/Morvane: a cache, rebuilt from the files whenever it is lost, never
 // the only copy of anything the user made. One connection, used from one thread at a
-// time (the calls take turns). A database that is corrupt or from a newer Morvane is set aside and started
+// time (the calls take turns). A database that is damaged (at open, in the integrity
+// check, or in any statement later) or from a newer Morvane is set aside and started
 // afresh, with one line on standard output; where nothing can be written the
 // catalogue is unavailable and everything else goes on.
 class FontCatalog
@@ -88,7 +88,13 @@ public:
     FontCatalog(const FontCatalog &) = delete;
     FontCatalog &operator=(const FontCatalog &) = delete;
 
-    bool isAvailable() const { return m_db != nullptr; }
+    bool isAvailable() const { return bool(m_db); }
+
+    // SQLite's quick check, once: a damaged file is set aside and started afresh.
+    void checkIntegrity();
+    // Whether the files must all be read again: the file was found damaged (and set
+    // aside, or to be at the next call) since filesToRead() last answered.
+    bool needsReading() const { return m_rebuilt.load() || m_db.isDamaged(); }
 
     // Of the files a scan saw: those to read (new, or changed in size or time since
     // recorded). Files recorded but not seen are dropped here. `found`, when given, learns
@@ -116,19 +122,27 @@ public:
     QSet<QString> sharedPostScriptNames(const QSet<QString> &paths) const;
 
 private:
-    bool open(const QString &path);
-    void setAside(const QString &path, const QString &why);
-    bool exec(const char *sql) const;
+    bool open(const QString &path) const;
+    void setAside(const QString &path, const QString &why) const;
+    bool exec(const char *sql) const { return m_db.exec(sql); }
     bool exec(const QByteArray &sql) const { return exec(sql.constData()); }
     quint32 intern(const char *table, QHash<qint64, quint32> &known, const QByteArray &value, bool isText);
     void loadIndex() const;
+    void loadCoverage() const;
+    // Under the lock: when a statement found the file damaged, it is set aside and
+    // started afresh, and everything remembered of it forgotten. True when it was.
+    bool recoverIfDamaged() const;
 
-    sqlite3 *m_db = nullptr;
+    QString m_path;
+    mutable CatalogSql::Connection m_db;
     mutable std::mutex m_mutex; // the indexing job and queries take turns
     // Ids of texts and cmaps already in the database, for the indexing job.
-    QHash<qint64, quint32> m_names;
-    QHash<qint64, quint32> m_texts;
-    QHash<qint64, quint32> m_coverage;
+    mutable QHash<qint64, quint32> m_names;
+    mutable QHash<qint64, quint32> m_texts;
+    mutable QHash<qint64, quint32> m_coverage;
     mutable CatalogIndex m_index; // loaded by the first question
-    size_t m_upToDate = 0; // the files of the last look, when every one was recorded
+    mutable size_t m_upToDate = 0; // the files of the last look, when every one was recorded
+    mutable QString m_openProblem; // why open() found the file unusable
+    bool m_checked = false;
+    mutable std::atomic_bool m_rebuilt{false};
 };

@@ -120,26 +120,19 @@ FontQueryAnswer FontCatalog::query(const FontQuery &query, const FaceFilter &kee
         }
     }
 
-    // Required characters: each distinct cmap read from the database once.
+    // Required characters: each distinct cmap judged once, from memory.
     QList<char32_t> required;
     for (const char32_t c : query.requiredCharacters.toUcs4()) {
         if (!QChar::isSpace(c))
             required.append(c);
     }
-    QHash<quint32, bool> coverageAnswers;
-    Statement coverage(m_db, "SELECT ranges FROM coverage WHERE id = ?");
+    std::sort(required.begin(), required.end());
+    required.erase(std::unique(required.begin(), required.end()), required.end());
+    if (!required.isEmpty())
+        loadCoverage();
+    Memo coverageMatch(m_index.coverageIdLimit());
     const auto coversRequired = [&](quint32 id) {
-        const auto known = coverageAnswers.constFind(id);
-        if (known != coverageAnswers.cend())
-            return *known;
-        FaceRecord ranges;
-        coverage.bind(1, qint64(id));
-        if (coverage.step())
-            ranges.codePoints = CatalogSql::decodeRanges(coverage.bytes(0));
-        coverage.reset();
-        const bool covers = std::all_of(required.cbegin(), required.cend(), [&](char32_t c) { return ranges.covers(c); });
-        coverageAnswers.insert(id, covers);
-        return covers;
+        return coverageMatch(id, [&] { return CatalogSql::coversAll(m_index.coverage(id), required); });
     };
 
     std::vector<quint32> found;
@@ -293,10 +286,8 @@ std::optional<FaceRecord> FontCatalog::face(const QString &path, int faceIndex) 
         if (face.faceIndex != faceIndex)
             continue;
         FaceRecord record = m_index.record(face);
-        Statement ranges(m_db, "SELECT ranges FROM coverage WHERE id = ?");
-        ranges.bind(1, qint64(face.coverage));
-        if (ranges.step())
-            record.codePoints = CatalogSql::decodeRanges(ranges.bytes(0));
+        loadCoverage();
+        record.codePoints = CatalogSql::decodeRanges(m_index.coverage(face.coverage));
         return record;
     }
     return std::nullopt;

@@ -69,6 +69,7 @@ AppState::AppState(FontActivating &fontActivationService, PersistenceService &pe
     m_catalogue = new LibraryCatalogue(m_fontActivationService, this);
     connect(m_catalogue, &LibraryCatalogue::progressChanged, this, &AppState::catalogueProgressChanged);
     connect(m_catalogue, &LibraryCatalogue::changed, this, &AppState::catalogueChanged);
+    connect(m_catalogue, &LibraryCatalogue::rebuilt, this, &AppState::indexCatalogue);
     connect(m_catalogue, &LibraryCatalogue::finished, this, &AppState::renewSmartCollections); // a refresh's changes are read
     // The library's own lists say how many faces they hold.
     m_libraryCounts = new LibraryCounts([this] { return m_catalogue->catalog(); }, [this] { return m_activatedFonts; }, this);

@@ -13,6 +13,8 @@
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFileInfo>
+#include <QFutureWatcher>
+#include <QTimer>
 #include <QThread>
 #include <QThreadPool>
 #include <QtConcurrent/QtConcurrentMap>
@@ -44,9 +46,13 @@ QThreadPool &indexers()
     return pool;
 }
 
-QList<FaceRecord> readFaces(const QString &path)
+// A file's faces, or nothing when the job was cancelled before its turn came: a chunk
+// stops within a file's time, and what was read is kept.
+std::optional<QList<FaceRecord>> readFaces(const QString &path, const CancellationToken &cancellation)
 {
     BackgroundPriority::lowerThisThread();
+    if (cancellation.isCancelled())
+        return std::nullopt;
     return FaceReader::read(path);
 }
 
@@ -102,10 +108,31 @@ LibraryCatalogue::~LibraryCatalogue()
     stop();
 }
 
+void LibraryCatalogue::Gate::wake()
+{
+    const std::lock_guard lock(mutex); // a job between its look and its sleep hears it
+    turn.notify_all();
+}
+
+void LibraryCatalogue::Gate::waitTurn(const CancellationToken &cancellation)
+{
+    std::unique_lock lock(mutex);
+    while (!cancellation.isCancelled()) {
+        const qint64 now = QDateTime::currentMSecsSinceEpoch();
+        if (paused)
+            turn.wait(lock);
+        else if (now < quietUntil)
+            turn.wait_for(lock, std::chrono::milliseconds(quietUntil - now));
+        else
+            return;
+    }
+}
+
 void LibraryCatalogue::stop()
 {
     // A job holds the activation service, which may go away with the store.
     m_cancellation.cancel();
+    m_gate->wake();
     for (QFuture<void> &job : m_jobs)
         job.waitForFinished(); // each stops after the chunk in hand
 }
@@ -119,7 +146,17 @@ std::shared_ptr<FontCatalog> LibraryCatalogue::catalog()
 
 void LibraryCatalogue::holdOff(int msecs)
 {
-    m_quietUntil->store(std::max(m_quietUntil->load(), QDateTime::currentMSecsSinceEpoch() + msecs));
+    const std::lock_guard lock(m_gate->mutex);
+    m_gate->quietUntil = std::max(m_gate->quietUntil, QDateTime::currentMSecsSinceEpoch() + msecs);
+}
+
+void LibraryCatalogue::setPaused(bool paused)
+{
+    {
+        const std::lock_guard lock(m_gate->mutex);
+        m_gate->paused = paused;
+    }
+    m_gate->turn.notify_all();
 }
 
 void LibraryCatalogue::setProgress(bool working, qsizetype done, qsizetype total)
@@ -137,7 +174,8 @@ void LibraryCatalogue::setProgress(bool working, qsizetype done, qsizetype total
 
 void LibraryCatalogue::index(Library library)
 {
-    m_cancellation.cancel(); // the older job stops after its chunk; records never double
+    m_cancellation.cancel(); // the older job stops within its chunk; records never double
+    m_gate->wake();
     const CancellationToken cancellation = CancellationToken::create();
     m_cancellation = cancellation;
     const std::shared_ptr<FontCatalog> catalog = this->catalog();
@@ -146,19 +184,15 @@ void LibraryCatalogue::index(Library library)
     holdOff(m_settleMs);
     setProgress(true, 0, 0);
     // One thread for the jobs: a newer one starts once the older has stopped.
-    m_job = QtConcurrent::run(&indexers(), [this, catalog, cancellation, activation = &m_activation, paused = m_paused,
-                                            quietUntil = m_quietUntil, files = std::move(library.files),
+    m_job = QtConcurrent::run(&indexers(), [this, catalog, cancellation, activation = &m_activation, gate = m_gate,
+                                            files = std::move(library.files),
                                             sources = std::move(library.sources),
                                             collections = std::move(library.collections),
                                             active = std::move(library.active), unannounced = m_unannounced] {
         // A batch of activations goes first, and the next one a user starts soon after:
         // this goes on two seconds after the last has ended.
         BackgroundPriority::lowerThisThread();
-        const auto waitYourTurn = [&] {
-            while (!cancellation.isCancelled()
-                   && (paused->load() || QDateTime::currentMSecsSinceEpoch() < quietUntil->load()))
-                QThread::msleep(50);
-        };
+        const auto waitYourTurn = [&] { gate->waitTurn(cancellation); };
         waitYourTurn();
         QElapsedTimer took;
         took.start();
@@ -195,18 +229,7 @@ void LibraryCatalogue::index(Library library)
         }
         waitYourTurn();
         const QList<FileStamp> stamps = stampsOf(paths);
-        QSet<QString> dropped;
-        QSet<QString> recordedBefore;
-        const QStringList toRead = catalog->filesToRead(stamps, &dropped, &recordedBefore); // vanished files go here
-        {
-            const std::lock_guard lock(unannounced->mutex);
-            for (const QString &path : std::as_const(dropped))
-                unannounced->change.recordRemoved(path);
-        }
         QHash<QString, FileStamp> byPath;
-        for (qsizetype i = 0; !toRead.isEmpty() && i < stamps.size(); ++i)
-            byPath.insert(stamps.at(i).path, stamps.at(i));
-        const qsizetype total = toRead.size();
         const auto report = [this](bool working, qsizetype done, qsizetype all, const CatalogueChange &change) {
             QMetaObject::invokeMethod(
                 this,
@@ -217,23 +240,46 @@ void LibraryCatalogue::index(Library library)
                 },
                 Qt::QueuedConnection);
         };
-        report(true, 0, total, {});
-        qsizetype done = 0;
-        for (qsizetype start = 0; start < total; start += kChunk) {
-            waitYourTurn();
-            if (cancellation.isCancelled())
-                return; // the next refresh's job takes over from here
-            const QStringList chunk = toRead.mid(start, kChunk);
-            const QList<QList<FaceRecord>> read = QtConcurrent::blockingMapped(&readers(), chunk, &readFaces);
-            for (qsizetype i = 0; i < chunk.size(); ++i)
-                catalog->record(byPath.value(chunk.at(i)), read.at(i));
+        // A catalogue damaged on disk is set aside here, before it is trusted.
+        catalog->checkIntegrity();
+        qsizetype done = 0, total = 0;
+        // A second pass when the file was found damaged meanwhile and started afresh:
+        // what the first pass recorded went with it.
+        for (int pass = 0; pass < 2 && (pass == 0 || catalog->needsReading()); ++pass) {
+            QSet<QString> dropped;
+            QSet<QString> recordedBefore;
+            const QStringList toRead = catalog->filesToRead(stamps, &dropped, &recordedBefore); // vanished files go here
             {
                 const std::lock_guard lock(unannounced->mutex);
-                for (const QString &path : chunk)
-                    unannounced->change.recordRead(path, recordedBefore.contains(path));
+                for (const QString &path : std::as_const(dropped))
+                    unannounced->change.recordRemoved(path);
             }
-            done += chunk.size();
-            report(true, done, total, {});
+            if (!toRead.isEmpty() && byPath.isEmpty()) {
+                for (const FileStamp &stamp : stamps)
+                    byPath.insert(stamp.path, stamp);
+            }
+            total = toRead.size();
+            done = 0;
+            report(true, 0, total, {});
+            for (qsizetype start = 0; start < total; start += kChunk) {
+                waitYourTurn();
+                if (cancellation.isCancelled())
+                    return; // the next refresh's job takes over from here
+                const QStringList chunk = toRead.mid(start, kChunk);
+                const QList<std::optional<QList<FaceRecord>>> read = QtConcurrent::blockingMapped(
+                    &readers(), chunk, [cancellation](const QString &path) { return readFaces(path, cancellation); });
+                for (qsizetype i = 0; i < chunk.size(); ++i) {
+                    if (read.at(i)) // none: cancelled before its turn, for the next job to read
+                        catalog->record(byPath.value(chunk.at(i)), *read.at(i));
+                }
+                const std::lock_guard lock(unannounced->mutex);
+                for (qsizetype i = 0; i < chunk.size(); ++i) {
+                    if (read.at(i))
+                        unannounced->change.recordRead(chunk.at(i), recordedBefore.contains(chunk.at(i)));
+                }
+                done += chunk.size();
+                report(true, done, total, {});
+            }
         }
         qCDebug(lcLibrary) << "catalogued" << total << "of" << paths.size() << "files in" << took.elapsed() << "ms";
         // Said once, when the job is done, and only when something changed (this job's
@@ -257,20 +303,34 @@ void LibraryCatalogue::index(Library library)
         qCDebug(lcActivation) << "made" << byFolder.size() << "folders ready to activate in" << took.elapsed() << "ms";
         FreedMemory::giveBack();
     });
+    auto *watcher = new QFutureWatcher<void>(this);
+    connect(watcher, &QFutureWatcherBase::finished, this, [this, watcher] {
+        watcher->deleteLater();
+        Q_EMIT jobEnded();
+    });
+    watcher->setFuture(m_job);
     m_jobs.removeIf([](const QFuture<void> &job) { return job.isFinished(); });
     m_jobs.append(m_job);
 }
 
 bool LibraryCatalogue::waitUntilDone(int msecs)
 {
-    QElapsedTimer waited;
-    waited.start();
-    while (!m_job.isFinished() || m_working) {
-        if (waited.elapsed() >= msecs)
-            return false;
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
-    }
-    return true;
+    const auto done = [this] { return m_job.isFinished() && !m_working; };
+    if (done())
+        return true;
+    // Events are handled meanwhile (the job's reports come as events); the loop sleeps
+    // between them.
+    QEventLoop loop;
+    const auto check = [&] {
+        if (done())
+            loop.quit();
+    };
+    connect(this, &LibraryCatalogue::jobEnded, &loop, check);
+    connect(this, &LibraryCatalogue::progressChanged, &loop, check);
+    QTimer::singleShot(msecs, &loop, &QEventLoop::quit);
+    check();
+    loop.exec();
+    return done();
 }
 
 namespace {
@@ -325,6 +385,12 @@ QFuture<FontQueryAnswer> LibraryCatalogue::answer(FontQuery query, Knowledge kno
                                   || !query.licenseStatuses.isEmpty();
         return catalog->query(query, asksTheStore ? FontCatalog::FaceFilter(keep) : FontCatalog::FaceFilter(), sourceFolders,
                               cancelled.get());
+    }).then(this, [this](FontQueryAnswer answer) {
+        // A question that found the file damaged had it started afresh: unless a job is
+        // reading already (it reads the files again itself), one must.
+        if (!m_working && m_catalog && m_catalog->needsReading())
+            Q_EMIT rebuilt();
+        return answer;
     });
 }
 

@@ -15,6 +15,7 @@
 #include <QString>
 
 #include <atomic>
+#include <condition_variable>
 #include <memory>
 #include <mutex>
 
@@ -51,7 +52,7 @@ public:
     // what it had not yet said.
     void index(Library library);
     // A batch of activations goes first: reading waits while paused, and for a while after.
-    void setPaused(bool paused) { m_paused->store(paused); }
+    void setPaused(bool paused);
     void holdOff(int msecs);
     void stop();
 
@@ -77,6 +78,10 @@ public:
 
 Q_SIGNALS:
     void progressChanged();
+    // A question found the catalogue damaged and it was started afresh: every file
+    // needs reading again (the store starts a job).
+    void rebuilt();
+    void jobEnded(); // a job's thread is done with it, the folders' preparation included
     // Faces were read or dropped: once per job that ends, never when nothing changed.
     void changed(const CatalogueChange &change);
     void finished(); // a job has ended: what it read is there to be asked
@@ -101,8 +106,18 @@ private:
     qsizetype m_total = 0;
     quint64 m_questions = 0;
     std::shared_ptr<std::atomic_bool> m_questionCancelled = std::make_shared<std::atomic_bool>(false);
-    std::shared_ptr<std::atomic_bool> m_paused = std::make_shared<std::atomic_bool>(false);
-    std::shared_ptr<std::atomic<qint64>> m_quietUntil = std::make_shared<std::atomic<qint64>>(0);
+    // Where a job waits its turn: asleep until a batch ends, the quiet time is over, or
+    // it is cancelled, never polling.
+    struct Gate
+    {
+        std::mutex mutex;
+        std::condition_variable turn;
+        bool paused = false;
+        qint64 quietUntil = 0; // ms since the epoch
+        void wake();
+        void waitTurn(const CancellationToken &cancellation);
+    };
+    std::shared_ptr<Gate> m_gate = std::make_shared<Gate>();
     // Faces recorded or dropped that no change has said yet (a job cut short leaves
     // them to the one that ends).
     std::shared_ptr<Unannounced> m_unannounced = std::make_shared<Unannounced>();

@@ -329,3 +329,80 @@ TEST(FontCatalog, ABrokenTooNewOrUnwritableDatabaseIsNeverInTheWay)
     EXPECT_TRUE(nowhere.query(FontQuery{.text = u"a"_s}).families.isEmpty());
     EXPECT_TRUE(nowhere.filesToRead({stampOf(QStringLiteral(MORVANE_TEST_FONTS "/Plain.ttf"))}).isEmpty());
 }
+
+namespace {
+
+// Every page but the first (the header, with the schema's root) overwritten, as a disk
+// or a crash leaves a file: it still opens, and what it holds reads as damaged.
+void damagePagesAfterTheFirst(const QString &path)
+{
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::ReadWrite));
+    ASSERT_GT(file.size(), 4096 * 2);
+    ASSERT_TRUE(file.seek(4096));
+    file.write(QByteArray(file.size() - 4096, '\xab'));
+}
+
+} // namespace
+
+// A statement that finds the file damaged (here the first question, loading the faces)
+// has it set aside with one line and started afresh; SQLite's words are logged, and the
+// next look at the files reads them all again.
+TEST(FontCatalog, DamageAnyStatementFindsIsSetAsideLoggedAndReadAgain)
+{
+    const QString path = testRoot() + u"/cache/catalogue.sqlite"_s;
+    const QList<FileStamp> files = installedFonts();
+    {
+        FontCatalog catalog(path);
+        for (const FileStamp &file : files)
+            catalog.record(file, FaceReader::read(file.path));
+        ASSERT_TRUE(catalog.filesToRead(files).isEmpty());
+    } // closed: the log folded into the file
+    ASSERT_FALSE(QFileInfo::exists(path + u"-wal"_s));
+    damagePagesAfterTheFirst(path);
+
+    CapturedLog log;
+    FontCatalog catalog(path); // the header is sound: it opens
+    EXPECT_FALSE(catalog.needsReading());
+    FontQueryAnswer answer;
+    const QString printed = capturedStdout([&] { answer = catalog.query(FontQuery{}); });
+    EXPECT_EQ(answer.faceCount(), 0) << "a half-read file answers nothing rather than part";
+    EXPECT_TRUE(printed.startsWith(u"The font catalogue at "_s + path + u" was set aside (database disk image is malformed)"_s))
+        << printed.toStdString();
+    EXPECT_EQ(printed.count(u'\n'), 1);
+    EXPECT_TRUE(log.text().contains(u"morvane.library: the font catalogue: database disk image is malformed"_s))
+        << log.text().toStdString();
+    EXPECT_EQ(QDir(testRoot() + u"/cache"_s).entryList({u"catalogue.sqlite.set-aside-*"_s}).size(), 1);
+
+    EXPECT_TRUE(catalog.needsReading());
+    EXPECT_EQ(catalog.filesToRead(files).size(), files.size()) << "every file read again";
+    EXPECT_FALSE(catalog.needsReading());
+    for (const FileStamp &file : files)
+        catalog.record(file, FaceReader::read(file.path));
+    EXPECT_GT(catalog.query(FontQuery{}).faceCount(), 20);
+    EXPECT_EQ(catalog.query(FontQuery{.requiredCharacters = u"Ő"_s}).faceCount(),
+              catalog.query(FontQuery{.requiredCharacters = u"ŐŐ Ő"_s}).faceCount());
+}
+
+// The integrity check finds damage no question has met yet; a sound file passes.
+TEST(FontCatalog, TheIntegrityCheckSetsADamagedFileAside)
+{
+    const QString path = testRoot() + u"/cache/catalogue.sqlite"_s;
+    const QList<FileStamp> files = installedFonts();
+    {
+        FontCatalog catalog(path);
+        for (const FileStamp &file : files)
+            catalog.record(file, FaceReader::read(file.path));
+        const QString printed = capturedStdout([&] { catalog.checkIntegrity(); });
+        EXPECT_TRUE(printed.isEmpty()) << printed.toStdString();
+        EXPECT_FALSE(catalog.needsReading());
+    }
+    damagePagesAfterTheFirst(path);
+    FontCatalog catalog(path);
+    const QString printed = capturedStdout([&] { catalog.checkIntegrity(); });
+    EXPECT_TRUE(printed.startsWith(u"The font catalogue at "_s + path + u" was set aside ("_s)) << printed.toStdString();
+    EXPECT_EQ(printed.count(u'\n'), 1) << "SQLite's report, however long, on one line";
+    EXPECT_TRUE(catalog.needsReading());
+    EXPECT_EQ(catalog.faceCount(), 0);
+    EXPECT_EQ(catalog.filesToRead(files).size(), files.size());
+}

@@ -260,3 +260,55 @@ TEST(Catalogue, ACacheFolderThatCantBeWrittenLeavesEverythingElseWorking)
     EXPECT_EQ(fixture.written().loadCollections().value(0).name, u"Kept"_s);
     QFile::setPermissions(cache, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
 }
+
+// A catalogue damaged on disk between two starts, three times over in three ways: each
+// start sets it aside with one line and lists every font again.
+TEST(Catalogue, ACatalogueDamagedBetweenStartsIsBuiltAgainAtTheNextStart)
+{
+    StoreFixture fixture;
+    const QString fonts = makeDir(fixture.library + u"/Fonts"_s);
+    for (const QString &name : {u"DejaVuSans.ttf"_s, u"DejaVuSansMono.ttf"_s, u"DejaVuSerif.ttf"_s})
+        ASSERT_TRUE(QFile::copy(u"/usr/share/fonts/truetype/dejavu/"_s + name, fonts + u'/' + name));
+    ASSERT_TRUE(QFile::copy(QStringLiteral(MORVANE_TEST_FONTS "/Pair.ttc"), fonts + u"/Pair.ttc"_s));
+    const auto start = [&] {
+        fixture.store = std::make_unique<AppState>(fixture.activation, fixture.persistence);
+        fixture.store->setCatalogueSettleTime(0);
+        fixture.addSource(fixture.library);
+        fixture.store->refreshFileSystem();
+        ASSERT_TRUE(QTest::qWaitFor([&] { return !fixture.store->isIndexing(); }, 20'000));
+        ASSERT_TRUE(fixture.store->waitForCatalogue(60'000));
+    };
+    start();
+    ASSERT_EQ(ask(*fixture.store, FontQuery{}).size(), 5);
+
+    const QString file = FontCatalog::defaultPath();
+    const struct
+    {
+        const char *what;
+        std::function<void(QFile &)> damage;
+    } cases[] = {
+        {"every page after the first overwritten",
+         [](QFile &db) {
+             db.seek(4096);
+             db.write(QByteArray(db.size() - 4096, '\xab'));
+         }},
+        {"the pages after the first zeroed",
+         [](QFile &db) {
+             db.seek(4096);
+             db.write(QByteArray(db.size() - 4096, '\0'));
+         }},
+        {"cut short", [](QFile &db) { db.resize(db.size() / 2); }},
+    };
+    for (const auto &c : cases) {
+        fixture.store.reset(); // the log folded into the file
+        QFile db(file);
+        ASSERT_TRUE(db.open(QIODevice::ReadWrite)) << c.what;
+        c.damage(db);
+        db.close();
+        const QString printed = capturedStdout([&] { start(); });
+        EXPECT_TRUE(printed.startsWith(u"The font catalogue at "_s + file + u" was set aside ("_s))
+            << c.what << ": " << printed.toStdString();
+        EXPECT_EQ(printed.count(u'\n'), 1) << c.what << ": " << printed.toStdString();
+        EXPECT_EQ(postScriptNames(ask(*fixture.store, FontQuery{})).size(), 5) << c.what;
+    }
+}
