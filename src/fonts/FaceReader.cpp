@@ -13,10 +13,10 @@
 #include <QDateTime>
 
 #include <fontconfig/fontconfig.h>
-#include <hb-ot.h>
-#include <hb.h>
 
 #include <algorithm>
+#include <array>
+#include <vector>
 #include <memory>
 
 using namespace Qt::StringLiterals;
@@ -30,11 +30,64 @@ constexpr FT_UInt kDesignerId = 9;
 constexpr FT_UInt kLicenceId = 13;
 constexpr FT_UInt kLicenceUrlId = 14;
 
+// A set of characters as 256-character pages, each a bitmap, in page order: what
+// fontconfig keeps, so a subset test is a few word operations per page.
+struct PageSet
+{
+    using Bits = std::array<quint32, 8>;
+    std::vector<quint32> numbers; // ascending
+    std::vector<Bits> pages;
+
+    const Bits *page(quint32 number) const
+    {
+        const auto at = std::lower_bound(numbers.cbegin(), numbers.cend(), number);
+        return at != numbers.cend() && *at == number ? &pages[size_t(at - numbers.cbegin())] : nullptr;
+    }
+    // Every character of `other` is here.
+    bool contains(const PageSet &other) const
+    {
+        for (size_t i = 0; i < other.numbers.size(); ++i) {
+            const Bits *mine = page(other.numbers[i]);
+            if (!mine)
+                return false;
+            for (size_t w = 0; w < 8; ++w) {
+                if (other.pages[i][w] & ~(*mine)[w])
+                    return false;
+            }
+        }
+        return true;
+    }
+};
+
+PageSet pageSetOf(const QList<QPair<char32_t, char32_t>> &ranges)
+{
+    PageSet set;
+    for (const auto &[first, last] : ranges) {
+        for (quint32 c = first; c <= last && c <= 0x10FFFF;) {
+            const quint32 number = c >> 8;
+            if (set.numbers.empty() || set.numbers.back() != number) {
+                set.numbers.push_back(number);
+                set.pages.push_back({});
+            }
+            PageSet::Bits &bits = set.pages.back();
+            const quint32 end = std::min<quint32>(last, (number << 8) | 0xFF);
+            for (; c <= end; ++c) // a whole word at a time where the range allows
+                if ((c & 31) == 0 && c + 31 <= end) {
+                    bits[(c & 0xFF) >> 5] = ~0u;
+                    c += 31;
+                } else {
+                    bits[(c & 0xFF) >> 5] |= 1u << (c & 31);
+                }
+        }
+    }
+    return set;
+}
+
 // fontconfig's orthographies, read once: the languages and the characters each needs.
 struct Orthography
 {
     QString language;
-    const FcCharSet *characters; // fontconfig's own, never freed
+    PageSet characters;
 };
 
 const QList<Orthography> &orthographies()
@@ -44,8 +97,20 @@ const QList<Orthography> &orthographies()
         FcStrSet *languages = FcGetLangs();
         FcStrList *each = FcStrListCreate(languages);
         while (const FcChar8 *language = FcStrListNext(each)) {
-            if (const FcCharSet *characters = FcLangGetCharSet(language))
-                list.append({QString::fromUtf8(reinterpret_cast<const char *>(language)), characters});
+            const FcCharSet *characters = FcLangGetCharSet(language);
+            if (!characters)
+                continue;
+            Orthography orthography{QString::fromUtf8(reinterpret_cast<const char *>(language)), {}};
+            FcChar32 map[FC_CHARSET_MAP_SIZE];
+            FcChar32 next = 0;
+            for (FcChar32 base = FcCharSetFirstPage(characters, map, &next); base != FC_CHARSET_DONE;
+                 base = FcCharSetNextPage(characters, map, &next)) {
+                PageSet::Bits bits{};
+                std::copy(std::begin(map), std::end(map), bits.begin());
+                orthography.characters.numbers.push_back(base >> 8);
+                orthography.characters.pages.push_back(bits);
+            }
+            list.append(std::move(orthography));
         }
         FcStrListDone(each);
         FcStrSetDestroy(languages);
@@ -70,36 +135,24 @@ bool isExclusive(const QString &language)
                        [&](const Exclusive &e) { return language == QLatin1StringView(e.language); });
 }
 
-// How many 256-character pages a set spans. fontconfig keeps the CJK languages whose
-// orthography spans as many pages as the one the font names (its comparison of the
-// pages themselves never takes effect), so a Japanese font is Traditional Chinese too:
-// done the same here, or a question would answer otherwise than fc-list.
-int pageCount(const FcCharSet *set)
-{
-    FcChar32 map[FC_CHARSET_MAP_SIZE];
-    FcChar32 next = 0;
-    int count = 0;
-    for (FcChar32 base = FcCharSetFirstPage(set, map, &next); base != FC_CHARSET_DONE;
-         base = FcCharSetNextPage(set, map, &next))
-        ++count;
-    return count;
-}
-
 QStringList languagesOf(const QList<QPair<char32_t, char32_t>> &ranges, const QString &exclusiveLanguage)
 {
-    std::unique_ptr<FcCharSet, decltype(&FcCharSetDestroy)> face(FcCharSetCreate(), FcCharSetDestroy);
-    for (const auto &[first, last] : ranges) {
-        for (char32_t c = first; c <= last && c <= 0x10FFFF; ++c)
-            FcCharSetAddChar(face.get(), c);
+    const PageSet face = pageSetOf(ranges);
+    // fontconfig keeps the CJK languages whose orthography spans as many pages as the one
+    // the font names (its comparison of the pages themselves never takes effect), so a
+    // Japanese font is Traditional Chinese too: done the same here, or a question would
+    // answer otherwise than fc-list.
+    qsizetype exclusivePages = -1;
+    for (const Orthography &orthography : orthographies()) {
+        if (orthography.language == exclusiveLanguage)
+            exclusivePages = qsizetype(orthography.characters.numbers.size());
     }
-    const FcCharSet *exclusive = exclusiveLanguage.isEmpty()
-        ? nullptr
-        : FcLangGetCharSet(reinterpret_cast<const FcChar8 *>(exclusiveLanguage.toUtf8().constData()));
     QStringList covered;
     for (const Orthography &orthography : orthographies()) {
-        if (exclusive && isExclusive(orthography.language) && pageCount(orthography.characters) != pageCount(exclusive))
+        if (exclusivePages >= 0 && isExclusive(orthography.language)
+            && qsizetype(orthography.characters.numbers.size()) != exclusivePages)
             continue;
-        if (FcCharSetSubtractCount(orthography.characters, face.get()) == 0)
+        if (face.contains(orthography.characters))
             covered.append(orthography.language);
     }
     return covered;
@@ -154,7 +207,8 @@ CharacterMap characterMapOf(FT_Face face)
         }
         measuring = false;
     }
-    std::sort(points.begin(), points.end());
+    if (!std::is_sorted(points.begin(), points.end())) // a symbol map's Latin-1 copies
+        std::sort(points.begin(), points.end());
     points.erase(std::unique(points.begin(), points.end()), points.end());
     for (const char32_t point : points) {
         if (!map.codePoints.isEmpty() && map.codePoints.last().second + 1 == point)
@@ -200,17 +254,38 @@ FaceRecord::Classification classify(const QByteArray &os2, bool monospaced)
     return monospaced ? C::Monospace : C::Unknown;
 }
 
-QStringList scriptsOf(hb_face_t *face)
+// The script tags of GSUB's and GPOS's script lists, read straight from the few bytes
+// that hold them: nothing else of either table is needed, however long it is.
+QStringList scriptsOf(FT_Face face)
 {
     QStringList scripts;
-    for (const hb_tag_t table : {HB_OT_TAG_GSUB, HB_OT_TAG_GPOS}) {
-        unsigned count = hb_ot_layout_table_get_script_tags(face, table, 0, nullptr, nullptr);
-        QList<hb_tag_t> tags(count);
-        hb_ot_layout_table_get_script_tags(face, table, 0, &count, tags.data());
-        for (const hb_tag_t tag : std::as_const(tags)) {
-            char text[5] = {};
-            hb_tag_to_string(tag, text);
-            const QString name = QString::fromLatin1(text).trimmed();
+    for (const FT_ULong table : {TTAG_GSUB, TTAG_GPOS}) {
+        FT_ULong length = 0;
+        if (FT_Load_Sfnt_Table(face, table, 0, nullptr, &length) != 0)
+            continue;
+        const auto bytesAt = [&](FT_ULong offset, FT_ULong size) {
+            QByteArray bytes;
+            if (size == 0 || offset + size > length)
+                return bytes;
+            bytes.resize(qsizetype(size));
+            FT_ULong read = size;
+            if (FT_Load_Sfnt_Table(face, table, offset, reinterpret_cast<FT_Byte *>(bytes.data()), &read) != 0)
+                bytes.clear();
+            return bytes;
+        };
+        const QByteArray header = bytesAt(0, 6);
+        if (header.size() < 6 || read16(header, 0) != 1)
+            continue; // a version this reader doesn't know, as HarfBuzz would skip it
+        const FT_ULong list = read16(header, 4);
+        const QByteArray count = list ? bytesAt(list, 2) : QByteArray();
+        if (count.size() < 2)
+            continue;
+        const quint16 records = read16(count, 0);
+        const QByteArray tags = bytesAt(list + 2, 6ul * records);
+        if (tags.size() < 6 * qsizetype(records))
+            continue; // runs past the table: no list at all
+        for (quint16 i = 0; i < records; ++i) {
+            const QString name = QString::fromLatin1(tags.constData() + 6 * i, 4).trimmed();
             if (!scripts.contains(name))
                 scripts.append(name);
         }
@@ -240,7 +315,7 @@ QStringList namedInstancesOf(FT_Face face)
     return names;
 }
 
-FaceRecord recordOf(FT_Face face, hb_face_t *shaping)
+FaceRecord recordOf(FT_Face face)
 {
     FaceRecord r;
     const FaceNames names = namesOf(face);
@@ -255,7 +330,7 @@ FaceRecord recordOf(FT_Face face, hb_face_t *shaping)
     r.licenceUrl = FreeType::sfntName(face, kLicenceUrlId);
 
     const QByteArray os2 = sfntTable(face, TTAG_OS2);
-    const QByteArray post = sfntTable(face, TTAG_post);
+    const QByteArray post = sfntTableHead(face, TTAG_post, 16); // its glyph names can run long
     const CharacterMap characters = characterMapOf(face);
     r.monospaced = (post.size() >= 16 && read32(post, 12) != 0) || FT_IS_FIXED_WIDTH(face) || characters.advancesAlike;
     if (os2.size() >= 64) {
@@ -271,11 +346,11 @@ FaceRecord recordOf(FT_Face face, hb_face_t *shaping)
     }
     r.classification = classify(os2, r.monospaced);
 
-    if (!sfntTable(face, TTAG_CFF2).isEmpty())
+    if (hasTable(face, TTAG_CFF2))
         r.outline = FaceRecord::Outline::Cff2;
-    else if (!sfntTable(face, TTAG_CFF).isEmpty())
+    else if (hasTable(face, TTAG_CFF))
         r.outline = FaceRecord::Outline::Cff;
-    else if (!sfntTable(face, TTAG_glyf).isEmpty())
+    else if (hasTable(face, TTAG_glyf))
         r.outline = FaceRecord::Outline::TrueType;
     else if (FT_IS_SFNT(face) || FT_HAS_FIXED_SIZES(face))
         r.outline = FaceRecord::Outline::BitmapOnly;
@@ -289,7 +364,7 @@ FaceRecord recordOf(FT_Face face, hb_face_t *shaping)
     } colours[] = {{FT_MAKE_TAG('C', 'O', 'L', 'R'), "COLR"}, {FT_MAKE_TAG('S', 'V', 'G', ' '), "SVG"},
                    {FT_MAKE_TAG('s', 'b', 'i', 'x'), "sbix"}, {FT_MAKE_TAG('C', 'B', 'D', 'T'), "CBDT"}};
     for (const auto &colour : colours) {
-        if (!sfntTable(face, colour.tag).isEmpty())
+        if (hasTable(face, colour.tag))
             r.colourFormats.append(QString::fromLatin1(colour.name));
     }
     r.glyphCount = glyphCountOf(face);
@@ -309,7 +384,7 @@ FaceRecord recordOf(FT_Face face, hb_face_t *shaping)
         }
     }
     r.languages = languagesOf(r.codePoints, exclusive);
-    r.scripts = scriptsOf(shaping);
+    r.scripts = scriptsOf(face);
     return r;
 }
 
@@ -346,23 +421,18 @@ QList<FaceRecord> read(const QString &path)
         for (FT_Long index = 0; index < std::max<FT_Long>(1, probe.face->num_faces); ++index)
             indices.append(int(index));
     }
-    hb_blob_t *blob = hb_blob_create_or_fail(reinterpret_cast<const char *>(file->data()),
-                                             static_cast<unsigned>(file->size()), HB_MEMORY_MODE_READONLY, nullptr, nullptr);
     const QFileInfo info(path);
     for (const int index : std::as_const(indices)) {
         FaceHolder holder;
         if (FT_New_Memory_Face(library, file->data(), static_cast<FT_Long>(file->size()), index, &holder.face) != 0)
             continue;
-        hb_face_t *shaping = hb_face_create(blob, static_cast<unsigned>(index));
-        FaceRecord record = recordOf(holder.face, shaping);
-        hb_face_destroy(shaping);
+        FaceRecord record = recordOf(holder.face);
         record.path = path;
         record.faceIndex = static_cast<int>(index);
         record.size = file->size();
         record.modified = info.lastModified().toSecsSinceEpoch();
         records.append(std::move(record));
     }
-    hb_blob_destroy(blob);
     return records;
 }
 

@@ -9,6 +9,8 @@
 
 #include <QtEndian>
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -75,6 +77,24 @@ QByteArray sfntTable(FT_Face face, FT_ULong tag)
     if (FT_Load_Sfnt_Table(face, tag, 0, reinterpret_cast<FT_Byte *>(table.data()), &length) != 0)
         return {};
     return table;
+}
+
+QByteArray sfntTableHead(FT_Face face, FT_ULong tag, FT_ULong length)
+{
+    FT_ULong whole = 0;
+    if (FT_Load_Sfnt_Table(face, tag, 0, nullptr, &whole) != 0 || whole == 0)
+        return {};
+    length = std::min(length, whole);
+    QByteArray head(static_cast<qsizetype>(length), Qt::Uninitialized);
+    if (FT_Load_Sfnt_Table(face, tag, 0, reinterpret_cast<FT_Byte *>(head.data()), &length) != 0)
+        return {};
+    return head;
+}
+
+bool hasTable(FT_Face face, FT_ULong tag)
+{
+    FT_ULong length = 0;
+    return FT_Load_Sfnt_Table(face, tag, 0, nullptr, &length) == 0 && length > 0;
 }
 
 quint16 read16(const QByteArray &table, qsizetype offset)

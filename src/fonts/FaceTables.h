@@ -37,6 +37,12 @@ QString firstName(FT_Face face, std::initializer_list<FT_UInt> ids, const char *
 QString fullNameOf(FT_Face face);
 // One of the face's tables, whole; empty when it has none.
 QByteArray sfntTable(FT_Face face, FT_ULong tag);
+// Its first `length` bytes at most: a field near the start of a big table (post's
+// fixed-pitch flag) without copying the rest.
+QByteArray sfntTableHead(FT_Face face, FT_ULong tag, FT_ULong length);
+// Whether the face has the table, not empty, without reading it (glyf and CFF run to
+// megabytes).
+bool hasTable(FT_Face face, FT_ULong tag);
 quint16 read16(const QByteArray &table, qsizetype offset);
 quint32 read32(const QByteArray &table, qsizetype offset);
 // maxp's count: FreeType's own may be one short when a font's loca table is.

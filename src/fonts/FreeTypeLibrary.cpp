@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "FreeTypeLibrary.h"
 
+#include <algorithm>
+
 #include FT_SFNT_NAMES_H
 #include FT_TRUETYPE_IDS_H
 
@@ -138,9 +140,12 @@ int languageRank(const FT_SfntName &name)
 }
 
 // Control characters (one style read "\x7f") are no part of a name.
+// Unicode's control characters are exactly these two ranges: no property lookup.
 QString withoutControls(QString text)
 {
-    text.removeIf([](QChar c) { return c.category() == QChar::Other_Control; });
+    const auto isControl = [](QChar c) { return c.unicode() <= 0x1F || (c.unicode() >= 0x7F && c.unicode() <= 0x9F); };
+    if (std::any_of(text.cbegin(), text.cend(), isControl))
+        text.removeIf(isControl);
     return text;
 }
 
@@ -165,9 +170,12 @@ QString sfntName(FT_Face face, FT_UInt nameId)
         if (best && best->first <= rank)
             continue;
         std::optional<QString> text = decode(name);
-        if (!text || withoutControls(*text).isEmpty())
+        if (!text)
             continue;
-        best = std::pair(rank, withoutControls(*text));
+        QString clean = withoutControls(std::move(*text));
+        if (clean.isEmpty())
+            continue;
+        best = std::pair(rank, std::move(clean));
     }
     return best ? best->second : QString();
 }

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The catalogue's face reader against references nobody here wrote: fontconfig's own
-// fc-scan for the languages, fontTools for the names, on the packaged fonts the README
+// fc-scan for the languages, characters and spacing, fontTools for the names and scripts, on the packaged fonts the README
 // installs and the generated test fonts, every face of every file.
 #include "TestSupport.h"
 
@@ -90,7 +90,7 @@ TEST(FaceReader, LanguagesAreFontconfigsAnswerForEveryFace)
     EXPECT_EQ(faces, expected.size()) << "every face fontconfig sees, and no other";
 }
 
-TEST(FaceReader, NamesAreFontToolsNames)
+TEST(FaceReader, NamesAndScriptsAreFontToolsOwn)
 {
     const QString script = uR"(
 import sys
@@ -110,14 +110,19 @@ for path in sys.argv[1:]:
                 if value:
                     return value
             return ''
-        print('|'.join([path, str(index), get(16, 1), get(17, 2) or 'Regular', get(4), get(6)]))
+        scripts = set()
+        for table in ('GSUB', 'GPOS'):
+            if table in font and font[table].table.ScriptList:
+                scripts.update(record.ScriptTag.strip() for record in font[table].table.ScriptList.ScriptRecord)
+        print('|'.join([path, str(index), get(16, 1), get(17, 2) or 'Regular', get(4), get(6), ' '.join(sorted(scripts))]))
 )"_s;
     const QStringList files = fontFiles();
     int compared = 0;
     QHash<QString, QStringList> ours;
     for (const QString &file : files) {
         for (const FaceRecord &face : FaceReader::read(file))
-            ours.insert(key(file, face.faceIndex), {face.family, face.style, face.fullName, face.postScriptName});
+            ours.insert(key(file, face.faceIndex),
+                        {face.family, face.style, face.fullName, face.postScriptName, face.scripts.join(u' ')});
     }
     for (const QString &line : run(QStringLiteral(MORVANE_PYTHON), QStringList{u"-c"_s, script} + files)
                                    .split(u'\n', Qt::SkipEmptyParts)) {

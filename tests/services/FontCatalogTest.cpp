@@ -85,6 +85,13 @@ TEST(FontCatalog, EachFilterAloneAndCombinedAnswersAsTheFacesDo)
         {"punctuation beside a word", FontQuery{.text = u"dej - & * –"_s},
          [&](const FaceRecord &f) { return lower(f.family).startsWith(u"dejavu"_s); }},
         {"punctuation alone", FontQuery{.text = u"- * ."_s}, [](const FaceRecord &) { return true; }},
+        // Quotes, balanced or not, are no syntax: an unbalanced one quotes to the end.
+        {"an unbalanced quote", FontQuery{.text = u"\"dejavu sans mo"_s},
+         [&](const FaceRecord &f) { return lower(f.family).startsWith(u"dejavu sans mono"_s); }},
+        {"a quoted phrase and a word", FontQuery{.text = u"\"dejavu serif\" cond"_s},
+         [&](const FaceRecord &f) { return lower(f.fullName).startsWith(u"dejavu serif condensed"_s); }},
+        {"a quote alone", FontQuery{.text = u"dej \""_s},
+         [&](const FaceRecord &f) { return lower(f.family).startsWith(u"dejavu"_s); }},
         {"a word joined by punctuation", FontQuery{.text = u"sans-mono"_s},
          [&](const FaceRecord &f) { return lower(f.family).contains(u"sans mono"_s); }},
         {"any letter case, any accents", FontQuery{.text = u"SÉRIF"_s},

@@ -137,6 +137,16 @@ def drawing_fonts(out):
                                            "feature ss02 { sub i by f; } ss02;\n")
     fb.save(os.path.join(out, "Ligature.ttf"))
 
+    # Scripts only GPOS names (Greek, Cyrillic) beside one only GSUB names (Latin).
+    fb = drawing_font({"familyName": "Scripts Test", "styleName": "Regular", "psName": "ScriptsTest"},
+                      {"f": outline([(100, 0), (100, 700), (200, 700), (200, 0)]),
+                       "i": outline([(300, 0), (300, 500), (400, 500), (400, 0)]), "space": None},
+                      {ord("f"): "f", ord("i"): "i", 0x20: "space"})
+    addOpenTypeFeaturesFromString(fb.font, "languagesystem latn dflt;\n"
+                                           "feature liga { script latn; sub f i by f; } liga;\n"
+                                           "feature kern { script grek; pos f i -20; script cyrl; pos i f -20; } kern;\n")
+    fb.save(os.path.join(out, "Scripts.ttf"))
+
     # "A" only as a red PNG in one 64-pixel strike: no outline to draw.
     from fontTools.ttLib.tables.sbixGlyph import Glyph as SbixGlyph
     from fontTools.ttLib.tables.sbixStrike import Strike
