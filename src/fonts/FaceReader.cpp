@@ -294,7 +294,7 @@ QStringList scriptsOf(FT_Face face)
     return scripts;
 }
 
-QStringList namedInstancesOf(FT_Face face)
+QStringList namedInstancesOf(FT_Face face, const FreeType::NameTable &table)
 {
     QStringList names;
     const QByteArray fvar = sfntTable(face, TTAG_fvar);
@@ -308,7 +308,7 @@ QStringList namedInstancesOf(FT_Face face)
         const qsizetype record = start + qsizetype(i) * instanceSize;
         if (record + 2 > fvar.size())
             break;
-        const QString name = FreeType::sfntName(face, read16(fvar, record));
+        const QString name = table.name(read16(fvar, record));
         if (!name.isEmpty())
             names.append(name);
     }
@@ -318,16 +318,17 @@ QStringList namedInstancesOf(FT_Face face)
 FaceRecord recordOf(FT_Face face)
 {
     FaceRecord r;
-    const FaceNames names = namesOf(face);
+    const FreeType::NameTable table(face);
+    const FaceNames names = namesOf(face, table);
     r.family = names.family;
     r.style = names.style;
     r.fullName = names.fullName;
     r.postScriptName = names.postScriptName;
-    r.foundry = FreeType::sfntName(face, kManufacturerId);
-    r.designer = FreeType::sfntName(face, kDesignerId);
-    r.version = FreeType::sfntName(face, kVersionId);
-    r.licence = FreeType::sfntName(face, kLicenceId);
-    r.licenceUrl = FreeType::sfntName(face, kLicenceUrlId);
+    r.foundry = table.name(kManufacturerId);
+    r.designer = table.name(kDesignerId);
+    r.version = table.name(kVersionId);
+    r.licence = table.name(kLicenceId);
+    r.licenceUrl = table.name(kLicenceUrlId);
 
     const QByteArray os2 = sfntTable(face, TTAG_OS2);
     const QByteArray post = sfntTableHead(face, TTAG_post, 16); // its glyph names can run long
@@ -356,7 +357,7 @@ FaceRecord recordOf(FT_Face face)
         r.outline = FaceRecord::Outline::BitmapOnly;
     for (const VariationAxis &axis : axesOf(face))
         r.axes.append(axis.tag);
-    r.namedInstances = namedInstancesOf(face);
+    r.namedInstances = namedInstancesOf(face, table);
     const struct
     {
         FT_ULong tag;
@@ -414,14 +415,17 @@ QList<FaceRecord> read(const QString &path)
     // A collection's faces are those its file really holds; any other file's, FreeType's count.
     const std::optional<QList<int>> collection = FontFiles::collectionFaces(file->bytes());
     QList<int> indices = collection.value_or(QList<int>());
-    if (!collection) {
+    const QByteArrayView head = file->bytes().first(std::min<qsizetype>(4, file->size()));
+    const bool singleSfnt = head == QByteArrayView("\0\1\0\0", 4) || head == "OTTO" || head == "true";
+    if (!collection && singleSfnt) {
+        indices.append(0); // one face: no need to ask FreeType to count them
+    } else if (!collection) {
         FaceHolder probe;
         if (FT_New_Memory_Face(library, file->data(), static_cast<FT_Long>(file->size()), -1, &probe.face) != 0)
             return records;
         for (FT_Long index = 0; index < std::max<FT_Long>(1, probe.face->num_faces); ++index)
             indices.append(int(index));
     }
-    const QFileInfo info(path);
     for (const int index : std::as_const(indices)) {
         FaceHolder holder;
         if (FT_New_Memory_Face(library, file->data(), static_cast<FT_Long>(file->size()), index, &holder.face) != 0)
@@ -430,7 +434,7 @@ QList<FaceRecord> read(const QString &path)
         record.path = path;
         record.faceIndex = static_cast<int>(index);
         record.size = file->size();
-        record.modified = info.lastModified().toSecsSinceEpoch();
+        record.modified = file->modifiedSeconds();
         records.append(std::move(record));
     }
     return records;

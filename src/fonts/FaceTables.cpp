@@ -28,19 +28,26 @@ namespace FaceTables {
 
 FaceNames namesOf(FT_Face face)
 {
+    return namesOf(face, FreeType::NameTable(face));
+}
+
+FaceNames namesOf(FT_Face face, const FreeType::NameTable &table)
+{
     FaceNames names;
-    names.postScriptName = firstName(face, {kPostScriptNameId}, FT_IS_SFNT(face) ? nullptr : FT_Get_Postscript_Name(face));
-    names.family = firstName(face, {kTypographicFamilyId, kFamilyId}, face->family_name);
-    names.style = firstName(face, {kTypographicStyleId, kStyleId}, face->style_name);
+    names.postScriptName =
+        firstName(face, table, {kPostScriptNameId}, FT_IS_SFNT(face) ? nullptr : FT_Get_Postscript_Name(face));
+    names.family = firstName(face, table, {kTypographicFamilyId, kFamilyId}, face->family_name);
+    names.style = firstName(face, table, {kTypographicStyleId, kStyleId}, face->style_name);
     if (names.style.isEmpty())
         names.style = u"Regular"_s;
-    names.fullName = fullNameOf(face);
+    names.fullName = fullNameOf(face, table);
     return names;
 }
 
 // The first of the name ids the name table has. A font without a name table (not
 // an sfnt) has only what FreeType read from its own format.
-QString firstName(FT_Face face, std::initializer_list<FT_UInt> ids, const char *fallback)
+QString firstName(FT_Face face, const FreeType::NameTable &table, std::initializer_list<FT_UInt> ids,
+                  const char *fallback)
 {
     if (!FT_IS_SFNT(face)) {
         QString name = fallback ? QString::fromUtf8(fallback) : QString();
@@ -48,7 +55,7 @@ QString firstName(FT_Face face, std::initializer_list<FT_UInt> ids, const char *
         return name;
     }
     for (const FT_UInt id : ids) {
-        QString name = FreeType::sfntName(face, id);
+        QString name = table.name(id);
         if (!name.isEmpty())
             return name;
     }
@@ -56,9 +63,9 @@ QString firstName(FT_Face face, std::initializer_list<FT_UInt> ids, const char *
 }
 
 // What the name table says; a Type 1 font has none and says it in its font info.
-QString fullNameOf(FT_Face face)
+QString fullNameOf(FT_Face face, const FreeType::NameTable &table)
 {
-    QString name = FreeType::sfntName(face, kFullNameId);
+    QString name = table.name(kFullNameId);
     if (!name.isEmpty())
         return name;
     PS_FontInfoRec info{};

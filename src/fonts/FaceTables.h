@@ -2,6 +2,7 @@
 #pragma once
 
 #include "FontMetadata.h"
+#include "FreeTypeLibrary.h"
 
 #include <QByteArray>
 #include <QList>
@@ -29,12 +30,14 @@ struct FaceNames
     QString postScriptName;
 };
 FaceNames namesOf(FT_Face face);
+FaceNames namesOf(FT_Face face, const FreeType::NameTable &table);
 
 // The first of the name ids the name table has. A font without a name table (not an
 // sfnt) has only what FreeType read from its own format.
-QString firstName(FT_Face face, std::initializer_list<FT_UInt> ids, const char *fallback);
+QString firstName(FT_Face face, const FreeType::NameTable &table, std::initializer_list<FT_UInt> ids,
+                  const char *fallback);
 // What the name table says; a Type 1 font has none and says it in its font info.
-QString fullNameOf(FT_Face face);
+QString fullNameOf(FT_Face face, const FreeType::NameTable &table);
 // One of the face's tables, whole; empty when it has none.
 QByteArray sfntTable(FT_Face face, FT_ULong tag);
 // Its first `length` bytes at most: a field near the start of a big table (post's

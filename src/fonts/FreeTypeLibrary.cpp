@@ -42,20 +42,20 @@ constexpr std::array<char16_t, 128> kMacRoman{
 
 QString decodeUtf16BigEndian(const FT_SfntName &name)
 {
-    QString text;
-    text.reserve(name.string_len / 2);
+    QString text(qsizetype(name.string_len / 2), Qt::Uninitialized);
+    char16_t *out = reinterpret_cast<char16_t *>(text.data());
     for (FT_UInt i = 0; i + 1 < name.string_len; i += 2)
-        text.append(QChar(static_cast<char16_t>((name.string[i] << 8) | name.string[i + 1])));
+        *out++ = static_cast<char16_t>((name.string[i] << 8) | name.string[i + 1]);
     return text;
 }
 
 QString decodeMacRoman(const FT_SfntName &name)
 {
-    QString text;
-    text.reserve(name.string_len);
+    QString text(qsizetype(name.string_len), Qt::Uninitialized);
+    char16_t *out = reinterpret_cast<char16_t *>(text.data());
     for (FT_UInt i = 0; i < name.string_len; ++i) {
         const FT_Byte byte = name.string[i];
-        text.append(QChar(byte < 0x80 ? static_cast<char16_t>(byte) : kMacRoman[byte - 0x80]));
+        *out++ = byte < 0x80 ? static_cast<char16_t>(byte) : kMacRoman[byte - 0x80];
     }
     return text;
 }
@@ -159,7 +159,7 @@ FT_Library threadLibrary()
 
 QString sfntName(FT_Face face, FT_UInt nameId)
 {
-    // Within a language rank, a record in Unicode goes before one in a legacy encoding.
+    // One walk, no sorting: the best-ranked record that decodes to something.
     std::optional<std::pair<int, QString>> best;
     const FT_UInt count = FT_Get_Sfnt_Name_Count(face);
     for (FT_UInt i = 0; i < count; ++i) {
@@ -173,11 +173,45 @@ QString sfntName(FT_Face face, FT_UInt nameId)
         if (!text)
             continue;
         QString clean = withoutControls(std::move(*text));
-        if (clean.isEmpty())
-            continue;
-        best = std::pair(rank, std::move(clean));
+        if (!clean.isEmpty())
+            best = std::pair(rank, std::move(clean));
     }
     return best ? best->second : QString();
+}
+
+NameTable::NameTable(FT_Face face)
+    : m_face(face)
+{
+    const FT_UInt count = FT_Get_Sfnt_Name_Count(face);
+    m_records.reserve(count);
+    for (FT_UInt i = 0; i < count; ++i) {
+        FT_SfntName name{};
+        if (FT_Get_Sfnt_Name(face, i, &name) != 0)
+            continue;
+        // Within a language rank, a record in Unicode goes before one in a legacy encoding.
+        m_records.push_back({name.name_id, languageRank(name) * 2 + (isUnicode(name) ? 0 : 1), i});
+    }
+    std::stable_sort(m_records.begin(), m_records.end(), [](const Record &a, const Record &b) {
+        return a.nameId != b.nameId ? a.nameId < b.nameId : a.rank < b.rank;
+    });
+}
+
+QString NameTable::name(FT_UInt nameId) const
+{
+    auto at = std::lower_bound(m_records.cbegin(), m_records.cend(), nameId,
+                               [](const Record &r, FT_UInt id) { return r.nameId < id; });
+    for (; at != m_records.cend() && at->nameId == nameId; ++at) {
+        FT_SfntName name{};
+        if (FT_Get_Sfnt_Name(m_face, at->index, &name) != 0)
+            continue;
+        std::optional<QString> text = decode(name);
+        if (!text)
+            continue;
+        QString clean = withoutControls(std::move(*text));
+        if (!clean.isEmpty())
+            return clean;
+    }
+    return {};
 }
 
 } // namespace FreeType

@@ -24,6 +24,7 @@ public:
     const unsigned char *data() const { return m_data; }
     qint64 size() const { return m_size; }
     QByteArrayView bytes() const { return {m_data, m_size}; }
+    qint64 modifiedSeconds() const { return m_modifiedSeconds; } // as it was mapped
 
     // Whether the file is still as it was mapped. A file truncated in place (a sync
     // client, an interrupted copy) makes any read past its new end a SIGBUS, inside
