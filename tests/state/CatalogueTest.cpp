@@ -161,7 +161,7 @@ TEST(Catalogue, ItReadsAtALowerNiceValueNeverAtIdlePriority)
         const QList<QByteArray> fields = stat.mid(stat.lastIndexOf(')') + 2).split(' ');
         ASSERT_GT(fields.size(), 38);
         EXPECT_NE(fields.at(38).toInt(), 5) << "thread " << thread.toStdString() << " runs at SCHED_IDLE";
-        niced += fields.at(16).toInt() == 10;
+        niced += fields.at(16).toInt() > 0;
     }
     EXPECT_GT(niced, 0) << "no thread read at a lowered priority";
 }
