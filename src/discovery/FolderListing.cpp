@@ -138,18 +138,25 @@ FolderListing FolderListing::read(const QString &path)
         const size_t length = std::strlen(entry->d_name);
         bool isFolder = entry->d_type == DT_DIR;
         bool isLink = entry->d_type == DT_LNK;
+        // A FIFO, socket or device is never a font, whatever its name: reading one may
+        // wait for ever.
+        bool isSpecial = entry->d_type == DT_FIFO || entry->d_type == DT_SOCK || entry->d_type == DT_CHR
+                         || entry->d_type == DT_BLK;
         if (entry->d_type == DT_UNKNOWN) {
             struct stat info{};
             const bool known = ::fstatat(fd, entry->d_name, &info, AT_SYMLINK_NOFOLLOW) == 0;
             isFolder = known && S_ISDIR(info.st_mode);
             isLink = known && S_ISLNK(info.st_mode);
+            isSpecial = known && !isFolder && !isLink && !S_ISREG(info.st_mode);
         }
-        if (!isFolder && !isFontFileName(entry->d_name, length))
+        if (isSpecial || (!isFolder && !isFontFileName(entry->d_name, length)))
             continue;
         if (isLink) {
             struct stat target{};
-            if (::fstatat(fd, entry->d_name, &target, 0) == 0 && S_ISDIR(target.st_mode))
-                continue; // a folder in a font's name: no row that can never be activated
+            // A folder in a font's name: no row that can never be activated. A dangling
+            // link stays (its drive may come back); one to a FIFO or a device goes.
+            if (::fstatat(fd, entry->d_name, &target, 0) == 0 && !S_ISREG(target.st_mode))
+                continue;
         }
         listing.entries.push_back({static_cast<quint32>(listing.names.size()), static_cast<quint32>(length), isFolder});
         listing.names.append(entry->d_name, length);

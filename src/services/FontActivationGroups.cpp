@@ -156,7 +156,16 @@ void FontActivationService::prepareActivation(const QList<QStringList> &fontsByF
             if (stop())
                 return;
             const QString id = groupId(folder, start / kGroupSize);
-            const QStringList members = fonts.mid(start, kGroupSize);
+            QStringList members = fonts.mid(start, kGroupSize);
+            // Only regular files: fontconfig opens each without O_NONBLOCK, and a FIFO
+            // (or a device) in a font's name would hold it, and this job, for good. Such
+            // a file is left to its own activation, which turns it down with a reason.
+            members.removeIf([](const QString &font) {
+                struct stat info{};
+                return ::stat(encoded(font).constData(), &info) != 0 || !S_ISREG(info.st_mode);
+            });
+            if (members.isEmpty())
+                continue;
             wanted.insert(id);
             {
                 const QMutexLocker lock(&m_mutex);

@@ -111,6 +111,10 @@ TEST_F(ScanTest, SymbolicLinksAreJudgedByNameAndNeverDescended)
     makeSymlink(root + u"/dir_link.ttf"_s, root + u"/link_to_link.otf"_s);
     makeSymlink(root + u"/self_a.ttf"_s, root + u"/self_b.ttf"_s); // a loop: dangling, judged by name
     makeSymlink(root + u"/self_b.ttf"_s, root + u"/self_a.ttf"_s);
+    // A FIFO is never a font, under its own name or a link's: reading one waits for ever.
+    ASSERT_EQ(::mkfifo(QFile::encodeName(root + u"/pipe.ttf"_s).constData(), 0600), 0);
+    makeSymlink(root + u"/pipe.ttf"_s, root + u"/to_pipe.otf"_s);
+    makeSymlink(u"/dev/null"_s, root + u"/device.ttf"_s);
 
     FileSystemService service;
     service.deepScan(root);

@@ -12,6 +12,10 @@
 #include <QCryptographicHash>
 #include <QProcess>
 #include <QStandardPaths>
+#include <QTest>
+#include <QtConcurrent/QtConcurrentRun>
+
+#include <sys/stat.h>
 
 #include <gtest/gtest.h>
 
@@ -238,4 +242,32 @@ TEST_F(Groups, CacheLocksAKillLeftOnGroupsGoAtTheNextStart)
         EXPECT_FALSE(QFileInfo::exists(file)) << file.toStdString();
     EXPECT_TRUE(QFileInfo::exists(foreign));
     EXPECT_EQ(fontsListedByFontconfig(next.linkFolder()), QSet<QString>(fonts.cbegin(), fonts.cbegin() + G));
+}
+
+// A FIFO in a font's name among a folder's fonts (made after the scan saw a font there):
+// making the folder ready never opens it, so it never waits for a writer; the folder
+// goes in without it, and it is turned down on its own with a reason.
+TEST_F(Groups, AFifoAmongTheFontsNeverHoldsTheFolderUp)
+{
+    const QString pipe = folder + u"/Font 999.ttf"_s;
+    ASSERT_EQ(::mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
+    QStringList withPipe = fonts;
+    withPipe.append(pipe);
+    FontActivationService service;
+    auto prepared = QtConcurrent::run([&] { service.prepareActivation({withPipe}, never); });
+    const bool returned = QTest::qWaitFor([&] { return prepared.isFinished(); }, 30'000);
+    if (!returned) { // held in open(): a writer lets it go, so the test can end
+        QFile writer(pipe);
+        writer.open(QIODevice::WriteOnly);
+        prepared.waitForFinished();
+    }
+    ASSERT_TRUE(returned) << "making the folder ready waited on the FIFO";
+    EXPECT_EQ(service.readyFonts(), fonts.size());
+
+    service.beginBatch();
+    const QList<bool> results = service.activateFonts(withPipe);
+    service.finishBatch();
+    EXPECT_EQ(results.count(true), fonts.size());
+    EXPECT_FALSE(results.constLast()) << "the FIFO is no font";
+    EXPECT_EQ(fontsListedByFontconfig(service.linkFolder()), all());
 }
