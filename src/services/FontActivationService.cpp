@@ -31,6 +31,9 @@ using namespace Qt::StringLiterals;
 namespace {
 
 const QString kUnreadable = QStringLiteral("it is not a font file that fontconfig can read");
+// A rule of the system's or the user's font configuration hides it from every program
+// (Debian's 70-no-bitmaps.conf, for one, hides bitmap-only fonts).
+const QString kTurnedDownByConfiguration = QStringLiteral("the font configuration hides it from every program");
 
 
 constexpr int kTopCount = 256;
@@ -380,11 +383,14 @@ void FontActivationService::rebuildPending()
                 refused.append(link);
         }
     }
+    const QSet<QString> configured = m_fontconfig.takeTurnedDown(); // read, and rejected by a rule
     for (const QString &link : std::as_const(refused)) {
         const QString font = m_links.fontOf(link);
-        Console::printLine(u"Failed to activate font at "_s + font + u": not a font file fontconfig can read"_s);
+        const bool byRule = configured.contains(link);
+        Console::printLine(u"Failed to activate font at "_s + font
+                           + (byRule ? u": the font configuration turns it down"_s : u": not a font file fontconfig can read"_s));
         m_turnedDown.append(font);
-        m_failureReasons.insert(font, kUnreadable);
+        m_failureReasons.insert(font, byRule ? kTurnedDownByConfiguration : kUnreadable);
         unlinkAndForget(link);
     }
     if (!refused.isEmpty())

@@ -35,6 +35,8 @@ FontconfigCache::~FontconfigCache()
 {
     if (m_config)
         FcConfigDestroy(m_config);
+    if (m_probe)
+        FcConfigDestroy(m_probe);
 }
 
 void FontconfigCache::load()
@@ -54,7 +56,42 @@ QSet<QString> FontconfigCache::rebuild(const QString &folder)
     files = filesOf(cache);
     FcDirCacheUnload(cache);
     m_fontsScanned += int(files.size());
-    return files;
+    return accepted(folder, files);
+}
+
+QSet<QString> FontconfigCache::accepted(const QString &folder, const QSet<QString> &files)
+{
+    if (files.isEmpty())
+        return files; // a folder of folders: nothing of its own to judge
+    const std::lock_guard lock(m_probeMutex);
+    if (!m_probe)
+        m_probe = OwnFontconfig::loadUserConfig();
+    // The cache was just written for this configuration: read, not scanned again.
+    if (!m_probe || !FcConfigAppFontAddDir(m_probe, reinterpret_cast<const FcChar8 *>(QFile::encodeName(folder).constData())))
+        return files;
+    QSet<QString> kept;
+    if (FcFontSet *set = FcConfigGetFonts(m_probe, FcSetApplication)) {
+        for (int i = 0; i < set->nfont; ++i) {
+            FcChar8 *file = nullptr;
+            if (FcPatternGetString(set->fonts[i], FC_FILE, 0, &file) == FcResultMatch) {
+                const QString path = QFile::decodeName(reinterpret_cast<const char *>(file));
+                if (files.contains(path))
+                    kept.insert(path);
+            }
+        }
+    }
+    FcConfigAppFontClear(m_probe);
+    for (const QString &file : files) {
+        if (!kept.contains(file))
+            m_turnedDown.insert(file);
+    }
+    return kept;
+}
+
+QSet<QString> FontconfigCache::takeTurnedDown()
+{
+    const std::lock_guard lock(m_probeMutex);
+    return std::exchange(m_turnedDown, {});
 }
 
 bool FontconfigCache::hasValidCache(const QString &folder)

@@ -25,8 +25,14 @@ public:
 
     // Configuration only, no font list: cheap, and done once.
     void load();
-    // Rescans `folder`, writes its cache and returns the files fontconfig lists in it.
+    // Rescans `folder`, writes its cache and returns the files fontconfig lists in it:
+    // those the configuration accepts (Debian's 70-no-bitmaps.conf rejects bitmap-only
+    // fonts, a user may reject a family), for a cached font no program lists is no
+    // activation.
     QSet<QString> rebuild(const QString &folder);
+    // The files the configuration turned down since the last call: readable, cached,
+    // and listed by nobody.
+    QSet<QString> takeTurnedDown();
     // Rescans `staged` (a folder fontconfig never lists) and gives its cache the name and
     // paths it will have as `live`, a path of the same length: renamed there, the folder
     // keeps its time, so the cache is valid and nobody scans its fonts again. Returns the
@@ -41,7 +47,15 @@ public:
     void removeStaleLocks(const QStringList &folders);
 
 private:
+    // Of `files` (all in `folder`, just cached), those the configuration accepts: the
+    // folder's cache read into a configuration of its own as an application's fonts,
+    // where fontconfig applies its accept and reject rules.
+    QSet<QString> accepted(const QString &folder, const QSet<QString> &files);
+
     std::once_flag m_loaded;
+    std::mutex m_probeMutex;
+    _FcConfig *m_probe = nullptr;     // the configuration fonts are tried in
+    QSet<QString> m_turnedDown;       // under the probe's mutex
     std::atomic_int m_fontsScanned{0};
     _FcConfig *m_config = nullptr;
 };

@@ -337,3 +337,59 @@ TEST_F(Activation, OurFoldersComeAndGoWithTheActiveFonts)
     EXPECT_EQ(folders(next.linkFolder()), 2);
     EXPECT_EQ(fontsListedByFontconfig(next.linkFolder()), (QSet<QString>{sans, serif}));
 }
+
+// A font the configured fontconfig rejects (here the user's own rule against a family,
+// as Debian's 70-no-bitmaps.conf rejects bitmap-only fonts) is listed by no program: it
+// is turned down with its reason, not saved as active, in a batch and alone, and in a
+// folder made ready ahead.
+TEST_F(Activation, AFontTheConfigurationRejectsIsTurnedDownWithItsReason)
+{
+    writeFile(QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) + u"/fontconfig/fonts.conf"_s,
+              R"(<?xml version="1.0"?><!DOCTYPE fontconfig SYSTEM "urn:fontconfig:fonts.dtd">
+<fontconfig><include ignore_missing="yes">/etc/fonts/fonts.conf</include>
+<selectfont><rejectfont><pattern><patelt name="family"><string>Morvane Test</string></patelt></pattern></rejectfont></selectfont>
+</fontconfig>)");
+    const struct
+    {
+        const char *how;
+        std::function<QList<bool>(FontActivationService &, const QStringList &)> activate;
+    } roads[] = {
+        {"alone", [](FontActivationService &service, const QStringList &fonts) { return service.activateFonts(fonts); }},
+        {"in a batch",
+         [](FontActivationService &service, const QStringList &fonts) {
+             service.beginBatch();
+             const QList<bool> results = service.activateFonts(fonts);
+             const QStringList turnedDown = service.finishBatch();
+             QList<bool> after = results;
+             for (qsizetype i = 0; i < fonts.size(); ++i)
+                 after[i] = after[i] && !turnedDown.contains(fonts[i]);
+             return after;
+         }},
+        {"made ready ahead",
+         [](FontActivationService &service, const QStringList &fonts) {
+             service.prepareActivation({fonts}, [] { return false; });
+             service.beginBatch();
+             const QList<bool> results = service.activateFonts(fonts);
+             const QStringList turnedDown = service.finishBatch();
+             QList<bool> after = results;
+             for (qsizetype i = 0; i < fonts.size(); ++i)
+                 after[i] = after[i] && !turnedDown.contains(fonts[i]);
+             return after;
+         }},
+    };
+    const QString second = copyFont(kDejaVu + u"DejaVuSans-Bold.ttf"_s, library + u"/Sans/DejaVuSans-Bold.ttf"_s);
+    const QString rejected = copyFont(kFonts + u"/Plain.ttf"_s, library + u"/Sans/Plain.ttf"_s);
+    for (const auto &road : roads) {
+        FontActivationService service;
+        QList<bool> results;
+        const QString printed = capturedStdout([&] { results = road.activate(service, {sans, second, rejected}); });
+        EXPECT_EQ(results, (QList<bool>{true, true, false})) << road.how;
+        EXPECT_TRUE(printed.contains(u"Failed to activate font at "_s + rejected + u": the font configuration turns it down"_s))
+            << road.how << ": " << printed.toStdString();
+        EXPECT_EQ(service.takeFailureReasons().value(rejected), u"the font configuration hides it from every program"_s)
+            << road.how;
+        EXPECT_EQ(fontsListedByFontconfig(service.linkFolder()), (QSet<QString>{sans, second})) << road.how;
+        EXPECT_FALSE(service.links().values().contains(rejected)) << road.how << ": not kept as active";
+        service.deactivateFonts({sans, second});
+    }
+}
