@@ -149,6 +149,20 @@ QString withoutControls(QString text)
     return text;
 }
 
+// Within a language rank, a record in Unicode goes before one in a legacy encoding.
+int rankOf(const FT_SfntName &name)
+{
+    return languageRank(name) * 2 + (isUnicode(name) ? 0 : 1);
+}
+
+// The record's text without control characters; empty when it can't be decoded or
+// holds nothing else.
+QString usableText(const FT_SfntName &name)
+{
+    std::optional<QString> text = decode(name);
+    return text ? withoutControls(std::move(*text)) : QString();
+}
+
 } // namespace
 
 FT_Library threadLibrary()
@@ -166,15 +180,12 @@ QString sfntName(FT_Face face, FT_UInt nameId)
         FT_SfntName name{};
         if (FT_Get_Sfnt_Name(face, i, &name) != 0 || name.name_id != nameId)
             continue;
-        const int rank = languageRank(name) * 2 + (isUnicode(name) ? 0 : 1);
+        const int rank = rankOf(name);
         if (best && best->first <= rank)
             continue;
-        std::optional<QString> text = decode(name);
-        if (!text)
-            continue;
-        QString clean = withoutControls(std::move(*text));
-        if (!clean.isEmpty())
-            best = std::pair(rank, std::move(clean));
+        QString text = usableText(name);
+        if (!text.isEmpty())
+            best = std::pair(rank, std::move(text));
     }
     return best ? best->second : QString();
 }
@@ -188,8 +199,7 @@ NameTable::NameTable(FT_Face face)
         FT_SfntName name{};
         if (FT_Get_Sfnt_Name(face, i, &name) != 0)
             continue;
-        // Within a language rank, a record in Unicode goes before one in a legacy encoding.
-        m_records.push_back({name.name_id, languageRank(name) * 2 + (isUnicode(name) ? 0 : 1), i});
+        m_records.push_back({name.name_id, rankOf(name), i});
     }
     std::stable_sort(m_records.begin(), m_records.end(), [](const Record &a, const Record &b) {
         return a.nameId != b.nameId ? a.nameId < b.nameId : a.rank < b.rank;
@@ -204,12 +214,9 @@ QString NameTable::name(FT_UInt nameId) const
         FT_SfntName name{};
         if (FT_Get_Sfnt_Name(m_face, at->index, &name) != 0)
             continue;
-        std::optional<QString> text = decode(name);
-        if (!text)
-            continue;
-        QString clean = withoutControls(std::move(*text));
-        if (!clean.isEmpty())
-            return clean;
+        QString text = usableText(name);
+        if (!text.isEmpty())
+            return text;
     }
     return {};
 }

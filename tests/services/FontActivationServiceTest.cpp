@@ -349,32 +349,26 @@ TEST_F(Activation, AFontTheConfigurationRejectsIsTurnedDownWithItsReason)
 <fontconfig><include ignore_missing="yes">/etc/fonts/fonts.conf</include>
 <selectfont><rejectfont><pattern><patelt name="family"><string>Morvane Test</string></patelt></pattern></rejectfont></selectfont>
 </fontconfig>)");
+    // A batch's answers, less the fonts its end turned down.
+    const auto inBatch = [](FontActivationService &service, const QStringList &fonts) {
+        service.beginBatch();
+        QList<bool> results = service.activateFonts(fonts);
+        const QStringList turnedDown = service.finishBatch();
+        for (qsizetype i = 0; i < fonts.size(); ++i)
+            results[i] = results[i] && !turnedDown.contains(fonts[i]);
+        return results;
+    };
     const struct
     {
         const char *how;
         std::function<QList<bool>(FontActivationService &, const QStringList &)> activate;
     } roads[] = {
         {"alone", [](FontActivationService &service, const QStringList &fonts) { return service.activateFonts(fonts); }},
-        {"in a batch",
-         [](FontActivationService &service, const QStringList &fonts) {
-             service.beginBatch();
-             const QList<bool> results = service.activateFonts(fonts);
-             const QStringList turnedDown = service.finishBatch();
-             QList<bool> after = results;
-             for (qsizetype i = 0; i < fonts.size(); ++i)
-                 after[i] = after[i] && !turnedDown.contains(fonts[i]);
-             return after;
-         }},
+        {"in a batch", inBatch},
         {"made ready ahead",
-         [](FontActivationService &service, const QStringList &fonts) {
+         [&](FontActivationService &service, const QStringList &fonts) {
              service.prepareActivation({fonts}, [] { return false; });
-             service.beginBatch();
-             const QList<bool> results = service.activateFonts(fonts);
-             const QStringList turnedDown = service.finishBatch();
-             QList<bool> after = results;
-             for (qsizetype i = 0; i < fonts.size(); ++i)
-                 after[i] = after[i] && !turnedDown.contains(fonts[i]);
-             return after;
+             return inBatch(service, fonts);
          }},
     };
     const QString second = copyFont(kDejaVu + u"DejaVuSans-Bold.ttf"_s, library + u"/Sans/DejaVuSans-Bold.ttf"_s);

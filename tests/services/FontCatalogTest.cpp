@@ -350,6 +350,19 @@ void damagePagesAfterTheFirst(const QString &path)
     file.write(QByteArray(file.size() - 4096, '\xab'));
 }
 
+// A catalogue at `path` that has read every one of `files`, closed again: its log
+// folded into the file.
+void catalogueOf(const QString &path, const QList<FileStamp> &files)
+{
+    FontCatalog catalog(path);
+    for (const FileStamp &file : files)
+        catalog.record(file, FaceReader::read(file.path));
+    ASSERT_TRUE(catalog.filesToRead(files).isEmpty());
+    const QString printed = capturedStdout([&] { catalog.checkIntegrity(); });
+    EXPECT_TRUE(printed.isEmpty()) << "a sound file passes: " << printed.toStdString();
+    EXPECT_FALSE(catalog.needsReading());
+}
+
 } // namespace
 
 // A statement that finds the file damaged (here the first question, loading the faces)
@@ -359,12 +372,7 @@ TEST(FontCatalog, DamageAnyStatementFindsIsSetAsideLoggedAndReadAgain)
 {
     const QString path = testRoot() + u"/cache/catalogue.sqlite"_s;
     const QList<FileStamp> files = installedFonts();
-    {
-        FontCatalog catalog(path);
-        for (const FileStamp &file : files)
-            catalog.record(file, FaceReader::read(file.path));
-        ASSERT_TRUE(catalog.filesToRead(files).isEmpty());
-    } // closed: the log folded into the file
+    catalogueOf(path, files);
     ASSERT_FALSE(QFileInfo::exists(path + u"-wal"_s));
     damagePagesAfterTheFirst(path);
 
@@ -396,14 +404,7 @@ TEST(FontCatalog, TheIntegrityCheckSetsADamagedFileAside)
 {
     const QString path = testRoot() + u"/cache/catalogue.sqlite"_s;
     const QList<FileStamp> files = installedFonts();
-    {
-        FontCatalog catalog(path);
-        for (const FileStamp &file : files)
-            catalog.record(file, FaceReader::read(file.path));
-        const QString printed = capturedStdout([&] { catalog.checkIntegrity(); });
-        EXPECT_TRUE(printed.isEmpty()) << printed.toStdString();
-        EXPECT_FALSE(catalog.needsReading());
-    }
+    catalogueOf(path, files);
     damagePagesAfterTheFirst(path);
     FontCatalog catalog(path);
     const QString printed = capturedStdout([&] { catalog.checkIntegrity(); });
