@@ -15,6 +15,11 @@ TEXTS = {
     "%1 of %2 fonts couldn't be activated.": "%1 von %2 Schriften konnten nicht aktiviert werden.",
     "%1 of %2 fonts couldn't be deactivated.": "%1 von %2 Schriften konnten nicht deaktiviert werden.",
     "1 font couldn't be activated": "1 Schrift konnte nicht aktiviert werden",
+    "Turned off the fonts in \u201c%1\u201d. \u201c%2\u201d couldn't be activated: %3":
+        "Die Schriften in \u201e%1\u201c wurden ausgeschaltet. \u201e%2\u201c konnte nicht aktiviert werden: %3",
+    "Turned off the fonts in \u201c%1\u201d. %n of its fonts couldn't be activated.":
+        ("Die Schriften in \u201e%1\u201c wurden ausgeschaltet. %n Schrift darin konnte nicht aktiviert werden.",
+         "Die Schriften in \u201e%1\u201c wurden ausgeschaltet. %n Schriften darin konnten nicht aktiviert werden."),
     "%n fonts couldn't be activated": ("%n Schrift konnte nicht aktiviert werden", "%n Schriften konnten nicht aktiviert werden"),
     "Morvane can't write to %1 (%2), so %3. They stay saved and are activated again when Morvane starts with the folder writable; to fix it, run “sudo chown -R $USER %1”.":
         "Morvane kann nicht in %1 schreiben (%2), daher %3. Sie bleiben gespeichert und werden wieder aktiviert, sobald Morvane mit beschreibbarem Ordner startet; zur Abhilfe „sudo chown -R $USER %1“ ausführen.",

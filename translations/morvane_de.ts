@@ -108,6 +108,15 @@
         <source>The filters of “%1” are too long to ask (%2; at most %3): its fonts stay as they were. Shorten the filter text, or the list of folders or characters, and save again.</source>
         <translation>Die Filter von „%1“ sind zu lang für eine Abfrage (%2; höchstens %3): Ihre Schriften bleiben, wie sie waren. Den Filtertext oder die Liste der Ordner oder Zeichen kürzen und erneut speichern.</translation>
     </message>
+    <message>
+        <source>Turned off the fonts in “%1”. “%2” couldn't be activated: %3</source>
+        <translation>Die Schriften in „%1“ wurden ausgeschaltet. „%2“ konnte nicht aktiviert werden: %3</translation>
+    </message>
+    <message numerus="yes">
+        <source>Turned off the fonts in “%1”. %n of its fonts couldn't be activated.</source>
+        <translation>
+            <numerusform>Die Schriften in „%1“ wurden ausgeschaltet. %n Schrift darin konnte nicht aktiviert werden.</numerusform><numerusform>Die Schriften in „%1“ wurden ausgeschaltet. %n Schriften darin konnten nicht aktiviert werden.</numerusform></translation>
+    </message>
 </context>
 <context>
     <name>AxisControls</name>

@@ -10,6 +10,13 @@
             <numerusform>%n fonts couldn&apos;t be activated</numerusform>
         </translation>
     </message>
+    <message numerus="yes">
+        <source>Turned off the fonts in “%1”. %n of its fonts couldn&apos;t be activated.</source>
+        <translation>
+            <numerusform>Turned off the fonts in “%1”. %n of its fonts couldn&apos;t be activated.</numerusform>
+            <numerusform>Turned off the fonts in “%1”. %n of its fonts couldn&apos;t be activated.</numerusform>
+        </translation>
+    </message>
 </context>
 <context>
     <name>FontListModel</name>

@@ -358,6 +358,7 @@ private:
     ColumnNavigation *m_navigation; // a child
     // Activation
     QSet<QString> m_activatedFonts;
+    QHash<QString, QString> m_refusedFonts; // turned down when last activated, with the reason
     // How many of a folder's or a collection's fonts are active, of how many: a batch
     // moves the counts of the rows asked for so far by its own fonts, chunk by chunk,
     // rather than have every repaint count 100,000 fonts again.

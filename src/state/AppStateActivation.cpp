@@ -205,10 +205,41 @@ QCoro::Task<> AppState::toggleFolder(FontNode node)
     if (below.empty())
         co_return;
     const QList<FontNode> fonts(below.begin(), below.end());
-    // A mixed folder becomes fully active.
-    const bool activate = activationState(node) != ActivationState::Active;
+    // A mixed folder becomes fully active, unless every font of it still off is one
+    // that was turned down: then the button does what its menu's "Deactivate All Fonts
+    // in Folder" does, and says which fonts can't be activated.
+    const ActivationState state = activationState(node);
+    bool activate = state != ActivationState::Active;
+    QStringList refused;
+    if (state == ActivationState::Mixed) {
+        bool onlyRefusedLeft = true;
+        for (const FontNode &font : fonts) {
+            if (m_activatedFonts.contains(font.path()))
+                continue;
+            if (m_refusedFonts.contains(font.path()))
+                refused.append(font.path());
+            else
+                onlyRefusedLeft = false;
+        }
+        activate = !(onlyRefusedLeft && !refused.isEmpty());
+    }
     const QString label = activate ? u"Activating"_s : u"Deactivating"_s;
+    QPointer<AppState> self(this);
     co_await batchProcess(fonts, activate, label);
+    if (!self || activate)
+        co_return;
+    if (refused.size() == 1) {
+        setNotice(tr("Turned off the fonts in \u201c%1\u201d. \u201c%2\u201d couldn't be activated: %3")
+                      .arg(node.name(), refused.constFirst().section(u'/', -1), m_refusedFonts.value(refused.constFirst())));
+    } else if (!refused.isEmpty()) {
+        QStringList details;
+        for (const QString &path : std::as_const(refused))
+            details.append(path + u" \u2014 "_s + m_refusedFonts.value(path));
+        setNotice(tr("Turned off the fonts in \u201c%1\u201d. %n of its fonts couldn't be activated.", nullptr,
+                     int(refused.size()))
+                      .arg(node.name()),
+                  details);
+    }
 }
 
 QCoro::Task<> AppState::toggleCollectionActivation(FontCollection collection)
@@ -351,9 +382,11 @@ QCoro::Task<BatchResult> AppState::batchProcess(QList<FontNode> fonts, bool acti
         for (const QString &path : succeeded) {
             if (activate ? !m_activatedFonts.contains(path) : m_activatedFonts.contains(path))
                 changed.append(path);
-            if (activate)
+            if (activate) {
                 m_activatedFonts.insert(path);
-            else
+                if (!m_refusedFonts.isEmpty())
+                    m_refusedFonts.remove(path); // it reads now: no longer turned down
+            } else
                 m_activatedFonts.remove(path);
         }
         if (!changed.isEmpty()) {
@@ -391,6 +424,12 @@ QCoro::Task<BatchResult> AppState::batchProcess(QList<FontNode> fonts, bool acti
                           .arg(locale.toString(reached), locale.toString(total)));
         } else if (result.systemFailures.isEmpty()) {
             reportFontFailures(failed + *turnedDown, reasons, total, activate);
+        }
+        // Remembered, so that a folder left mixed by them is switched off by its button,
+        // not sent to try them again.
+        if (activate && result.systemFailures.isEmpty()) {
+            for (const QString &path : failed + *turnedDown)
+                m_refusedFonts.insert(path, reasons.value(path, tr("it couldn't be activated")));
         }
     }
     QStringList refused;

@@ -77,6 +77,36 @@ TEST_F(Activation, AMixedFolderBecomesFullyActiveThenInactive)
     EXPECT_TRUE(written().loadActivatedFonts().isEmpty());
 }
 
+// A folder holding a font that can't be activated: the first click leaves it mixed; the
+// second switches it off, as its menu's "Deactivate All Fonts in Folder" does, naming the
+// font, rather than trying it again while the others stay on. Once off, a click tries all.
+TEST_F(Activation, AFolderLeftMixedByARefusedFontIsSwitchedOffByItsButton)
+{
+    const QString refused = path(u"Mixed/m2.otf"_s);
+    activation.failing.insert(refused);
+    store->toggleActivation(folder(u"Mixed"_s));
+    ASSERT_TRUE(waitUntilIdle());
+    EXPECT_EQ(store->activatedFonts().size(), 2);
+    ASSERT_EQ(store->activationState(folder(u"Mixed"_s)), ActivationState::Mixed);
+
+    const int callsBefore = int(activation.calls().size());
+    store->toggleActivation(folder(u"Mixed"_s));
+    ASSERT_TRUE(waitUntilIdle());
+    EXPECT_TRUE(store->activatedFonts().isEmpty());
+    EXPECT_EQ(store->activationState(folder(u"Mixed"_s)), ActivationState::Inactive);
+    for (const QString &call : activation.calls().mid(callsBefore))
+        EXPECT_TRUE(call.startsWith(u'-')) << call.toStdString() << ": nothing tried again";
+    EXPECT_TRUE(store->notice().contains(u"\u201cm2.otf\u201d couldn't be activated"_s)) << store->notice().toStdString();
+    EXPECT_TRUE(written().loadActivatedFonts().isEmpty());
+
+    // Mended: the next click activates the folder, the font too.
+    activation.failing.clear();
+    store->toggleActivation(folder(u"Mixed"_s));
+    ASSERT_TRUE(waitUntilIdle());
+    EXPECT_EQ(store->activationState(folder(u"Mixed"_s)), ActivationState::Active);
+    EXPECT_EQ(written().loadActivatedFonts().size(), 3);
+}
+
 TEST_F(Activation, DuplicatesCountOnceAndFailuresStayAsTheyWere)
 {
     const FontNode a = font(u"Other/o.otf"_s);
