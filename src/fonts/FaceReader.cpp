@@ -71,13 +71,14 @@ PageSet pageSetOf(const QList<QPair<char32_t, char32_t>> &ranges)
             }
             PageSet::Bits &bits = set.pages.back();
             const quint32 end = std::min<quint32>(last, (number << 8) | 0xFF);
-            for (; c <= end; ++c) // a whole word at a time where the range allows
+            for (; c <= end; ++c) { // a whole word at a time where the range allows
                 if ((c & 31) == 0 && c + 31 <= end) {
                     bits[(c & 0xFF) >> 5] = ~0u;
                     c += 31;
                 } else {
                     bits[(c & 0xFF) >> 5] |= 1u << (c & 31);
                 }
+            }
         }
     }
     return set;

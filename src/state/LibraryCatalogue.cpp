@@ -134,7 +134,7 @@ void LibraryCatalogue::stop()
     m_cancellation.cancel();
     m_gate->wake();
     for (QFuture<void> &job : m_jobs)
-        job.waitForFinished(); // each stops after the chunk in hand
+        job.waitForFinished(); // each stops after the file in hand
 }
 
 std::shared_ptr<FontCatalog> LibraryCatalogue::catalog()
