@@ -25,6 +25,8 @@ packages=(
   desktop-file-utils appstream
   # the Debian package (make deb) and its check
   debhelper dpkg-dev lintian
+  # a sandboxed app's view of the user's fonts, made as Flatpak makes it
+  bubblewrap
   # a screen reader's view of the real window: virtual display, session bus, AT-SPI
   xvfb xauth dbus at-spi2-core python3-pyatspi
 )

@@ -117,6 +117,14 @@
         <translation>
             <numerusform>Die Schriften in „%1“ wurden ausgeschaltet. %n Schrift darin konnte nicht aktiviert werden.</numerusform><numerusform>Die Schriften in „%1“ wurden ausgeschaltet. %n Schriften darin konnten nicht aktiviert werden.</numerusform></translation>
     </message>
+    <message>
+        <source>Copying fonts for sandboxed apps…</source>
+        <translation>Schriften für isolierte Apps werden kopiert …</translation>
+    </message>
+    <message>
+        <source>Removing copies of fonts…</source>
+        <translation>Kopien von Schriften werden entfernt …</translation>
+    </message>
 </context>
 <context>
     <name>AxisControls</name>
@@ -1060,6 +1068,22 @@
     <message>
         <source>&amp;Help</source>
         <translation>&amp;Hilfe</translation>
+    </message>
+    <message>
+        <source>Copy fonts for sandboxed apps?</source>
+        <translation>Schriften für isolierte Apps kopieren?</translation>
+    </message>
+    <message>
+        <source>Apps installed from Flathub see your font folder but not the folders Morvane links into when they are on another drive. Morvane copies those fonts into your font folder instead: the copies take %1 now, and more as you activate fonts from other drives.</source>
+        <translation>Von Flathub installierte Apps sehen Ihren Schriftordner, aber nicht die Ordner auf anderen Laufwerken, auf die Morvane verweist. Morvane kopiert diese Schriften stattdessen in Ihren Schriftordner: Die Kopien belegen jetzt %1 und mehr, wenn Sie Schriften von anderen Laufwerken aktivieren.</translation>
+    </message>
+    <message>
+        <source>Copy Fonts</source>
+        <translation>Schriften kopieren</translation>
+    </message>
+    <message>
+        <source>Copy Fonts for Sandboxed Apps</source>
+        <translation>Schriften für isolierte Apps kopieren</translation>
     </message>
 </context>
 <context>

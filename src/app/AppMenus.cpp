@@ -10,6 +10,10 @@
 #include "ui/window/MainWindow.h"
 
 #include <QCoreApplication>
+#include <QCoroTask>
+#include <QLocale>
+#include <QPointer>
+#include <QPushButton>
 #include <QApplication>
 #include <QMenuBar>
 #include <QMessageBox>
@@ -51,6 +55,35 @@ void fillFile(QMenu *file, MainWindow &window)
     QObject::connect(quit, &QAction::triggered, &window, &QWidget::close);
 }
 
+// Copies cost space, so the user hears how much before any is made; taking them away
+// frees it and needs no question.
+QCoro::Task<> toggleCopies(QPointer<MainWindow> window, QPointer<AppState> state, QPointer<QAction> action)
+{
+    const bool wanted = action->isChecked();
+    if (wanted) {
+        const qint64 bytes = co_await state->spaceForCopies();
+        if (!window || !state || !action)
+            co_return;
+        QMessageBox ask(QMessageBox::Question, MenuText::tr("Copy fonts for sandboxed apps?"),
+                        MenuText::tr("Copy fonts for sandboxed apps?"), QMessageBox::Cancel, window);
+        ask.setInformativeText(
+            MenuText::tr("Apps installed from Flathub see your font folder but not the folders Morvane links into "
+                         "when they are on another drive. Morvane copies those fonts into your font folder instead: "
+                         "the copies take %1 now, and more as you activate fonts from other drives.")
+                .arg(QLocale().formattedDataSize(bytes)));
+        QPushButton *copy = ask.addButton(MenuText::tr("Copy Fonts"), QMessageBox::AcceptRole);
+        ask.setDefaultButton(copy);
+        ask.exec();
+        if (!window || !state || !action)
+            co_return;
+        if (ask.clickedButton() != copy) {
+            action->setChecked(false);
+            co_return;
+        }
+    }
+    state->setCopiesForSandboxes(wanted); // the progress card follows it
+}
+
 } // namespace
 
 namespace AppMenus {
@@ -74,6 +107,14 @@ void install(MainWindow &window)
     QAction *deactivate = addCommand(edit, MenuText::tr("Deactivate All Fonts"), {QKeySequence(u"Ctrl+Shift+D"_s)});
     // Returns at once; the job reports through the window's progress card.
     QObject::connect(deactivate, &QAction::triggered, &window, [&window] { window.state().deactivateAllFonts(); });
+    edit->addSeparator();
+    QAction *copies = edit->addAction(MenuText::tr("Copy Fonts for Sandboxed Apps"));
+    copies->setCheckable(true);
+    copies->setChecked(window.state().copiesForSandboxes());
+    QObject::connect(copies, &QAction::triggered, &window,
+                     [&window, copies] { toggleCopies(&window, &window.state(), copies); });
+    // A running batch turns the change down: the mark shows what holds.
+    QObject::connect(edit, &QMenu::aboutToShow, copies, [&window, copies] { copies->setChecked(window.state().copiesForSandboxes()); });
     QMenu *help = bar->addMenu(MenuText::tr("&Help"));
     QAction *about = help->addAction(MenuText::tr("About Morvane"));
     about->setMenuRole(QAction::NoRole);

@@ -58,6 +58,14 @@ public:
     // Where nobody waits (after a scan, at idle priority): makes ready what activating
     // these folders, each given as its fonts, will need, so that the switch itself is
     // quick. `stop` is asked often; true means stop now.
+    // Whether a font that nothing cheaper can put where sandboxed programs see it may be
+    // copied into our folder; changing it turns such links into copies, or back.
+    virtual void setCopiesAllowed(bool allowed) { Q_UNUSED(allowed); }
+    // What those copies would take, in bytes.
+    virtual qint64 bytesToCopy() { return 0; }
+    // After the library was read again: entries that show an older file are made again,
+    // and those whose file is gone are withdrawn (returned: they wait for their file).
+    virtual QStringList refreshLinks() { return {}; }
     virtual void prepareActivation(const QList<QStringList> &fontsByFolder, const std::function<bool()> &stop)
     {
         Q_UNUSED(fontsByFolder);

@@ -6,6 +6,8 @@
 #include "FontActivationService.h"
 #include "model/SharedPaths.h"
 
+#include "FontLinkFile.h"
+
 #include <QCryptographicHash>
 #include <QDir>
 #include <QFile>
@@ -33,12 +35,17 @@ bool isNewer(const timespec &a, const timespec &b)
     return a.tv_sec != b.tv_sec ? a.tv_sec > b.tv_sec : a.tv_nsec > b.tv_nsec;
 }
 
-// Whether the font's file, or the link it is, changed after `when` (or can't be seen).
-bool changedSince(const QString &font, const timespec &when)
+// Whether the font's file, or the link it is, changed after `when` (or can't be seen);
+// `entry` is the font's entry in the staged group.
+bool changedSince(const QString &font, const QString &entry, const timespec &when)
 {
-    struct stat file{}, link{};
+    struct stat file{}, link{}, staged{};
     if (::stat(encoded(font).constData(), &file) != 0 || ::lstat(encoded(font).constData(), &link) != 0)
         return true;
+    // A hard link is the font's own file, whose change time each link made to it moves:
+    // it is the same font while it is the same file and unwritten since.
+    if (::lstat(encoded(entry).constData(), &staged) == 0 && S_ISREG(staged.st_mode))
+        return !FontLinkFile::isCurrent(encoded(font), encoded(entry)) || !isNewer(when, file.st_mtim);
     return !isNewer(when, file.st_mtim) || !isNewer(when, file.st_ctim) || !isNewer(when, link.st_mtim)
            || !isNewer(when, link.st_ctim);
 }
@@ -174,7 +181,10 @@ void FontActivationService::prepareActivation(const QList<QStringList> &fontsByF
                     && (known->live
                         || (known->ready && sameFonts(known->fonts, members)
                             && std::none_of(members.cbegin(), members.cend(),
-                                            [&](const QString &font) { return changedSince(font, known->staged); }))))
+                                            [&](const QString &font) {
+                                                return changedSince(font, stagedGroupPath(id) + u'/' + linkNameFor(font),
+                                                                    known->staged);
+                                            }))))
                     continue;
                 if (known != m_groups.cend()) {
                     for (const QString &font : known->fonts) {
@@ -190,8 +200,16 @@ void FontActivationService::prepareActivation(const QList<QStringList> &fontsByF
                 return; // the staging folder can't be written: nothing is made ready
             QDir(staged).removeRecursively();
             QDir().mkpath(staged);
-            for (const QString &font : members)
-                ::symlink(encoded(font).constData(), encoded(staged + u'/' + linkNameFor(font)).constData());
+            // Never a copy here: every font of every folder is made ready. A font that
+            // would need one to be seen by sandboxed programs is left to its own activation.
+            const bool copiesAllowed = m_copiesAllowed;
+            members.removeIf([&](const QString &font) {
+                const FontLinkFile::Made made =
+                    FontLinkFile::make(encoded(font), encoded(staged + u'/' + linkNameFor(font)), false);
+                if (made.ok && made.kind == FontLinkFile::Kind::Symbolic && copiesAllowed)
+                    FontLinkFile::remove(encoded(staged + u'/' + linkNameFor(font)));
+                return !made.ok || (made.kind == FontLinkFile::Kind::Symbolic && copiesAllowed);
+            });
             std::optional<QSet<QString>> listed = m_fontconfig.stage(staged, liveGroupPath(id));
             // A font fontconfig turns down leaves the group, and is linked on its own when asked.
             QStringList accepted;
@@ -199,7 +217,7 @@ void FontActivationService::prepareActivation(const QList<QStringList> &fontsByF
                 if (listed && listed->contains(linkNameFor(font)))
                     accepted.append(font);
                 else
-                    ::unlink(encoded(staged + u'/' + linkNameFor(font)).constData());
+                    FontLinkFile::remove(encoded(staged + u'/' + linkNameFor(font)));
             }
             if (listed && !accepted.isEmpty() && accepted.size() != members.size())
                 listed = m_fontconfig.stage(staged, liveGroupPath(id));
@@ -245,7 +263,7 @@ bool FontActivationService::askGroupIn(const QString &font)
         return false;
     // Changed since it was made ready (the file, or the link it is): the cache describes
     // the file as it was.
-    if (changedSince(font, group.staged)) {
+    if (changedSince(font, stagedGroupPath(*id) + u'/' + linkNameFor(font), group.staged)) {
         group.ready = false;
         return false;
     }

@@ -3,6 +3,7 @@
 #include "model/SharedPaths.h"
 
 #include "Console.h"
+#include "FontLinkFile.h"
 #include "LinkPlacement.h"
 
 #include "fonts/FreeTypeLibrary.h"
@@ -151,13 +152,15 @@ FontActivationService::FolderEntries FontActivationService::readFolder(const QSt
     if (::fstat(fd, &own) == 0)
         result.changed = own.st_mtim;
     QByteArray target(PATH_MAX, Qt::Uninitialized);
+    QHash<QByteArray, QString> records; // entry name -> font, from the dot links beside file entries
+    QList<QByteArray> files;
     while (const dirent *entry = ::readdir(dir)) {
         unsigned char type = entry->d_type;
         if (type == DT_UNKNOWN) {
             struct stat info{};
             if (::fstatat(fd, entry->d_name, &info, AT_SYMLINK_NOFOLLOW) != 0)
                 continue;
-            type = S_ISDIR(info.st_mode) ? DT_DIR : S_ISLNK(info.st_mode) ? DT_LNK : DT_REG;
+            type = S_ISDIR(info.st_mode) ? DT_DIR : S_ISLNK(info.st_mode) ? DT_LNK : S_ISREG(info.st_mode) ? DT_REG : DT_UNKNOWN;
         }
         if (type == DT_DIR) {
             if (std::strcmp(entry->d_name, ".") != 0 && std::strcmp(entry->d_name, "..") != 0)
@@ -166,11 +169,35 @@ FontActivationService::FolderEntries FontActivationService::readFolder(const QSt
             const ssize_t size = ::readlinkat(fd, entry->d_name, target.data(), static_cast<size_t>(target.size()));
             if (size <= 0)
                 continue;
+            const QString font = QFile::decodeName(QByteArrayView(target.constData(), size).toByteArray());
+            if (entry->d_name[0] == '.') {
+                records.insert(QByteArray(entry->d_name + 1), font);
+                continue;
+            }
             result.linkNames.append(QFile::decodeName(entry->d_name));
-            result.targets.append(QFile::decodeName(QByteArrayView(target.constData(), size).toByteArray()));
+            result.targets.append(font);
+        } else if (type == DT_REG) {
+            if (entry->d_name[0] == '.')
+                result.strays.append(QFile::decodeName(entry->d_name)); // a replacement a kill cut short
+            else
+                files.append(QByteArray(entry->d_name));
         }
     }
     ::closedir(dir);
+    // A file entry stands for the font its record names; one without a record, or a
+    // record without its file entry, is what a kill left of making or removing one.
+    for (const QByteArray &name : std::as_const(files)) {
+        const auto record = records.constFind(name);
+        if (record == records.cend()) {
+            result.strays.append(QFile::decodeName(name));
+            continue;
+        }
+        result.linkNames.append(QFile::decodeName(name));
+        result.targets.append(*record);
+        records.erase(record);
+    }
+    for (auto it = records.cbegin(); it != records.cend(); ++it)
+        result.strays.append(u'.' + QFile::decodeName(it.key()));
     return result;
 }
 
@@ -181,12 +208,17 @@ void FontActivationService::indexLinks(const QString &folder, const FolderEntrie
         const QString font = SharedPaths::share(entries.targets[i]);
         if (m_links.containsFont(font)) {
             // Linked twice (a crash mid-batch): fontconfig would list it twice.
-            ::unlink(encoded(folder + u'/' + entries.linkNames[i]).constData());
+            FontLinkFile::remove(encoded(folder + u'/' + entries.linkNames[i]));
             duplicateShards.insert(folder);
             continue;
         }
         m_links.insert(font, folderId, entries.linkNames[i]);
         ++m_shardSize[folder];
+    }
+    for (const QString &stray : entries.strays) {
+        ::unlink(encoded(folder + u'/' + stray).constData());
+        if (!stray.startsWith(u'.'))
+            duplicateShards.insert(folder); // fontconfig listed it
     }
     if (!entries.linkNames.isEmpty())
         m_shardTimes.insert(folder, entries.changed);
@@ -242,7 +274,7 @@ void FontActivationService::forget(QString linkPath)
 
 void FontActivationService::unlinkAndForget(QString linkPath)
 {
-    ::unlink(encoded(linkPath).constData());
+    FontLinkFile::remove(encoded(linkPath));
     forget(linkPath);
     m_pendingShards.insert(shardOf(linkPath));
 }
@@ -355,7 +387,7 @@ void FontActivationService::setAsideSpecialFiles(const QSet<QString> &shards)
             m_turnedDown.append(font);
             m_failureReasons.insert(font, u"it is no longer a regular file"_s);
         }
-        ::unlink(encoded(link).constData());
+        FontLinkFile::remove(encoded(link));
         if (m_links.containsLink(link))
             forget(link);
     }
@@ -467,8 +499,9 @@ void FontActivationService::linkLoose(const QStringList &fonts)
             continue;
         }
         const QString link = shards[n] + u'/' + linkNameFor(font);
-        if (::symlink(encoded(font).constData(), encoded(link).constData()) != 0) {
-            const QString error = errorText(errno);
+        const FontLinkFile::Made made = FontLinkFile::make(encoded(font), encoded(link), m_copiesAllowed);
+        if (!made.ok) {
+            const QString error = errorText(made.error);
             failActivation(font, error);
             failForSystem(font, error + u" (in "_s + shards[n] + u')');
             continue;
@@ -542,7 +575,7 @@ QList<bool> FontActivationService::deactivateFonts(const QStringList &paths)
             continue; // not active
         if (askGroupOut(paths[i], link))
             continue; // goes with its whole group
-        if (::unlink(encoded(link).constData()) == 0 || errno == ENOENT) {
+        if (FontLinkFile::remove(encoded(link))) {
             forget(link);
             m_pendingShards.insert(shardOf(link));
         } else {
@@ -557,6 +590,117 @@ QList<bool> FontActivationService::deactivateFonts(const QStringList &paths)
     if (!m_inBatch || m_sinceRebuild.elapsed() >= kRebuildIntervalMs)
         rebuildPending();
     return results;
+}
+
+bool FontActivationService::remake(const QString &font, const QString &link)
+{
+    const QByteArray entry = encoded(link);
+    const FontLinkFile::Kind before = FontLinkFile::kindOf(entry);
+    if (before == FontLinkFile::Kind::Symbolic && !m_copiesAllowed) {
+        // Only a hard link or a clone may take its place: tried beside it first, so the
+        // font stays active if neither works.
+        const QByteArray trial = encoded(shardOf(link) + u"/.new-"_s + link.section(u'/', -1));
+        const FontLinkFile::Made made = FontLinkFile::make(encoded(font), trial, false);
+        const bool better = made.ok && made.kind != FontLinkFile::Kind::Symbolic;
+        if (!better || ::rename(FontLinkFile::recordOf(trial).constData(), FontLinkFile::recordOf(entry).constData()) != 0
+            || ::rename(trial.constData(), entry.constData()) != 0) {
+            FontLinkFile::remove(trial);
+            return false;
+        }
+        return markChanged(link);
+    }
+    FontLinkFile::remove(entry);
+    const FontLinkFile::Made made = FontLinkFile::make(encoded(font), entry, m_copiesAllowed);
+    if (!made.ok) {
+        failActivation(font, errorText(made.error));
+        m_turnedDown.append(font);
+        forget(link);
+        m_pendingShards.insert(shardOf(link));
+        return false;
+    }
+    return markChanged(link);
+}
+
+bool FontActivationService::markChanged(const QString &link)
+{
+    m_pendingShards.insert(shardOf(link));
+    const auto group = m_groups.find(groupOfShard(shardOf(link)));
+    if (group != m_groups.end())
+        group->changed = true;
+    return true;
+}
+
+void FontActivationService::setCopiesAllowed(bool allowed)
+{
+    const QMutexLocker lock(&m_mutex);
+    if (m_copiesAllowed == allowed)
+        return;
+    m_copiesAllowed = allowed;
+    if (!m_ready || !ensureReady())
+        return; // the start's repair makes the links as they should be
+    // Symbolic links become copies where nothing cheaper reaches sandboxed programs;
+    // copies go back to symbolic links (or whatever now costs no space).
+    const FontLinkFile::Kind redo = allowed ? FontLinkFile::Kind::Symbolic : FontLinkFile::Kind::Copy;
+    m_links.forEach([&](const QString &link, const QString &font) {
+        if (FontLinkFile::kindOf(encoded(link)) == redo)
+            remake(font, link);
+    });
+    rebuildPending();
+}
+
+bool FontActivationService::copiesAllowed() const
+{
+    return m_copiesAllowed;
+}
+
+qint64 FontActivationService::bytesToCopy()
+{
+    const QMutexLocker lock(&m_mutex);
+    if (!ensureReady())
+        return 0;
+    struct stat ours{};
+    const bool haveOurs = ::stat(encoded(m_linkFolder).constData(), &ours) == 0;
+    qint64 bytes = 0;
+    m_links.forEach([&](const QString &link, const QString &font) {
+        struct stat file{};
+        if (FontLinkFile::kindOf(encoded(link)) == FontLinkFile::Kind::Symbolic
+            && ::stat(encoded(font).constData(), &file) == 0 && (!haveOurs || file.st_dev != ours.st_dev))
+            bytes += file.st_size;
+    });
+    return bytes;
+}
+
+QStringList FontActivationService::refreshLinks()
+{
+    const QMutexLocker lock(&m_mutex);
+    if (!ensureReady())
+        return {};
+    // A symbolic link to a file that is gone lists nothing once its folder is read again,
+    // and comes back with its file (a drive mounted again); a file entry would keep the
+    // font alive, so it goes, as one whose file is no font any more (with its reason).
+    QStringList withdrawn;
+    m_links.forEach([&](const QString &link, const QString &font) {
+        const QByteArray entry = encoded(link);
+        if (FontLinkFile::kindOf(entry) == FontLinkFile::Kind::Symbolic || FontLinkFile::isCurrent(encoded(font), entry))
+            return;
+        struct stat file{};
+        if (::stat(encoded(font).constData(), &file) != 0) {
+            unlinkAndForget(link);
+            withdrawn.append(font);
+        } else if (!S_ISREG(file.st_mode)) {
+            failActivation(font, u"it is no longer a regular file"_s);
+            unlinkAndForget(link);
+            withdrawn.append(font);
+        } else if (!readsAsFont(font)) {
+            failActivation(font, u"not a font file fontconfig can read"_s, kUnreadable);
+            unlinkAndForget(link);
+            withdrawn.append(font);
+        } else {
+            remake(font, link);
+        }
+    });
+    rebuildPending();
+    return withdrawn;
 }
 
 QHash<QString, QString> FontActivationService::takeFailureReasons()
@@ -637,6 +781,8 @@ void FontActivationService::repairActivations()
         return;
     removeStaleCacheLocks();
     QSet<QString> changed;
+    struct stat ours{};
+    const bool haveOurs = ::stat(encoded(m_linkFolder).constData(), &ours) == 0;
     m_links.forEach([&](const QString &link, const QString &font) {
         struct stat target{};
         if (::stat(encoded(font).constData(), &target) != 0 || !S_ISREG(target.st_mode)) {
@@ -644,12 +790,29 @@ void FontActivationService::repairActivations()
             unlinkAndForget(link);
             return;
         }
+        // A file entry whose font was replaced shows the old file; a symbolic link that a
+        // file entry could replace (made before they were, or before copies were allowed)
+        // is one sandboxed programs can't follow. Either is made again.
+        const QByteArray entry = encoded(link);
+        const bool symbolic = FontLinkFile::kindOf(entry) == FontLinkFile::Kind::Symbolic;
+        // A hard link of ours is the font's own file, whose change time every link made to
+        // it moves: its time of change says nothing there.
+        const bool linkable = haveOurs && target.st_dev == ours.st_dev && (target.st_uid == ::geteuid() || ::geteuid() == 0);
+        if (symbolic ? (m_copiesAllowed || linkable) : !FontLinkFile::isCurrent(encoded(font), entry)) {
+            if (!symbolic && !readsAsFont(font)) { // replaced by something that is no font
+                unlinkAndForget(link);
+                return;
+            }
+            if (remake(font, link))
+                changed.insert(shardOf(link));
+            return;
+        }
         // Changed since its shard last changed (when the link was made, or the shard
         // last repaired): fontconfig's cache may still describe the old file, because
         // the shard folder itself did not change.
         const auto shardChanged = m_shardTimes.constFind(shardOf(link));
         if (shardChanged != m_shardTimes.cend() &&
-            (isNewer(target.st_mtim, *shardChanged) || isNewer(target.st_ctim, *shardChanged))) {
+            (isNewer(target.st_mtim, *shardChanged) || (symbolic && isNewer(target.st_ctim, *shardChanged)))) {
             if (!readsAsFont(font)) {
                 unlinkAndForget(link);
                 return;

@@ -12,6 +12,7 @@
 #include <QString>
 #include <QThreadPool>
 
+#include <atomic>
 #include <functional>
 #include <optional>
 
@@ -68,6 +69,12 @@ public:
     QHash<QString, QString> takeFailureReasons() override;
     void prepareActivation(const QList<QStringList> &fontsByFolder, const std::function<bool()> &stop) override;
 
+    void setCopiesAllowed(bool allowed) override;
+    QStringList refreshLinks() override;
+    bool copiesAllowed() const;
+    // What copying every font that only a symbolic link reaches now would take.
+    qint64 bytesToCopy() override;
+
     QString linkFolder() const { return m_linkFolder; }
     // $XDG_DATA_HOME/fonts/Morvane, where the application's links live.
     static QString defaultLinkFolder();
@@ -97,6 +104,7 @@ private:
         QStringList folders;
         QStringList linkNames;
         QStringList targets;
+        QStringList strays; // file entries and records without each other
         timespec changed{};
     };
     static FolderEntries readFolder(const QString &folder);
@@ -120,6 +128,10 @@ private:
     // its place would block fontconfig's scan of the shard, and every other program's).
     void setAsideSpecialFiles(const QSet<QString> &shards);
     void failForSystem(const QString &path, const QString &reason);
+    // Makes a font's entry again as things stand (its file replaced, copies allowed or
+    // not); true when its shard changed.
+    bool remake(const QString &font, const QString &link);
+    bool markChanged(const QString &link);
     void failActivation(const QString &path, const QString &reason, const QString &inWords = {});
     // Links each font in the shards placement chooses.
     void linkLoose(const QStringList &fonts);
@@ -176,6 +188,7 @@ private:
     QHash<QString, QString> m_failureReasons; // why each font failed, in the window's words
     QString m_systemFailureReason;
     bool m_inBatch = false;
+    std::atomic<bool> m_copiesAllowed = false; // read by groups being made ready, outside the lock
     QElapsedTimer m_sinceRebuild;
     mutable QMutex m_mutex;
     QThreadPool m_rebuilders; // our own, so a batch job on the global pool can't starve it

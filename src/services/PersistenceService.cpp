@@ -293,6 +293,16 @@ double PersistenceService::listSize() const
     return m_preferences->listSize();
 }
 
+bool PersistenceService::copiesForSandboxes() const
+{
+    return m_preferences->copiesForSandboxes();
+}
+
+void PersistenceService::setCopiesForSandboxes(bool allowed)
+{
+    m_preferences->setCopiesForSandboxes(allowed);
+}
+
 void PersistenceService::setListSize(double size)
 {
     m_preferences->setListSize(size);

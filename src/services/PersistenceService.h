@@ -95,6 +95,8 @@ public:
     void setPreviewSize(double size);
     double listSize() const;
     void setListSize(double size);
+    bool copiesForSandboxes() const;
+    void setCopiesForSandboxes(bool allowed);
     QByteArray windowGeometry() const;
     int sidebarWidth() const;
     void setWindowLayout(const QByteArray &geometry, int sidebarWidth);

@@ -59,7 +59,27 @@ namespace {
 constexpr const char *kGeometryKey = "morvane_window_geometry";
 constexpr const char *kSidebarKey = "morvane_sidebar_width";
 constexpr const char *kListSizeKey = "morvane_list_size";
+constexpr const char *kCopiesKey = "morvane_copy_fonts_for_sandboxes";
 } // namespace
+
+bool Preferences::copiesForSandboxes() const
+{
+    {
+        const std::lock_guard lock(m_unsaved->mutex);
+        if (m_unsaved->copies)
+            return *m_unsaved->copies;
+    }
+    return QSettings(settingsPath(), QSettings::IniFormat).value(QLatin1StringView(kCopiesKey), false).toBool();
+}
+
+void Preferences::setCopiesForSandboxes(bool allowed)
+{
+    {
+        const std::lock_guard lock(m_unsaved->mutex);
+        m_unsaved->copies = allowed;
+    }
+    scheduleWrite();
+}
 
 double Preferences::listSize() const
 {
@@ -142,6 +162,7 @@ void Preferences::scheduleWrite()
             std::optional<QByteArray> geometry;
             std::optional<int> sidebar;
             std::optional<double> listSize;
+            std::optional<bool> copies;
             {
                 const std::lock_guard lock(unsaved->mutex);
                 text = unsaved->text;
@@ -149,6 +170,7 @@ void Preferences::scheduleWrite()
                 geometry = unsaved->geometry;
                 sidebar = unsaved->sidebarWidth;
                 listSize = unsaved->listSize;
+                copies = unsaved->copies;
             }
             if (text)
                 settings.setValue(QLatin1StringView(previewTextKey), *text);
@@ -160,6 +182,8 @@ void Preferences::scheduleWrite()
                 settings.setValue(QLatin1StringView(kSidebarKey), *sidebar);
             if (listSize)
                 settings.setValue(QLatin1StringView(kListSizeKey), *listSize);
+            if (copies)
+                settings.setValue(QLatin1StringView(kCopiesKey), *copies);
             settings.sync();
             if (settings.status() != QSettings::NoError)
                 return u"can't write %1"_s.arg(path);
@@ -175,6 +199,8 @@ void Preferences::scheduleWrite()
                 unsaved->sidebarWidth.reset();
             if (unsaved->listSize == listSize)
                 unsaved->listSize.reset();
+            if (unsaved->copies == copies)
+                unsaved->copies.reset();
             return std::nullopt;
         },
         u"Failed to save preferences: "_s, 500ms);

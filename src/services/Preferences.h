@@ -40,6 +40,9 @@ public:
     QByteArray windowGeometry() const;
     int sidebarWidth() const;
     void setWindowLayout(const QByteArray &geometry, int sidebarWidth);
+    // Whether fonts that sandboxed programs can't otherwise see are copied for them.
+    bool copiesForSandboxes() const;
+    void setCopiesForSandboxes(bool allowed);
 
 private:
     struct Unsaved
@@ -50,6 +53,7 @@ private:
         std::optional<QByteArray> geometry;
         std::optional<int> sidebarWidth;
         std::optional<double> listSize;
+        std::optional<bool> copies;
     };
     void scheduleWrite();
 

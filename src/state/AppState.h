@@ -138,6 +138,19 @@ public:
     bool waitForBackgroundWork(int msecs);
     void setStallTimeoutForTesting(int msecs) { m_stallTimer.setInterval(msecs); }
 
+    // ---- Links that sandboxed programs see (AppStateLinks.cpp) -------------------------
+    // Whether fonts that no hard link or clone can put in our font folder are copied
+    // there, so programs in a sandbox see them; a preference, applied to the active
+    // fonts at once through the same guard as a batch.
+    bool copiesForSandboxes() const;
+    QCoro::Task<> setCopiesForSandboxes(bool allowed);
+    // What copying those fonts would take, in bytes (asked off the interface thread).
+    QCoro::Task<qint64> spaceForCopies();
+    // Refreshes asked for, and the latest whose scan was followed by a check of our links
+    // against their files (activationLinksChecked): a caller waits for the one it asked.
+    quint64 refreshRequests() const { return m_refreshRequests; }
+    quint64 linksCheckedThrough() const { return m_linksCheckedThrough; }
+
     // ---- Saving -----------------------------------------------------------------------
     // Why the last save of some file failed (the system's words), or empty once every
     // file's latest save succeeded. While set, changes live only in this run.
@@ -277,6 +290,8 @@ Q_SIGNALS:
     // Faces were indexed or dropped: said once an indexing job has ended, with the files
     // whose records came, changed or went; never when nothing changed.
     void catalogueChanged(const CatalogueChange &change);
+    // Our links were checked against their files after a scan (some may have changed).
+    void activationLinksChecked();
     void libraryCountsChanged();
     void smartEditRequested(const QUuid &id);
     void sourcesChanged();
@@ -316,6 +331,11 @@ private:
     // Activates the waiting fonts whose file can be reached again; drops those whose
     // source is back but whose file is gone.
     QCoro::Task<> restoreWaiting();
+    // After a scan: links showing an older file are made again, file entries whose file
+    // went are withdrawn (and wait for it).
+    // Checks after the scan of the refresh numbered `request`; toggles are not held up.
+    QCoro::Task<> refreshActivationLinks(quint64 request);
+    void linksChecked(quint64 request);
     // Activates saved fonts again ("Restoring"); those that fail for a reason not their
     // own go on waiting.
     QCoro::Task<BatchResult> reactivate(QList<FontNode> fonts);
@@ -382,6 +402,8 @@ private:
     LibraryCounts *m_libraryCounts; // a child
     // Loading
     bool m_isIndexing = false;
+    quint64 m_refreshRequests = 0;
+    quint64 m_linksCheckedThrough = 0;
     LibraryRefresh *m_refresh; // a child
     bool m_hasLoaded = false;
     bool m_isProcessingStalled = false;

@@ -133,8 +133,10 @@ QCoro::Task<> AppState::restoreActivations(QSet<QString> saved, bool savedSetIsW
     QPointer<AppState> self(this);
     FontActivating *activation = &m_fontActivationService;
     const QStringList roots = sourceRoots();
+    const bool copies = m_persistenceService.copiesForSandboxes();
     const QFuture<SavedFonts> check =
-        QtConcurrent::task([activation, saved, savedSetIsWhole, roots, ticket = m_jobs.ticket()] {
+        QtConcurrent::task([activation, saved, savedSetIsWhole, roots, copies, ticket = m_jobs.ticket()] {
+            activation->setCopiesAllowed(copies); // before the repair, which makes links as it says
             return checkSavedFonts(activation, saved, savedSetIsWhole, roots);
         })
             .withPriority(-1)
@@ -288,6 +290,7 @@ void AppState::updateUnavailableSources()
 void AppState::refreshFileSystem(Refresh how)
 {
     setIsIndexing(true); // until the newest request's scan is in place
+    ++m_refreshRequests;
     m_refresh->request(how);
 }
 
@@ -300,6 +303,7 @@ void AppState::applyScan(const LibraryScan &scan)
     m_folderSearch->rerun(); // an active query runs again on the new index
     setIsIndexing(false);
     restoreWaiting(); // a source folder that came back brings its fonts back
+    refreshActivationLinks(m_refreshRequests);
 }
 
 AppState::LibraryScan AppState::scanLibrary(const LibraryScanRequest &request, const CancellationToken &cancellation)

@@ -11,6 +11,7 @@
 
 #include <QApplication>
 #include <QMenuBar>
+#include <QAbstractButton>
 #include <QMessageBox>
 #include <QTest>
 #include <QTimer>
@@ -78,7 +79,8 @@ TEST_F(Menus, HoldTheirItemsAndShortcuts)
     EXPECT_EQ(texts(itemsOf(menus[0]->menu())),
               (QStringList{u"Add Font Folder... Ctrl+O"_s, u"New Collection Ctrl+Shift+N"_s, u"- "_s,
                            u"Refresh Sources Ctrl+R|F5"_s, u"- "_s, u"Quit Ctrl+Q"_s}));
-    EXPECT_EQ(texts(itemsOf(menus[1]->menu())), QStringList{u"Deactivate All Fonts Ctrl+Shift+D"_s});
+    EXPECT_EQ(texts(itemsOf(menus[1]->menu())),
+              (QStringList{u"Deactivate All Fonts Ctrl+Shift+D"_s, u"- "_s, u"Copy Fonts for Sandboxed Apps "_s}));
     EXPECT_EQ(texts(itemsOf(menus[2]->menu())), QStringList{u"About Morvane "_s});
     EXPECT_EQ(menus[0]->text(), u"&File"_s);
     EXPECT_EQ(menus[1]->text(), u"&Edit"_s);
@@ -154,4 +156,60 @@ TEST_F(Menus, QuitEndsTheProgram)
     EXPECT_EQ(QApplication::exec(), 0);
     EXPECT_FALSE(timedOut);
     EXPECT_FALSE(window->isVisible());
+}
+
+namespace {
+
+// Answers the next message box as soon as it shows, with the button labelled `button`,
+// keeping what it said.
+class BoxAnswer : public QObject
+{
+public:
+    explicit BoxAnswer(QString button) : m_button(std::move(button)) { qApp->installEventFilter(this); }
+    QString said;
+    bool answered = false;
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override
+    {
+        auto *box = qobject_cast<QMessageBox *>(watched);
+        if (box && event->type() == QEvent::Show && !answered) {
+            said = box->text() + u'\n' + box->informativeText();
+            QTimer::singleShot(0, box, [this, box] {
+                for (QAbstractButton *button : box->buttons()) {
+                    if (button->text() == m_button)
+                        button->click();
+                }
+                answered = true;
+            });
+        }
+        return false;
+    }
+
+private:
+    QString m_button;
+};
+
+} // namespace
+
+// Copies cost space: the user hears how much before any is made, Cancel leaves things
+// as they were, and the choice is saved.
+TEST_F(Menus, CopyingFontsForSandboxedAppsAsksFirst)
+{
+    QAction *copies = window->menuBar()->actions().at(1)->menu()->actions().at(2);
+    ASSERT_EQ(QString(copies->text()).remove(u'&'), u"Copy Fonts for Sandboxed Apps"_s);
+    {
+        BoxAnswer cancel(u"Cancel"_s);
+        copies->trigger();
+        ASSERT_TRUE(QTest::qWaitFor([&] { return cancel.answered; }));
+        EXPECT_TRUE(cancel.said.contains(u"0 bytes"_s)) << cancel.said.toStdString(); // nothing active needs one
+        EXPECT_FALSE(copies->isChecked());
+        EXPECT_FALSE(store().copiesForSandboxes());
+    }
+    BoxAnswer copy(u"Copy Fonts"_s);
+    copies->trigger();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return copy.answered && store().copiesForSandboxes() && !store().isProcessing(); }));
+    EXPECT_TRUE(copies->isChecked());
+    window.reset(); // the preferences are written at quit at the latest
+    EXPECT_TRUE(PersistenceService().copiesForSandboxes());
 }

@@ -122,7 +122,12 @@ struct Start
     {
         output = capturedStdout([this] {
             store.loadPersistedState();
-            EXPECT_TRUE(QTest::qWaitFor([this] { return !store.isProcessing() && !store.isIndexing(); }, 60'000));
+            // Settled once the start's scan was followed by its look at our links.
+            EXPECT_TRUE(QTest::qWaitFor(
+                [this] {
+                    return !store.isProcessing() && !store.isIndexing() && store.linksCheckedThrough() >= store.refreshRequests();
+                },
+                60'000));
             persistence.waitForWrites();
             QCoreApplication::processEvents(); // the writer's report reaches the store
         });
@@ -146,7 +151,7 @@ inline QSet<QString> listedByFontconfig()
     QSet<QString> fonts;
     for (const QString &file : QString::fromUtf8(process.readAllStandardOutput()).split(u'\n', Qt::SkipEmptyParts)) {
         if (file.startsWith(links))
-            fonts.insert(QFile::symLinkTarget(file));
+            fonts.insert(TestSupport::fontOfLink(file));
     }
     return fonts;
 }

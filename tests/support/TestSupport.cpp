@@ -213,6 +213,24 @@ QString CapturedLog::text() const
     return *capturedText;
 }
 
+QString fontOfLink(const QString &entry)
+{
+    if (QFileInfo(entry).isSymLink())
+        return QFile::symLinkTarget(entry);
+    // A hard link, clone or copy: the dot link beside it names its font.
+    const qsizetype slash = entry.lastIndexOf(u'/');
+    return QFile::symLinkTarget(entry.left(slash + 1) + u'.' + entry.mid(slash + 1));
+}
+
+QStringList linkEntries(const QString &linkFolder)
+{
+    QStringList entries;
+    QDirIterator it(linkFolder, QDir::Files | QDir::System, QDirIterator::Subdirectories);
+    while (it.hasNext())
+        entries.append(it.next());
+    return entries;
+}
+
 QSet<QString> fontsListedByFontconfig(const QString &linkFolder)
 {
     QProcess process;
@@ -221,7 +239,7 @@ QSet<QString> fontsListedByFontconfig(const QString &linkFolder)
     QSet<QString> fonts;
     for (const QString &file : QString::fromUtf8(process.readAllStandardOutput()).split(u'\n', Qt::SkipEmptyParts)) {
         if (file.startsWith(linkFolder + u'/'))
-            fonts.insert(QFile::symLinkTarget(file));
+            fonts.insert(fontOfLink(file));
     }
     return fonts;
 }

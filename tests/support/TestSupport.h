@@ -60,5 +60,9 @@ void removeProcessRoot();
 // fontconfig is the judge: what a newly started application sees, through fc-list in
 // this test's own environment, with the links in `linkFolder` mapped back to the fonts.
 QSet<QString> fontsListedByFontconfig(const QString &linkFolder);
+// The font an entry of our link folder stands for, whatever kind of link it is.
+QString fontOfLink(const QString &entry);
+// Every entry of our link folder (not the dot links that record a file entry's font).
+QStringList linkEntries(const QString &linkFolder);
 
 } // namespace TestSupport

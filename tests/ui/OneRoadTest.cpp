@@ -50,13 +50,8 @@ QString linkFolder()
 QSet<QString> linkedFonts()
 {
     QSet<QString> fonts;
-    QDirIterator it(linkFolder(), QDir::Files | QDir::System, QDirIterator::Subdirectories);
-    while (it.hasNext()) {
-        const QString link = it.next();
-        if (!it.fileInfo().isSymLink())
-            continue;
-        fonts.insert(QFile::symLinkTarget(link));
-    }
+    for (const QString &link : TestSupport::linkEntries(linkFolder()))
+        fonts.insert(TestSupport::fontOfLink(link));
     return fonts;
 }
 
