@@ -43,6 +43,40 @@ qsizetype listedByAnotherProgram(const QString &linkFolder)
     return files.size();
 }
 
+// The same, seen from a Flatpak sandbox, made as Flatpak makes it: our font folder and
+// fontconfig's caches bound read-only where Flatpak binds them, the folder read as the
+// path its caches name, the home folder and the library out of sight. -1 when bwrap
+// can't run here.
+qsizetype listedInSandbox(const QString &linkFolder)
+{
+    const QString fonts = linkFolder.section(u'/', 0, -2);
+    const QString conf = BenchFigures::dataDirectory() + u"/sandbox-fonts.conf"_s;
+    if (QFile file(conf); file.open(QIODevice::WriteOnly))
+        file.write("<?xml version=\"1.0\"?>\n<fontconfig><remap-dir as-path=\"" + QFile::encodeName(fonts)
+                   + "\">/run/host/user-fonts</remap-dir><cachedir>/run/host/user-fonts-cache</cachedir>"
+                     "<cachedir>/run/cache</cachedir></fontconfig>\n");
+    const QString caches = QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation) + u"/fontconfig"_s;
+    QProcess bwrap;
+    bwrap.start(u"bwrap"_s, {u"--ro-bind"_s, u"/"_s, u"/"_s, u"--tmpfs"_s, u"/run"_s,
+                             u"--ro-bind"_s, conf, u"/run/host/fonts.conf"_s,
+                             u"--tmpfs"_s, BenchFigures::dataDirectory(),
+                             u"--ro-bind"_s, fonts, u"/run/host/user-fonts"_s,
+                             u"--ro-bind"_s, caches, u"/run/host/user-fonts-cache"_s, u"--dir"_s, u"/run/cache"_s,
+                             u"--setenv"_s, u"FONTCONFIG_FILE"_s, u"/run/host/fonts.conf"_s,
+                             // Only files the sandbox can open: its caches may name others.
+                             u"sh"_s, u"-c"_s,
+                             u"fc-list --format='%{file}\\n' | while IFS= read -r f; do [ -r \"$f\" ] && printf '%s\\n' \"$f\"; done; true"_s});
+    if (!bwrap.waitForFinished(600'000) || bwrap.exitCode() != 0)
+        return -1;
+    QSet<QByteArray> files;
+    const QByteArray prefix = "/run/host/user-fonts/" + QFile::encodeName(linkFolder.section(u'/', -1)) + '/';
+    for (const QByteArray &line : bwrap.readAllStandardOutput().split('\n')) {
+        if (line.startsWith(prefix))
+            files.insert(line);
+    }
+    return files.size();
+}
+
 class FolderStore
 {
 public:
@@ -57,8 +91,9 @@ public:
         return QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + u"/fonts/MorvaneFolders"_s;
     }
 
-    // A click on the folder's button, until the card goes and another program agrees.
-    bool toggleUntilVisible(const QString &name, qsizetype expectListed)
+    // A click on the folder's button, until the card goes and another program agrees
+    // (one in a sandbox, when asked).
+    bool toggleUntilVisible(const QString &name, qsizetype expectListed, bool sandboxed = false)
     {
         m_store.toggleActivation(FontNode::folder(root() + u'/' + name));
         QEventLoop loop;
@@ -68,7 +103,7 @@ public:
         });
         if (m_store.isProcessing())
             loop.exec();
-        return listedByAnotherProgram(linkFolder()) == expectListed;
+        return (sandboxed ? listedInSandbox(linkFolder()) : listedByAnotherProgram(linkFolder())) == expectListed;
     }
     bool isReady() const { return m_ready; }
 
@@ -103,7 +138,7 @@ private:
     bool m_ready = false;
 };
 
-void folderOnOff(benchmark::State &state, const QString &name, qsizetype fonts, bool measureOn)
+void folderOnOff(benchmark::State &state, const QString &name, qsizetype fonts, bool measureOn, bool sandboxed = false)
 {
     FolderStore &bench = FolderStore::instance();
     if (!bench.isReady()) {
@@ -113,7 +148,7 @@ void folderOnOff(benchmark::State &state, const QString &name, qsizetype fonts, 
     for (auto _ : state) {
         if (!measureOn)
             state.PauseTiming();
-        const bool on = bench.toggleUntilVisible(name, fonts);
+        const bool on = bench.toggleUntilVisible(name, fonts, sandboxed);
         if (!measureOn)
             state.ResumeTiming();
         else
@@ -135,6 +170,17 @@ void activateFolder1000Visible(benchmark::State &state)
 BENCHMARK(activateFolder1000Visible)->Unit(benchmark::kMillisecond)->Iterations(1)->Repetitions(5)
     ->ComputeStatistics("min", BenchFigures::fastest)->ReportAggregatesOnly(true);
 
+void activateFolder1000VisibleSandboxed(benchmark::State &state)
+{
+    if (listedInSandbox(FolderStore::linkFolder()) < 0) {
+        state.SkipWithError("bwrap can't make a sandbox here");
+        return;
+    }
+    folderOnOff(state, u"F1000"_s, 1'000, true, true);
+}
+BENCHMARK(activateFolder1000VisibleSandboxed)->Unit(benchmark::kMillisecond)->Iterations(1)->Repetitions(5)
+    ->ComputeStatistics("min", BenchFigures::fastest)->ReportAggregatesOnly(true);
+
 void deactivateFolder1000Visible(benchmark::State &state)
 {
     folderOnOff(state, u"F1000"_s, 1'000, false);
@@ -152,6 +198,8 @@ BENCHMARK(activateFolder10000Visible)->Unit(benchmark::kMillisecond)->Iterations
 void addFolderFigures()
 {
     BenchFigures::set("activate-folder-1000-visible-ms", BenchFigures::milliseconds("activateFolder1000Visible"));
+    BenchFigures::set("activate-folder-1000-visible-sandboxed-ms",
+                      BenchFigures::milliseconds("activateFolder1000VisibleSandboxed"));
     BenchFigures::set("deactivate-folder-1000-visible-ms", BenchFigures::milliseconds("deactivateFolder1000Visible"));
     BenchFigures::set("activate-folder-10000-visible-ms", BenchFigures::milliseconds("activateFolder10000Visible"));
 }

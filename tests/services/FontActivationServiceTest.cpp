@@ -2,6 +2,7 @@
 #include "TestSupport.h"
 
 #include "services/FontActivationService.h"
+#include "services/FontLinkFile.h"
 #include "services/OwnFontconfig.h"
 
 #include <QCryptographicHash>
@@ -386,4 +387,31 @@ TEST_F(Activation, AFontTheConfigurationRejectsIsTurnedDownWithItsReason)
         EXPECT_FALSE(service.links().values().contains(rejected)) << road.how << ": not kept as active";
         service.deactivateFonts({sans, second});
     }
+}
+
+// A hard link's record is made before it and removed after it: a kill between leaves a
+// record with no entry, or (a copy cut short, an entry made by hand) an entry with no
+// record. Neither is an activation, and fontconfig lists neither after the next start.
+TEST_F(Activation, EntriesAndRecordsAKillLeftAloneAreClearedAtTheNextStart)
+{
+    QString shard;
+    {
+        FontActivationService service;
+        ASSERT_EQ(service.activateFonts({sans, serif}), QList<bool>(2, true));
+        ASSERT_EQ(FontLinkFile::kindOf(QFile::encodeName(*service.linkPathFor(sans))), FontLinkFile::Kind::Hard);
+        shard = service.linkPathFor(sans)->section(u'/', 0, -2);
+    }
+    // Deactivating serif was cut short after its entry went; activating plain, before it
+    // had a record; a copy whose replacement was cut short.
+    const QString serifLink = shard + u'/' + FontActivationService::linkNameFor(serif);
+    ASSERT_TRUE(QFile::remove(serifLink));
+    ASSERT_TRUE(QFile::copy(plain, shard + u'/' + FontActivationService::linkNameFor(plain)));
+    ASSERT_TRUE(QFile::copy(plain, shard + u"/.new-leftover.ttf"_s));
+
+    FontActivationService next;
+    next.repairActivations();
+    EXPECT_EQ(next.recordedActivations(), QSet<QString>{sans});
+    EXPECT_EQ(fontsListedByFontconfig(next.linkFolder()), QSet<QString>{sans});
+    EXPECT_EQ(QDir(shard).entryList(QDir::Files | QDir::System | QDir::Hidden),
+              (QStringList{u'.' + FontActivationService::linkNameFor(sans), FontActivationService::linkNameFor(sans)}));
 }
