@@ -279,6 +279,10 @@ TEXTS = {
     "&Edit": "&Bearbeiten",
     "Deactivate All Fonts": "Alle Schriften deaktivieren",
     "Copy Fonts for Sandboxed Apps": "Schriften für isolierte Apps kopieren",
+    "Keep Session Fonts Until Logout": "Sitzungsschriften bis zur Abmeldung behalten",
+    "Activate for This Session": "Für diese Sitzung aktivieren",
+    "active for this session": "für diese Sitzung aktiv",
+    "Active for this session: Deactivate": "Für diese Sitzung aktiv: Deaktivieren",
     "Copy fonts for sandboxed apps?": "Schriften für isolierte Apps kopieren?",
     "Apps installed from Flathub see your font folder but not the folders Morvane links into when they are on another drive. Morvane copies those fonts into your font folder instead: the copies take %1 now, and more as you activate fonts from other drives.":
         "Von Flathub installierte Apps sehen Ihren Schriftordner, aber nicht die Ordner auf anderen Laufwerken, auf die Morvane verweist. Morvane kopiert diese Schriften stattdessen in Ihren Schriftordner: Die Kopien belegen jetzt %1 und mehr, wenn Sie Schriften von anderen Laufwerken aktivieren.",

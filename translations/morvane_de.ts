@@ -353,6 +353,10 @@
         <source>Remove from Collection</source>
         <translation>Aus Sammlung entfernen</translation>
     </message>
+    <message>
+        <source>Activate for This Session</source>
+        <translation>Für diese Sitzung aktivieren</translation>
+    </message>
 </context>
 <context>
     <name>ContextMenus</name>
@@ -711,6 +715,10 @@
         <translation>
             <numerusform>%n Schnitt</numerusform><numerusform>%n Schnitte</numerusform></translation>
     </message>
+    <message>
+        <source>active for this session</source>
+        <translation>für diese Sitzung aktiv</translation>
+    </message>
 </context>
 <context>
     <name>FontListTree</name>
@@ -807,6 +815,10 @@
     <message>
         <source>Activate</source>
         <translation>Aktivieren</translation>
+    </message>
+    <message>
+        <source>Active for this session: Deactivate</source>
+        <translation>Für diese Sitzung aktiv: Deaktivieren</translation>
     </message>
 </context>
 <context>
@@ -1085,6 +1097,10 @@
         <source>Copy Fonts for Sandboxed Apps</source>
         <translation>Schriften für isolierte Apps kopieren</translation>
     </message>
+    <message>
+        <source>Keep Session Fonts Until Logout</source>
+        <translation>Sitzungsschriften bis zur Abmeldung behalten</translation>
+    </message>
 </context>
 <context>
     <name>MessageArea</name>
@@ -1302,6 +1318,10 @@
     <message>
         <source>inactive</source>
         <translation>inaktiv</translation>
+    </message>
+    <message>
+        <source>active for this session</source>
+        <translation>für diese Sitzung aktiv</translation>
     </message>
 </context>
 <context>

@@ -113,6 +113,11 @@ void install(MainWindow &window)
     copies->setChecked(window.state().copiesForSandboxes());
     QObject::connect(copies, &QAction::triggered, &window,
                      [&window, copies] { toggleCopies(&window, &window.state(), copies); });
+    QAction *untilLogout = edit->addAction(MenuText::tr("Keep Session Fonts Until Logout"));
+    untilLogout->setCheckable(true);
+    untilLogout->setChecked(window.state().sessionFontsLastUntilLogout());
+    QObject::connect(untilLogout, &QAction::toggled, &window,
+                     [&window](bool checked) { window.state().setSessionFontsLastUntilLogout(checked); });
     // A running batch turns the change down: the mark shows what holds.
     QObject::connect(edit, &QMenu::aboutToShow, copies, [&window, copies] { copies->setChecked(window.state().copiesForSandboxes()); });
     QMenu *help = bar->addMenu(MenuText::tr("&Help"));

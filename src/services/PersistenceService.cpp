@@ -293,6 +293,16 @@ double PersistenceService::listSize() const
     return m_preferences->listSize();
 }
 
+bool PersistenceService::sessionFontsLastUntilLogout() const
+{
+    return m_preferences->sessionFontsLastUntilLogout();
+}
+
+void PersistenceService::setSessionFontsLastUntilLogout(bool untilLogout)
+{
+    m_preferences->setSessionFontsLastUntilLogout(untilLogout);
+}
+
 bool PersistenceService::copiesForSandboxes() const
 {
     return m_preferences->copiesForSandboxes();

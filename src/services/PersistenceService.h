@@ -96,6 +96,8 @@ public:
     double listSize() const;
     void setListSize(double size);
     bool copiesForSandboxes() const;
+    bool sessionFontsLastUntilLogout() const;
+    void setSessionFontsLastUntilLogout(bool untilLogout);
     void setCopiesForSandboxes(bool allowed);
     QByteArray windowGeometry() const;
     int sidebarWidth() const;

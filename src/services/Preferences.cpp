@@ -60,7 +60,27 @@ constexpr const char *kGeometryKey = "morvane_window_geometry";
 constexpr const char *kSidebarKey = "morvane_sidebar_width";
 constexpr const char *kListSizeKey = "morvane_list_size";
 constexpr const char *kCopiesKey = "morvane_copy_fonts_for_sandboxes";
+constexpr const char *kUntilLogoutKey = "morvane_session_fonts_until_logout";
 } // namespace
+
+bool Preferences::sessionFontsLastUntilLogout() const
+{
+    {
+        const std::lock_guard lock(m_unsaved->mutex);
+        if (m_unsaved->untilLogout)
+            return *m_unsaved->untilLogout;
+    }
+    return QSettings(settingsPath(), QSettings::IniFormat).value(QLatin1StringView(kUntilLogoutKey), false).toBool();
+}
+
+void Preferences::setSessionFontsLastUntilLogout(bool untilLogout)
+{
+    {
+        const std::lock_guard lock(m_unsaved->mutex);
+        m_unsaved->untilLogout = untilLogout;
+    }
+    scheduleWrite();
+}
 
 bool Preferences::copiesForSandboxes() const
 {
@@ -163,6 +183,7 @@ void Preferences::scheduleWrite()
             std::optional<int> sidebar;
             std::optional<double> listSize;
             std::optional<bool> copies;
+            std::optional<bool> untilLogout;
             {
                 const std::lock_guard lock(unsaved->mutex);
                 text = unsaved->text;
@@ -171,6 +192,7 @@ void Preferences::scheduleWrite()
                 sidebar = unsaved->sidebarWidth;
                 listSize = unsaved->listSize;
                 copies = unsaved->copies;
+                untilLogout = unsaved->untilLogout;
             }
             if (text)
                 settings.setValue(QLatin1StringView(previewTextKey), *text);
@@ -184,6 +206,8 @@ void Preferences::scheduleWrite()
                 settings.setValue(QLatin1StringView(kListSizeKey), *listSize);
             if (copies)
                 settings.setValue(QLatin1StringView(kCopiesKey), *copies);
+            if (untilLogout)
+                settings.setValue(QLatin1StringView(kUntilLogoutKey), *untilLogout);
             settings.sync();
             if (settings.status() != QSettings::NoError)
                 return u"can't write %1"_s.arg(path);
@@ -201,6 +225,8 @@ void Preferences::scheduleWrite()
                 unsaved->listSize.reset();
             if (unsaved->copies == copies)
                 unsaved->copies.reset();
+            if (unsaved->untilLogout == untilLogout)
+                unsaved->untilLogout.reset();
             return std::nullopt;
         },
         u"Failed to save preferences: "_s, 500ms);

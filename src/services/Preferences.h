@@ -43,6 +43,9 @@ public:
     // Whether fonts that sandboxed programs can't otherwise see are copied for them.
     bool copiesForSandboxes() const;
     void setCopiesForSandboxes(bool allowed);
+    // Whether fonts activated for this session stay active until logout, not until quit.
+    bool sessionFontsLastUntilLogout() const;
+    void setSessionFontsLastUntilLogout(bool untilLogout);
 
 private:
     struct Unsaved
@@ -54,6 +57,7 @@ private:
         std::optional<int> sidebarWidth;
         std::optional<double> listSize;
         std::optional<bool> copies;
+        std::optional<bool> untilLogout;
     };
     void scheduleWrite();
 

@@ -110,6 +110,7 @@ AppState::~AppState()
     delete m_refresh; // the running scan stops
     m_catalogue->stop();
     m_jobs.waitForAll();
+    endSession();
 }
 
 bool AppState::waitForBackgroundWork(int msecs)
@@ -141,6 +142,8 @@ void AppState::setActivatedFonts(QSet<QString> fonts)
     if (m_activatedFonts == fonts)
         return;
     m_activatedFonts = std::move(fonts);
+    if (!m_sessionFonts.isEmpty())
+        m_sessionFonts.intersect(m_activatedFonts); // only active fonts are this session's
     Q_EMIT activatedFontsChanged();
 }
 

@@ -138,6 +138,19 @@ public:
     bool waitForBackgroundWork(int msecs);
     void setStallTimeoutForTesting(int msecs) { m_stallTimer.setInterval(msecs); }
 
+    // ---- For this session only (AppStateSession.cpp) -----------------------------------
+    // Fonts active until Morvane quits, or until the user logs out (a preference): shown
+    // as ActivationState::Session, never saved as active. Activating one for good makes
+    // it an ordinary active font.
+    const QSet<QString> &sessionFonts() const { return m_sessionFonts; }
+    bool isSessionFont(const QString &path) const { return m_sessionFonts.contains(path); }
+    QCoro::Task<> activateForSession(FontNode node); // a font, or every font of a folder
+    QCoro::Task<> activateCollectionForSession(FontCollection collection);
+    bool sessionFontsLastUntilLogout() const;
+    void setSessionFontsLastUntilLogout(bool untilLogout);
+    // In $XDG_RUNTIME_DIR, which logging out empties.
+    static QString sessionRecordPath();
+
     // ---- Links that sandboxed programs see (AppStateLinks.cpp) -------------------------
     // Whether fonts that no hard link or clone can put in our font folder are copied
     // there, so programs in a sandbox see them; a preference, applied to the active
@@ -336,6 +349,12 @@ private:
     // Checks after the scan of the refresh numbered `request`; toggles are not held up.
     QCoro::Task<> refreshActivationLinks(quint64 request);
     void linksChecked(quint64 request);
+    QCoro::Task<> sessionBatch(QList<FontNode> fonts);
+    void saveSessionFonts();
+    // The session's record, when the fonts in it are to stay (removed otherwise).
+    QSet<QString> takeSessionRecord() const;
+    // At quit: switches this session's fonts off, unless they last until logout.
+    void endSession();
     // Activates saved fonts again ("Restoring"); those that fail for a reason not their
     // own go on waiting.
     QCoro::Task<BatchResult> reactivate(QList<FontNode> fonts);
@@ -379,6 +398,9 @@ private:
     // Activation
     QSet<QString> m_activatedFonts;
     QHash<QString, QString> m_refusedFonts; // turned down when last activated, with the reason
+    QSet<QString> m_sessionFonts;           // active until the session ends, never saved
+    bool m_nextBatchForSession = false;     // the next batch activates for this session
+    bool m_sessionRecorded = false;
     // How many of a folder's or a collection's fonts are active, of how many: a batch
     // moves the counts of the rows asked for so far by its own fonts, chunk by chunk,
     // rather than have every repaint count 100,000 fonts again.

@@ -53,8 +53,11 @@ bool isUnder(const QString &path, const QString &folder)
 
 ActivationState AppState::activationState(const FontNode &node)
 {
-    if (node.isFont())
-        return m_activatedFonts.contains(node.path()) ? ActivationState::Active : ActivationState::Inactive;
+    if (node.isFont()) {
+        if (!m_activatedFonts.contains(node.path()))
+            return ActivationState::Inactive;
+        return m_sessionFonts.contains(node.path()) ? ActivationState::Session : ActivationState::Active;
+    }
     auto memo = m_activationStateCache.constFind(node.path());
     // Read from the scan only; a folder it does not know has no fonts.
     if (memo == m_activationStateCache.cend())
@@ -105,11 +108,13 @@ bool AppState::countChanged(const QStringList &changed, bool nowActive)
 void AppState::saveActivatedFonts()
 {
     // Waiting activations are saved with the rest: an unmounted drive or a font folder
-    // that can't be written for a while must not make them forgotten.
-    if (m_waitingActivations.isEmpty())
+    // that can't be written for a while must not make them forgotten. Fonts active for
+    // this session only are never saved as active.
+    if (m_waitingActivations.isEmpty() && m_sessionFonts.isEmpty())
         m_persistenceService.saveActivatedFonts(m_activatedFonts);
     else
-        m_persistenceService.saveActivatedFonts(m_activatedFonts + m_waitingActivations);
+        m_persistenceService.saveActivatedFonts((m_activatedFonts - m_sessionFonts) + m_waitingActivations);
+    saveSessionFonts();
 }
 
 void AppState::cancelBatch()
@@ -209,7 +214,7 @@ QCoro::Task<> AppState::toggleFolder(FontNode node)
     // that was turned down: then the button does what its menu's "Deactivate All Fonts
     // in Folder" does, and says which fonts can't be activated.
     const ActivationState state = activationState(node);
-    bool activate = state != ActivationState::Active;
+    bool activate = !isOn(state);
     QStringList refused;
     if (state == ActivationState::Mixed) {
         bool onlyRefusedLeft = true;
@@ -326,6 +331,12 @@ QCoro::Task<BatchResult> AppState::batchProcess(QList<FontNode> fonts, bool acti
     }
     if (paths.isEmpty())
         co_return BatchResult{};
+    // Activated for good, a font active for this session only stays active for good.
+    const bool forSession = std::exchange(m_nextBatchForSession, false);
+    if (activate && !forSession && !m_sessionFonts.isEmpty()) {
+        for (const QString &path : std::as_const(paths))
+            m_sessionFonts.remove(path);
+    }
     QPointer<AppState> self(this);
     const auto batch = std::make_shared<ActivationBatch>();
     m_batch = batch;
@@ -380,8 +391,13 @@ QCoro::Task<BatchResult> AppState::batchProcess(QList<FontNode> fonts, bool acti
         // Changed in place: copying a set of 100,000 paths per chunk would add up.
         QStringList changed;
         for (const QString &path : succeeded) {
-            if (activate ? !m_activatedFonts.contains(path) : m_activatedFonts.contains(path))
+            if (activate ? !m_activatedFonts.contains(path) : m_activatedFonts.contains(path)) {
                 changed.append(path);
+                if (forSession)
+                    m_sessionFonts.insert(path); // newly on; a font on for good stays so
+            }
+            if (!activate)
+                m_sessionFonts.remove(path);
             if (activate) {
                 m_activatedFonts.insert(path);
                 if (!m_refusedFonts.isEmpty())
@@ -434,6 +450,7 @@ QCoro::Task<BatchResult> AppState::batchProcess(QList<FontNode> fonts, bool acti
     }
     QStringList refused;
     for (const QString &path : turnedDown.value_or(QStringList())) {
+        m_sessionFonts.remove(path);
         if (m_activatedFonts.remove(path))
             refused.append(path);
     }

@@ -134,8 +134,10 @@ QCoro::Task<> AppState::restoreActivations(QSet<QString> saved, bool savedSetIsW
     FontActivating *activation = &m_fontActivationService;
     const QStringList roots = sourceRoots();
     const bool copies = m_persistenceService.copiesForSandboxes();
+    // Fonts active for this session stay only while the session they belong to lasts.
+    const QSet<QString> session = takeSessionRecord();
     const QFuture<SavedFonts> check =
-        QtConcurrent::task([activation, saved, savedSetIsWhole, roots, copies, ticket = m_jobs.ticket()] {
+        QtConcurrent::task([activation, saved = saved + session, savedSetIsWhole, roots, copies, ticket = m_jobs.ticket()] {
             activation->setCopiesAllowed(copies); // before the repair, which makes links as it says
             return checkSavedFonts(activation, saved, savedSetIsWhole, roots);
         })
@@ -153,6 +155,12 @@ QCoro::Task<> AppState::restoreActivations(QSet<QString> saved, bool savedSetIsW
     co_await reactivate(fonts);
     if (!self)
         co_return;
+    for (const QString &font : session) {
+        if (m_activatedFonts.contains(font))
+            m_sessionFonts.insert(font);
+    }
+    if (!m_sessionFonts.isEmpty())
+        Q_EMIT activatedFontsChanged(); // their rows show them as this session's
     saveActivatedFonts(); // vanished fonts leave the saved set here
     setIsProcessing(false);
 }

@@ -80,7 +80,8 @@ TEST_F(Menus, HoldTheirItemsAndShortcuts)
               (QStringList{u"Add Font Folder... Ctrl+O"_s, u"New Collection Ctrl+Shift+N"_s, u"- "_s,
                            u"Refresh Sources Ctrl+R|F5"_s, u"- "_s, u"Quit Ctrl+Q"_s}));
     EXPECT_EQ(texts(itemsOf(menus[1]->menu())),
-              (QStringList{u"Deactivate All Fonts Ctrl+Shift+D"_s, u"- "_s, u"Copy Fonts for Sandboxed Apps "_s}));
+              (QStringList{u"Deactivate All Fonts Ctrl+Shift+D"_s, u"- "_s, u"Copy Fonts for Sandboxed Apps "_s,
+                           u"Keep Session Fonts Until Logout "_s}));
     EXPECT_EQ(texts(itemsOf(menus[2]->menu())), QStringList{u"About Morvane "_s});
     EXPECT_EQ(menus[0]->text(), u"&File"_s);
     EXPECT_EQ(menus[1]->text(), u"&Edit"_s);

@@ -351,7 +351,8 @@ QAction *item(const QMenu *menu, const QString &text)
 TEST_F(Browser, TheNodeMenuIsBuiltFromTheCurrentStateAtEachRightClick)
 {
     QMenu *menu = rightClick(0, u"A"_s);
-    EXPECT_EQ(titles(menu), (QStringList{u"Show in File Manager"_s, u"-"_s, u"Activate All Fonts in Folder"_s, u"-"_s,
+    EXPECT_EQ(titles(menu), (QStringList{u"Show in File Manager"_s, u"-"_s, u"Activate All Fonts in Folder"_s,
+                                         u"Activate for This Session"_s, u"-"_s,
                                          u"License Status"_s}));
     EXPECT_EQ(path(), QString()); // a right click selects nothing
     menu->close();
@@ -377,7 +378,8 @@ TEST_F(Browser, TheNodeMenuIsBuiltFromTheCurrentStateAtEachRightClick)
     click(0, u"A"_s);
     store.addToCollection(set, FontNode::fontFile(library + u"/A/a1.ttf"_s));
     menu = rightClick(1, u"a1.ttf"_s);
-    EXPECT_EQ(titles(menu), (QStringList{u"Show in File Manager"_s, u"-"_s, u"Activate Font"_s, u"-"_s,
+    EXPECT_EQ(titles(menu), (QStringList{u"Show in File Manager"_s, u"-"_s, u"Activate Font"_s,
+                                         u"Activate for This Session"_s, u"-"_s,
                                          u"Add to Collection"_s, u"-"_s, u"License Status"_s}));
     QMenu *collections = item(menu, u"Add to Collection"_s)->menu();
     EXPECT_EQ(titles(collections), (QStringList{u"Other"_s, u"Set"_s}));
@@ -446,8 +448,9 @@ TEST_F(Browser, TheSourceMenuAsksBeforeRemovingTheSource)
     } answers[] = {{QString(), false}, {u"Cancel"_s, false}, {u"Remove Source"_s, true}};
     for (const auto &answer : answers) {
         std::unique_ptr<QMenu> menu(ContextMenus::buildSourceMenu(store, store.sources().first(), &view));
-        EXPECT_EQ(titles(menu.get()), (QStringList{u"Activate All Fonts in Source"_s, u"-"_s, u"Show in File Manager"_s,
-                                                   u"-"_s, u"License Status"_s, u"-"_s, u"Remove Source"_s}))
+        EXPECT_EQ(titles(menu.get()), (QStringList{u"Activate All Fonts in Source"_s, u"Activate for This Session"_s, u"-"_s,
+                                                   u"Show in File Manager"_s, u"-"_s, u"License Status"_s, u"-"_s,
+                                                   u"Remove Source"_s}))
             << "mixed: not all its fonts are active";
         const std::shared_ptr<QString> asked = answerNextQuestion(answer.answer);
         item(menu.get(), u"Remove Source"_s)->trigger();
@@ -714,4 +717,26 @@ TEST_F(Browser, MenuItemsHaveTheirOwnKeys)
     const QString activate = item(node.get(), u"Activate Font"_s)->text();
     QTest::keyClick(node.get(), activate.at(activate.indexOf(u'&') + 1).toLatin1());
     ASSERT_TRUE(QTest::qWaitFor([&] { return store.activatedFonts().contains(library + u"/c.ttf"_s) && !store.isProcessing(); }));
+}
+
+// "Activate for This Session" from a font's menu: the row shows the session's own state
+// (a checked button with its own words), the font is active, and nothing is saved.
+TEST_F(Browser, AFontActivatedForThisSessionShowsItInItsRow)
+{
+    click(0, u"A"_s);
+    item(rightClick(1, u"a1.ttf"_s), u"Activate for This Session"_s)->trigger();
+    ASSERT_TRUE(waitUntilIdle());
+    const QString path = library + u"/A/a1.ttf"_s;
+    EXPECT_TRUE(store.isSessionFont(path));
+    const QModelIndex a1 = column(1)->nodeModel()->index(column(1)->nodeModel()->rowOf(path));
+    EXPECT_EQ(a1.data(FontNodeListModel::ActivationRole).toInt(), static_cast<int>(ActivationState::Session));
+    EXPECT_EQ(a1.data(Qt::CheckStateRole), QVariant(Qt::Checked));
+    EXPECT_EQ(FontNodeDelegate::buttonToolTip(a1.data(FontNodeListModel::ActivationRole).toInt()),
+              u"Active for this session: Deactivate"_s);
+    // Its menu now offers to switch it off, and no second session item.
+    const QStringList offered = titles(rightClick(1, u"a1.ttf"_s));
+    EXPECT_TRUE(offered.contains(u"Deactivate Font"_s));
+    EXPECT_FALSE(offered.contains(u"Activate for This Session"_s));
+    persistence.waitForWrites();
+    EXPECT_FALSE(PersistenceService().loadActivatedFonts().contains(path));
 }

@@ -269,7 +269,8 @@ TEST_F(Sidebar, RenameCommitsWithEnterAndCancelsWithEscape)
     QMenu *menu = rightClick(viewportOf(u"Clients"_s), rect(u"Clients"_s).center());
     ASSERT_TRUE(menu);
     EXPECT_EQ(actionTexts(menu),
-              (QStringList{u"Activate All Fonts in Collection"_s, QString(), u"Rename"_s, u"Set Custom Icon…"_s,
+              (QStringList{u"Activate All Fonts in Collection"_s, u"Activate for This Session"_s, QString(), u"Rename"_s,
+                           u"Set Custom Icon…"_s,
                            u"Remove Custom Icon"_s, QString(), u"Delete Collection"_s}));
     action(menu, u"Rename"_s)->trigger();
     menu->close();

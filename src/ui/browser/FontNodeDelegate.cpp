@@ -58,6 +58,7 @@ QString FontNodeDelegate::buttonToolTip(int activationState)
 {
     switch (static_cast<ActivationState>(activationState)) {
     case ActivationState::Active: return tr("Deactivate");
+    case ActivationState::Session: return tr("Active for this session: Deactivate");
     case ActivationState::Mixed: return tr("Activate All");
     case ActivationState::Inactive: break;
     }

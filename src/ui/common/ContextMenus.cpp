@@ -39,6 +39,12 @@ void openContainingFolder(AppState &state, const QString &path)
                         .arg(QFileInfo(path).fileName(), QFileInfo(path).absolutePath()));
 }
 
+// Beside every "Activate …": the same fonts, active until the session ends.
+void addSessionItem(QMenu *menu, const std::function<void()> &activate)
+{
+    QObject::connect(menu->addAction(ContextMenuText::tr("Activate for This Session")), &QAction::triggered, menu, activate);
+}
+
 } // namespace
 
 void revealInFileManager(AppState &state, const QString &path, const QDBusConnection &bus)
@@ -84,11 +90,13 @@ QMenu *buildNodeMenu(AppState &state, const FontNode &node, QWidget *parent)
     QObject::connect(menu->addAction(ContextMenuText::tr("Show in File Manager")), &QAction::triggered, menu,
                      [&state, path] { revealInFileManager(state, path); });
     menu->addSeparator();
-    const bool active = state.activationState(node) == ActivationState::Active;
+    const bool active = isOn(state.activationState(node));
     const QString toggle = node.isDirectory()
         ? (active ? ContextMenuText::tr("Deactivate All Fonts in Folder") : ContextMenuText::tr("Activate All Fonts in Folder"))
         : (active ? ContextMenuText::tr("Deactivate Font") : ContextMenuText::tr("Activate Font"));
     QObject::connect(menu->addAction(toggle), &QAction::triggered, menu, [&state, node] { state.toggleActivation(node); });
+    if (!active)
+        addSessionItem(menu, [&state, node] { state.activateForSession(node); });
     // Smart collections are not offered: their members are their question's answer.
     QList<FontCollection> plain = state.collections();
     plain.removeIf([](const FontCollection &collection) { return collection.isSmart(); });
@@ -115,10 +123,12 @@ QMenu *buildSourceMenu(AppState &state, const FolderSource &source, QWidget *par
     const QString path = source.path;
     // The row's round button, for the keyboard and for those who look in menus first.
     const FontNode root = FontNode::folder(path);
-    const bool active = state.activationState(root) == ActivationState::Active;
+    const bool active = isOn(state.activationState(root));
     QObject::connect(menu->addAction(active ? QCoreApplication::translate("ContextMenus", "Deactivate All Fonts in Source")
                                             : QCoreApplication::translate("ContextMenus", "Activate All Fonts in Source")),
                      &QAction::triggered, menu, [&state, root] { state.toggleActivation(root); });
+    if (!active)
+        addSessionItem(menu, [&state, root] { state.activateForSession(root); });
     menu->addSeparator();
     QObject::connect(menu->addAction(ContextMenuText::tr("Show in File Manager")), &QAction::triggered, menu,
                      [&state, path] { revealInFileManager(state, path); });
@@ -137,10 +147,12 @@ QMenu *buildCollectionMenu(AppState &state, const FontCollection &collection, QW
 {
     auto *menu = new QMenu(parent);
     menu->setAccessibleName(collection.name);
-    const bool active = state.collectionActivationState(collection) == ActivationState::Active;
+    const bool active = isOn(state.collectionActivationState(collection));
     QObject::connect(menu->addAction(active ? QCoreApplication::translate("ContextMenus", "Deactivate All Fonts in Collection")
                                             : QCoreApplication::translate("ContextMenus", "Activate All Fonts in Collection")),
                      &QAction::triggered, menu, [&state, collection] { state.toggleCollectionActivation(collection); });
+    if (!active)
+        addSessionItem(menu, [&state, collection] { state.activateCollectionForSession(collection); });
     menu->addSeparator();
     if (collection.isSmart()) {
         const QUuid smart = collection.id;

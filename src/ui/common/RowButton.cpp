@@ -24,6 +24,7 @@ QVariant checkState(int activationState)
     case 0: return Qt::Unchecked;
     case 1: return Qt::Checked;
     case 2: return Qt::PartiallyChecked;
+    case 3: return Qt::Checked; // active for this session
     default: return {};
     }
 }

@@ -116,7 +116,11 @@ void drawActivation(QPainter &painter, const QRectF &box, ActivationState state,
     painter.setPen(mark);
     painter.setBrush(Qt::NoBrush);
     const QPointF c = circle.center();
-    if (state == ActivationState::Active) {
+    if (state == ActivationState::Session) {
+        // A clock's hands: active until the session ends.
+        painter.drawLine(c, QPointF(c.x(), c.y() - side * 0.26));
+        painter.drawLine(c, QPointF(c.x() + side * 0.2, c.y()));
+    } else if (state == ActivationState::Active) {
         QPainterPath check;
         check.moveTo(c.x() - side * 0.22, c.y() + side * 0.02);
         check.lineTo(c.x() - side * 0.06, c.y() + side * 0.18);

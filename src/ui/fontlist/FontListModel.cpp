@@ -22,6 +22,7 @@ QString stateWord(ActivationState state)
 {
     switch (state) {
     case ActivationState::Active: return QCoreApplication::translate("FontListModel", "active");
+    case ActivationState::Session: return QCoreApplication::translate("FontListModel", "active for this session");
     case ActivationState::Mixed: return QCoreApplication::translate("FontListModel", "mixed");
     case ActivationState::Inactive: break;
     }
@@ -373,7 +374,11 @@ ActivationState FontListModel::activation(const QModelIndex &index) const
     const QStringList paths = pathsOf(index);
     const auto active = std::count_if(paths.cbegin(), paths.cend(),
                                       [&](const QString &path) { return m_state.activatedFonts().contains(path); });
-    const ActivationState state = active == 0 ? ActivationState::Inactive
+    // Every file active for this session only: the row says so.
+    const bool forNow = active == paths.size() && active > 0
+                        && std::all_of(paths.cbegin(), paths.cend(), [&](const QString &path) { return m_state.isSessionFont(path); });
+    const ActivationState state = active == 0                ? ActivationState::Inactive
+                                  : forNow                   ? ActivationState::Session
                                   : active == paths.size() ? ActivationState::Active
                                                            : ActivationState::Mixed;
     if (family)

@@ -407,7 +407,7 @@ void FontListView::toggle(const QModelIndex &index)
     QList<FontNode> fonts;
     for (const QString &path : paths)
         fonts.append(FontNode::fontFile(path));
-    const bool activate = m_model->activation(index) != ActivationState::Active;
+    const bool activate = !isOn(m_model->activation(index));
     m_state.setActivation(fonts, activate);
 }
 

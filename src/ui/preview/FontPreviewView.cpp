@@ -386,13 +386,14 @@ void FontPreviewView::changeEvent(QEvent *event)
 
 void FontPreviewView::syncActivation()
 {
-    const bool active = m_state.activationState(m_fontNode) == ActivationState::Active;
+    const ActivationState now = m_state.activationState(m_fontNode);
+    const bool active = isOn(now);
     const QString text = active ? tr("Deactivate") : tr("Activate");
     if (m_activate->text() == text && !m_activate->icon().isNull())
         return;
     m_activate->setText(text);
     m_activate->setAccessibleName(text);
-    m_activate->setIcon(activationIcon(active ? ActivationState::Active : ActivationState::Inactive, palette()));
+    m_activate->setIcon(activationIcon(now == ActivationState::Mixed ? ActivationState::Active : now, palette()));
 }
 
 void FontPreviewView::syncText()

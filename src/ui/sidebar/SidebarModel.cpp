@@ -60,6 +60,7 @@ QString SidebarModel::stateWord(ActivationState state)
 {
     switch (state) {
     case ActivationState::Active: return tr("active");
+    case ActivationState::Session: return tr("active for this session");
     case ActivationState::Mixed: return tr("mixed");
     default: break;
     }
