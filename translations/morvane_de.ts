@@ -719,12 +719,20 @@
         <source>active for this session</source>
         <translation>für diese Sitzung aktiv</translation>
     </message>
+    <message>
+        <source>%1 · %2 · modified %3</source>
+        <translation>%1 · %2 · geändert %3</translation>
+    </message>
 </context>
 <context>
     <name>FontListTree</name>
     <message>
         <source>&amp;Compare</source>
         <translation>&amp;Vergleichen</translation>
+    </message>
+    <message>
+        <source>Keep Only This File Active</source>
+        <translation>Nur diese Datei aktiv lassen</translation>
     </message>
 </context>
 <context>
@@ -965,6 +973,22 @@
     <message>
         <source>Library</source>
         <translation>Bibliothek</translation>
+    </message>
+    <message>
+        <source>Duplicates</source>
+        <translation>Duplikate</translation>
+    </message>
+    <message>
+        <source>Conflicts</source>
+        <translation>Konflikte</translation>
+    </message>
+    <message>
+        <source>One font in several files</source>
+        <translation>Eine Schrift in mehreren Dateien</translation>
+    </message>
+    <message>
+        <source>Active twice under one name</source>
+        <translation>Zweimal aktiv unter einem Namen</translation>
     </message>
 </context>
 <context>

@@ -17,7 +17,10 @@ LibraryView LibraryView::of(Kind kind)
 {
     static const QUuid all = QUuid::fromString(u"{6d6f7276-616e-6500-0000-000000000001}");
     static const QUuid active = QUuid::fromString(u"{6d6f7276-616e-6500-0000-000000000002}");
-    return LibraryView{kind, kind == AllFonts ? all : active};
+    static const QUuid duplicates = QUuid::fromString(u"{6d6f7276-616e-6500-0000-000000000003}");
+    static const QUuid conflicts = QUuid::fromString(u"{6d6f7276-616e-6500-0000-000000000004}");
+    const QUuid ids[] = {all, active, duplicates, conflicts};
+    return LibraryView{kind, ids[kind]};
 }
 
 FolderSearchResult FolderSearchResult::make(const FontNode &folder, const FolderSource &source,

@@ -9,7 +9,10 @@
 // One of the library's own lists of every font, above the sources.
 struct LibraryView
 {
-    enum Kind { AllFonts, ActiveFonts };
+    // Duplicates: faces whose PostScript name and version more than one file has;
+    // Conflicts: active faces whose PostScript name another active file has too.
+    enum Kind { AllFonts, ActiveFonts, Duplicates, Conflicts };
+    static constexpr int kKinds = 4;
     Kind kind = AllFonts;
     QUuid id{}; // fixed per kind, so that items compare as sources and collections do
 

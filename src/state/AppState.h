@@ -121,6 +121,9 @@ public:
     // document's fonts): the same guard, the same batch, the same save.
     QCoro::Task<> setActivation(QList<FontNode> fonts, bool activate);
     QCoro::Task<> toggleCollectionActivation(FontCollection collection);
+    // `keep` active and every one of `others` (files of the same PostScript name) not,
+    // in one go (AppStateDuplicates.cpp).
+    QCoro::Task<> keepOnlyActive(FontNode keep, QList<FontNode> others);
     // Every active font, in the sources or not (collection folders outside them too).
     QCoro::Task<> deactivateAllFonts();
     // A batch whose job has made no progress for a while (a file system that stopped

@@ -84,5 +84,9 @@ QFuture<qsizetype> AppState::countFonts(FontQuery query)
 
 qsizetype AppState::libraryFaceCount(LibraryView::Kind kind) const
 {
-    return kind == LibraryView::AllFonts ? m_libraryCounts->allFaces() : m_libraryCounts->activeFaces();
+    switch (kind) {
+    case LibraryView::AllFonts: return m_libraryCounts->allFaces();
+    case LibraryView::ActiveFonts: return m_libraryCounts->activeFaces();
+    default: return -1; // asked of the catalogue when shown, not counted ahead
+    }
 }

@@ -6,6 +6,7 @@
 #include "TestSupport.h"
 #include "WindowFixture.h"
 
+#include "services/FontActivationService.h"
 #include "services/PersistenceService.h"
 #include "state/AppState.h"
 #include "ui/common/ContextMenus.h"
@@ -27,6 +28,7 @@
 #include <QContextMenuEvent>
 #include <QCoroTask>
 #include <QFile>
+#include <QFileInfo>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
@@ -602,4 +604,71 @@ TEST_F(FontList, SamplesAreDrawnInTheDarkPalettesText)
     }
     EXPECT_GT(light, 300) << "the Serif sample's letters, light on the dark base";
     EXPECT_GT(dim, light) << "on the dark base";
+}
+
+// "Duplicates" lists the files that hold one font (the same PostScript name and
+// version), each row saying where it is, how large and how old; "Conflicts" lists the
+// active ones that claim one name. "Keep Only This File Active", from the row's menu by
+// the keyboard, leaves one: saved, and the only one fontconfig lists after a restart.
+TEST_F(FontList, DuplicatesAndConflictsShowTheFilesAndKeepOne)
+{
+    const QString copy = TestSupport::makeDir(library + u"/Copy"_s) + u"/DejaVuSans.ttf"_s;
+    ASSERT_TRUE(QFile::copy(library + u"/DejaVu/DejaVuSans.ttf"_s, copy));
+    const QString original = library + u"/DejaVu/DejaVuSans.ttf"_s;
+    window.reset();
+    window = openWindow(std::make_unique<FontActivationService>());
+    store().refreshFileSystem();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !store().isIndexing(); }, 20'000));
+    ASSERT_TRUE(store().waitForCatalogue(60'000));
+
+    const auto faceRows = [&] {
+        QStringList rows;
+        const FontListModel *model = list()->model();
+        for (int family = 0; family < model->rowCount(); ++family) {
+            const QModelIndex parent = model->index(family, 0);
+            EXPECT_TRUE(list()->tree()->isExpanded(parent)) << "every family open";
+            for (int face = 0; face < model->rowCount(parent); ++face)
+                rows.append(model->index(face, 0, parent).data(FontListModel::PathRole).toString());
+        }
+        rows.sort();
+        return rows;
+    };
+    choose(LibraryView::Duplicates);
+    EXPECT_EQ(families(), QStringList{u"DejaVu Sans"_s}); // the impostor has another version
+    EXPECT_EQ(faceRows(), (QStringList{copy, original}));
+    const QModelIndex first = list()->model()->index(0, 0, list()->model()->index(0, 0));
+    const QString caption = first.data(FontListModel::CaptionRole).toString();
+    EXPECT_TRUE(caption.contains(QFileInfo(first.data(FontListModel::PathRole).toString()).absolutePath()))
+        << caption.toStdString();
+    EXPECT_TRUE(caption.contains(u"modified"_s)) << caption.toStdString();
+    EXPECT_TRUE(first.data(Qt::AccessibleDescriptionRole).toString().startsWith(caption));
+
+    store().setActivation({FontNode::fontFile(original), FontNode::fontFile(copy)}, true);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !store().isProcessing(); }));
+    choose(LibraryView::Conflicts);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return faceRows() == QStringList{copy, original}; }, 10'000));
+
+    FontListTree *tree = list()->tree();
+    tree->setFocus();
+    const QModelIndex keep = list()->model()->index(0, 0, list()->model()->index(0, 0));
+    const QString kept = keep.data(FontListModel::PathRole).toString();
+    tree->setCurrentIndex(keep);
+    QTest::keyClick(tree, Qt::Key_F10, Qt::ShiftModifier);
+    QMenu *menu = nullptr;
+    ASSERT_TRUE(QTest::qWaitFor([&] {
+        const QList<QMenu *> menus = tree->findChildren<QMenu *>(Qt::FindDirectChildrenOnly);
+        menu = menus.isEmpty() ? nullptr : menus.constLast();
+        return menu && menu->isVisible();
+    }));
+    EXPECT_EQ(QString(menu->actions().value(0)->text()).remove(u'&'), u"Keep Only This File Active"_s);
+    menu->actions().value(0)->trigger();
+    menu->close();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return store().activatedFonts() == QSet<QString>{kept} && !store().isProcessing(); }));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return faceRows().isEmpty(); }, 10'000)) << "no conflict left";
+
+    window.reset();
+    window = openWindow(std::make_unique<FontActivationService>());
+    EXPECT_EQ(store().activatedFonts(), QSet<QString>{kept});
+    EXPECT_EQ(PersistenceService().loadActivatedFonts(), QSet<QString>{kept});
+    EXPECT_EQ(TestSupport::fontsListedByFontconfig(FontActivationService::defaultLinkFolder()), QSet<QString>{kept});
 }

@@ -6,6 +6,9 @@
 #include "ui/common/RowButton.h"
 
 #include <QCoreApplication>
+#include <QDir>
+#include <QFileInfo>
+#include <QLocale>
 #include <QHash>
 #include <QSet>
 
@@ -125,6 +128,7 @@ void FontListModel::reindex()
 
 void FontListModel::setAnswer(const FontQueryAnswer &answer, bool samePlace, const QSet<QString> &changedFiles)
 {
+    m_fileCaptions.clear(); // a file may have changed since
     if (!samePlace || m_rows.empty()) {
         beginResetModel();
         m_rows.clear();
@@ -398,9 +402,14 @@ QVariant FontListModel::data(const QModelIndex &index, int role) const
     case Qt::AccessibleTextRole:
         return isFamily ? family->name : face->style;
     case CaptionRole:
-        return isFamily ? styles(family->faces.size()) : QString();
+        return isFamily ? styles(family->faces.size()) : m_showsFiles ? fileCaption(face->path) : QString();
     case Qt::AccessibleDescriptionRole:
-        return isFamily ? styles(family->faces.size()) + u", "_s + stateWord(activation(index)) : stateWord(activation(index));
+        if (isFamily)
+            return QString(styles(family->faces.size()) + u", "_s + stateWord(activation(index)));
+        return m_showsFiles ? QString(fileCaption(face->path) + u", "_s + stateWord(activation(index)))
+                            : stateWord(activation(index));
+    case PostScriptRole:
+        return face->postScriptName;
     case ActivationRole:
         return int(activation(index));
     case Qt::CheckStateRole:
@@ -414,6 +423,43 @@ QVariant FontListModel::data(const QModelIndex &index, int role) const
     default:
         return {};
     }
+}
+
+void FontListModel::setShowsFiles(bool shows)
+{
+    if (m_showsFiles == shows)
+        return;
+    beginResetModel(); // every face row's caption changes
+    m_showsFiles = shows;
+    m_fileCaptions.clear();
+    endResetModel();
+}
+
+QString FontListModel::fileCaption(const QString &path) const
+{
+    const auto known = m_fileCaptions.constFind(path);
+    if (known != m_fileCaptions.cend())
+        return *known;
+    // Only the rows painted ask, once each: the files were just read by the catalogue.
+    const QFileInfo file(path);
+    const QLocale locale;
+    const QString caption = QCoreApplication::translate("FontListModel", "%1 \u00b7 %2 \u00b7 modified %3")
+                                .arg(QDir::toNativeSeparators(file.absolutePath()), locale.formattedDataSize(file.size()),
+                                     locale.toString(file.lastModified(), QLocale::ShortFormat));
+    m_fileCaptions.insert(path, caption);
+    return caption;
+}
+
+QStringList FontListModel::pathsWithPostScriptName(const QString &name) const
+{
+    QStringList paths;
+    for (const Row &row : m_rows) {
+        for (const FoundFace &face : row.family.faces) {
+            if (face.postScriptName == name && !paths.contains(face.path))
+                paths.append(face.path);
+        }
+    }
+    return paths;
 }
 
 Qt::ItemFlags FontListModel::flags(const QModelIndex &index) const

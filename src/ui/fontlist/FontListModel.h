@@ -25,6 +25,7 @@ public:
         PathRole,                          // the file of the face drawn (a family: its regular face)
         FaceIndexRole,
         IsFamilyRole,
+        PostScriptRole,                    // a face's PostScript name
     };
 
     explicit FontListModel(AppState &state, QObject *parent = nullptr);
@@ -50,6 +51,10 @@ public:
 
     // The files a row stands for: a face's one, a family's every one.
     QStringList pathsOf(const QModelIndex &index) const;
+    // Where duplicates are compared: each face row says its file's folder, size and date.
+    void setShowsFiles(bool shows);
+    // Every file of the answer with a face of this PostScript name.
+    QStringList pathsWithPostScriptName(const QString &name) const;
     ActivationState activation(const QModelIndex &index) const;
     // The face that draws a family: the upright regular width closest to weight 400, the
     // one with the most glyphs among equals.
@@ -64,6 +69,9 @@ private:
         quint32 id = 0;
         mutable qint8 state = -1; // ActivationState; -1: not counted since the last change
     };
+    QString fileCaption(const QString &path) const;
+    bool m_showsFiles = false;
+    mutable QHash<QString, QString> m_fileCaptions; // read once per answer
     const Row *rowOf(const QModelIndex &index) const;
     const FontFamily *familyOf(const QModelIndex &index) const;
     const FoundFace *faceOf(const QModelIndex &index) const;

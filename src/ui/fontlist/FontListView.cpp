@@ -83,6 +83,13 @@ void FontListTree::contextMenuEvent(QContextMenuEvent *event)
     if (path.isEmpty())
         return;
     QMenu *menu = ContextMenus::buildNodeMenu(m_state, FontNode::fontFile(path), this);
+    if (m_offersKeepOne && index.parent().isValid()) {
+        menu->insertSeparator(menu->actions().value(0));
+        QAction *keep = new QAction(tr("Keep Only This File Active"), menu);
+        menu->insertAction(menu->actions().value(0), keep);
+        const QPersistentModelIndex row(index);
+        connect(keep, &QAction::triggered, this, [this, row] { Q_EMIT keepOnlyRequested(row); });
+    }
     const qsizetype chosen = selectionModel()->selectedRows().size();
     if (chosen >= 2 && chosen <= CompareView::kMostFaces) {
         menu->addSeparator();
@@ -150,6 +157,8 @@ FontQuery FontListView::queryFor(const QString &filter, LibraryView::Kind kind)
     query.text = words.simplified();
     if (kind == LibraryView::ActiveFonts)
         query.active = true;
+    query.duplicates = kind == LibraryView::Duplicates;
+    query.conflicts = kind == LibraryView::Conflicts;
     return query;
 }
 
@@ -275,13 +284,25 @@ FontListView::FontListView(AppState &state, QWidget *parent)
         m_askSoon->start();
     });
     connect(&state, &AppState::activatedFontsChanged, this, [this] {
-        if (m_kind == LibraryView::ActiveFonts)
+        if (m_kind == LibraryView::ActiveFonts || m_kind == LibraryView::Conflicts)
             m_askSoon->start();
     });
     connect(m_samples, &FontSampleCache::sampleReady, m_tree->viewport(), qOverload<>(&QWidget::update));
     connect(m_delegate, &FontListDelegate::activationClicked, this, &FontListView::toggle);
     connect(m_tree, &FontListTree::toggleRequested, this, &FontListView::toggle);
     connect(m_tree, &FontListTree::openRequested, this, &FontListView::open);
+    connect(m_tree, &FontListTree::keepOnlyRequested, this, [this](const QModelIndex &index) {
+        const QString path = index.data(FontListModel::PathRole).toString();
+        const QString name = index.data(FontListModel::PostScriptRole).toString();
+        if (path.isEmpty() || name.isEmpty())
+            return;
+        QList<FontNode> others;
+        for (const QString &other : m_model->pathsWithPostScriptName(name)) {
+            if (other != path)
+                others.append(FontNode::fontFile(other));
+        }
+        m_state.keepOnlyActive(FontNode::fontFile(path), others);
+    });
     ask();
 }
 
@@ -391,7 +412,14 @@ void FontListView::answered(const FontQueryAnswer &answer)
     m_shown = {m_asked, m_askedKind};
     const QPersistentModelIndex top = m_tree->indexAt(QPoint(1, 1));
     const int topOffset = top.isValid() ? m_tree->visualRect(top).top() : 0;
+    // Duplicates and conflicts are told apart by their files: every face row shows its
+    // file, and every family is open.
+    const bool byFile = m_askedKind == LibraryView::Duplicates || m_askedKind == LibraryView::Conflicts;
+    m_model->setShowsFiles(byFile);
+    m_tree->setOffersKeepOne(byFile);
     m_model->setAnswer(answer, samePlace, std::exchange(m_changedFiles, {}));
+    if (byFile)
+        m_tree->expandAll();
     if (samePlace && top.isValid()) {
         m_tree->scrollTo(top, QAbstractItemView::PositionAtTop);
         if (m_tree->verticalScrollMode() == QAbstractItemView::ScrollPerPixel) // a row partly scrolled off stays so

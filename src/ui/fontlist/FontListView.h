@@ -43,6 +43,12 @@ Q_SIGNALS:
     void toggleRequested(const QModelIndex &index);
     void openRequested(const QModelIndex &index);
     void compareRequested();
+    // "Keep Only This File Active": the face row's file on, its namesakes' off.
+    void keepOnlyRequested(const QModelIndex &index);
+
+public:
+    // Duplicates and Conflicts offer to keep one file of a PostScript name.
+    void setOffersKeepOne(bool offers) { m_offersKeepOne = offers; }
 
 protected:
     void keyPressEvent(QKeyEvent *event) override;
@@ -55,6 +61,7 @@ private:
     bool typing() const;
 
     AppState &m_state;
+    bool m_offersKeepOne = false;
     TypeAhead m_typeAhead;
     QElapsedTimer m_sinceTyped;
 };

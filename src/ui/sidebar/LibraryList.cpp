@@ -27,17 +27,27 @@ public:
         connect(&state, &AppState::libraryCountsChanged, this,
                 [this] { Q_EMIT dataChanged(index(0), index(rowCount() - 1), {kCaptionRole, Qt::AccessibleDescriptionRole}); });
     }
-    int rowCount(const QModelIndex &parent = {}) const override { return parent.isValid() ? 0 : 2; }
+    int rowCount(const QModelIndex &parent = {}) const override { return parent.isValid() ? 0 : LibraryView::kKinds; }
     QVariant data(const QModelIndex &index, int role) const override
     {
         const auto kind = LibraryView::Kind(index.row());
         switch (role) {
         case Qt::DisplayRole:
         case Qt::AccessibleTextRole:
-            return kind == LibraryView::AllFonts ? LibraryList::tr("All Fonts") : LibraryList::tr("Active Fonts");
+            switch (kind) {
+            case LibraryView::AllFonts: return LibraryList::tr("All Fonts");
+            case LibraryView::ActiveFonts: return LibraryList::tr("Active Fonts");
+            case LibraryView::Duplicates: return LibraryList::tr("Duplicates");
+            case LibraryView::Conflicts: return LibraryList::tr("Conflicts");
+            }
+            return {};
         case kCaptionRole:
         case Qt::AccessibleDescriptionRole: {
             const qsizetype count = m_state.libraryFaceCount(kind);
+            if (kind == LibraryView::Duplicates)
+                return LibraryList::tr("One font in several files");
+            if (kind == LibraryView::Conflicts)
+                return LibraryList::tr("Active twice under one name");
             if (count < 0)
                 return QString();
             return count == 1 ? LibraryList::tr("1 font") : LibraryList::tr("%Ln fonts", nullptr, int(count));
@@ -117,7 +127,7 @@ LibraryList::LibraryList(AppState &state, QWidget *parent)
 
 int LibraryList::contentHeight() const
 {
-    return 2 * kRowHeight + 2;
+    return LibraryView::kKinds * kRowHeight + 2;
 }
 
 void LibraryList::syncSelection()
