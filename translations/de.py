@@ -285,7 +285,7 @@ TEXTS = {
     "One font in several files": "Eine Schrift in mehreren Dateien",
     "Active twice under one name": "Zweimal aktiv unter einem Namen",
     "Keep Only This File Active": "Nur diese Datei aktiv lassen",
-    "%1 \u00b7 %2 \u00b7 modified %3": "%1 \u00b7 %2 \u00b7 geändert %3",
+    "%1 \u00b7 modified %2 \u00b7 %3": "%1 \u00b7 geändert %2 \u00b7 %3",
     "Activate for This Session": "Für diese Sitzung aktivieren",
     "active for this session": "für diese Sitzung aktiv",
     "Active for this session: Deactivate": "Für diese Sitzung aktiv: Deaktivieren",

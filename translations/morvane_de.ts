@@ -720,8 +720,8 @@
         <translation>für diese Sitzung aktiv</translation>
     </message>
     <message>
-        <source>%1 · %2 · modified %3</source>
-        <translation>%1 · %2 · geändert %3</translation>
+        <source>%1 · modified %2 · %3</source>
+        <translation>%1 · geändert %2 · %3</translation>
     </message>
 </context>
 <context>

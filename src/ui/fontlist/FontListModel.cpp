@@ -443,9 +443,11 @@ QString FontListModel::fileCaption(const QString &path) const
     // Only the rows painted ask, once each: the files were just read by the catalogue.
     const QFileInfo file(path);
     const QLocale locale;
-    const QString caption = QCoreApplication::translate("FontListModel", "%1 \u00b7 %2 \u00b7 modified %3")
-                                .arg(QDir::toNativeSeparators(file.absolutePath()), locale.formattedDataSize(file.size()),
-                                     locale.toString(file.lastModified(), QLocale::ShortFormat));
+    // Size and date first: they tell two copies apart, and a long folder is cut at the end.
+    const QString caption = QCoreApplication::translate("FontListModel", "%1 \u00b7 modified %2 \u00b7 %3")
+                                .arg(locale.formattedDataSize(file.size()),
+                                     locale.toString(file.lastModified(), QLocale::ShortFormat),
+                                     QDir::toNativeSeparators(file.absolutePath()));
     m_fileCaptions.insert(path, caption);
     return caption;
 }
