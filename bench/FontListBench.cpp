@@ -118,6 +118,31 @@ void fontlistFilter100k(benchmark::State &state)
 BENCHMARK(fontlistFilter100k)->Unit(benchmark::kMillisecond)->Iterations(3)->Repetitions(3)
     ->ComputeStatistics("min", BenchFigures::fastest)->ReportAggregatesOnly(true);
 
+// "Duplicates" chosen over the 100,000 faces, until the answer is in, every family open,
+// and the rows on screen drawn (the library's faces have names of their own: the whole
+// question is asked, and few rows answer).
+void duplicates100k(benchmark::State &state)
+{
+    std::unique_ptr<FontListView> view = shownList();
+    untilDrawn(*view);
+    for (auto _ : state) {
+        view->setLibraryView(LibraryView::Duplicates);
+        while (view->isQuerying())
+            QApplication::processEvents(QEventLoop::WaitForMoreEvents);
+        view->tree()->viewport()->repaint();
+        while (view->samples()->isDrawing())
+            QApplication::processEvents(QEventLoop::WaitForMoreEvents);
+        view->tree()->viewport()->repaint();
+        state.PauseTiming();
+        state.counters["families"] = double(view->model()->rowCount());
+        view->setLibraryView(LibraryView::AllFonts);
+        untilDrawn(*view);
+        state.ResumeTiming();
+    }
+}
+BENCHMARK(duplicates100k)->Unit(benchmark::kMillisecond)->Iterations(3)->Repetitions(3)
+    ->ComputeStatistics("min", BenchFigures::fastest)->ReportAggregatesOnly(true);
+
 // Twelve families chosen, until compare has drawn their faces (samples never drawn
 // before: a list of its own each time).
 void compare12Faces(benchmark::State &state)
@@ -212,6 +237,7 @@ void addFontListFigures()
     BenchFigures::set("fontlist-page-down-ms", BenchFigures::milliseconds("fontlistPageDown"));
     BenchFigures::set("fontlist-filter-100k-ms", BenchFigures::milliseconds("fontlistFilter100k"));
     BenchFigures::set("compare-12-faces-ms", BenchFigures::milliseconds("compare12Faces"));
+    BenchFigures::set("duplicates-100k-ms", BenchFigures::milliseconds("duplicates100k"));
 }
 
 const bool registered = BenchFigures::onFinish(addFontListFigures);

@@ -6,6 +6,7 @@
 #include "FontActivationService.h"
 #include "model/SharedPaths.h"
 
+#include "ActivationFiles.h"
 #include "FontLinkFile.h"
 
 #include <QCryptographicHash>
@@ -20,20 +21,11 @@
 #include <unistd.h>
 
 using namespace Qt::StringLiterals;
+using namespace ActivationFiles;
 
 namespace {
 
 constexpr qsizetype kGroupSize = FontActivationService::kGroupSize;
-
-QByteArray encoded(const QString &path)
-{
-    return QFile::encodeName(path);
-}
-
-bool isNewer(const timespec &a, const timespec &b)
-{
-    return a.tv_sec != b.tv_sec ? a.tv_sec > b.tv_sec : a.tv_nsec > b.tv_nsec;
-}
 
 // Whether the font's file, or the link it is, changed after `when` (or can't be seen);
 // `entry` is the font's entry in the staged group.

@@ -19,9 +19,11 @@
 #include <ctime>
 
 
-// Activates fonts for every application through fontconfig: an active font is a
-// symbolic link to the font file in Morvane's own folder under the user's font
-// folder ($XDG_DATA_HOME/fonts/Morvane), and deactivating removes the link.
+// Activates fonts for every application through fontconfig: an active font has an
+// entry in Morvane's own folder under the user's font folder ($XDG_DATA_HOME/fonts/
+// Morvane), and deactivating removes it. The entry is the file itself where that costs
+// no space (a hard link, a clone), so sandboxed programs see it too; else a symbolic
+// link, or a copy when allowed (FontLinkFile, FontActivationLinks.cpp).
 //
 // fontconfig keeps one cache per folder and rescans a whole folder when it changes,
 // so links live in small shard folders of at most kShardCapacity links, made on

@@ -13,19 +13,6 @@ using namespace Qt::StringLiterals;
 using namespace TestSupport;
 using namespace FaultTestSupport;
 
-namespace {
-
-QSet<QString> savedFonts()
-{
-    return PersistenceService().loadActivatedFonts();
-}
-
-bool settled(const AppState &store)
-{
-    return !store.isProcessing() && !store.isIndexing();
-}
-
-} // namespace
 
 TEST(Availability, ASourceFolderMissingAtStartKeepsItsActivationsUntilItIsBack)
 {

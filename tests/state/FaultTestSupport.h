@@ -34,6 +34,17 @@ inline QString storage()
     return PersistenceService::defaultStorageFolder();
 }
 
+// The activations saved on disk now.
+inline QSet<QString> savedFonts()
+{
+    return PersistenceService().loadActivatedFonts();
+}
+
+inline bool settled(const AppState &store)
+{
+    return !store.isProcessing() && !store.isIndexing();
+}
+
 enum class Role {
     Child,       // unprivileged: run the test body
     ParentDone,  // root: the child ran it and its verdict is reported

@@ -12,14 +12,9 @@ using namespace FaultTestSupport;
 
 namespace {
 
-QSet<QString> savedFonts()
-{
-    return PersistenceService().loadActivatedFonts();
-}
-
 bool idle(AppState &store)
 {
-    return QTest::qWaitFor([&] { return !store.isProcessing() && !store.isIndexing(); }, 60'000);
+    return QTest::qWaitFor([&] { return settled(store); }, 60'000);
 }
 
 struct SessionLibrary : ActiveLibrary
