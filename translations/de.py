@@ -280,6 +280,14 @@ TEXTS = {
     "Deactivate All Fonts": "Alle Schriften deaktivieren",
     "Copy Fonts for Sandboxed Apps": "Schriften für isolierte Apps kopieren",
     "Keep Session Fonts Until Logout": "Sitzungsschriften bis zur Abmeldung behalten",
+    "\u201c%1\u201d is already active from another file.": "\u201e%1\u201c ist bereits aus einer anderen Datei aktiv.",
+    "%1 fonts are already active from other files.": "%1 Schriften sind bereits aus anderen Dateien aktiv.",
+    "%1 is active now, and %2 has the same PostScript name. With both active, every program picks one of them on its own. Replace the active one, or keep both?":
+        "%1 ist jetzt aktiv, und %2 hat denselben PostScript-Namen. Sind beide aktiv, wählt jedes Programm selbst eine davon. Die aktive ersetzen oder beide behalten?",
+    "With both files of a name active, every program picks one of them on its own. Replace the active ones, or keep both?":
+        "Sind beide Dateien eines Namens aktiv, wählt jedes Programm selbst eine davon. Die aktiven ersetzen oder beide behalten?",
+    "Replace": "Ersetzen",
+    "Keep Both": "Beide behalten",
     "Duplicates": "Duplikate",
     "Conflicts": "Konflikte",
     "One font in several files": "Eine Schrift in mehreren Dateien",

@@ -125,6 +125,30 @@
         <source>Removing copies of fonts…</source>
         <translation>Kopien von Schriften werden entfernt …</translation>
     </message>
+    <message>
+        <source>“%1” is already active from another file.</source>
+        <translation>„%1“ ist bereits aus einer anderen Datei aktiv.</translation>
+    </message>
+    <message>
+        <source>%1 fonts are already active from other files.</source>
+        <translation>%1 Schriften sind bereits aus anderen Dateien aktiv.</translation>
+    </message>
+    <message>
+        <source>%1 is active now, and %2 has the same PostScript name. With both active, every program picks one of them on its own. Replace the active one, or keep both?</source>
+        <translation>%1 ist jetzt aktiv, und %2 hat denselben PostScript-Namen. Sind beide aktiv, wählt jedes Programm selbst eine davon. Die aktive ersetzen oder beide behalten?</translation>
+    </message>
+    <message>
+        <source>With both files of a name active, every program picks one of them on its own. Replace the active ones, or keep both?</source>
+        <translation>Sind beide Dateien eines Namens aktiv, wählt jedes Programm selbst eine davon. Die aktiven ersetzen oder beide behalten?</translation>
+    </message>
+    <message>
+        <source>Replace</source>
+        <translation>Ersetzen</translation>
+    </message>
+    <message>
+        <source>Keep Both</source>
+        <translation>Beide behalten</translation>
+    </message>
 </context>
 <context>
     <name>AxisControls</name>

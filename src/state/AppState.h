@@ -124,6 +124,20 @@ public:
     // `keep` active and every one of `others` (files of the same PostScript name) not,
     // in one go (AppStateDuplicates.cpp).
     QCoro::Task<> keepOnlyActive(FontNode keep, QList<FontNode> others);
+    // A font about to be activated whose PostScript name an active file of another
+    // path already has: fontconfig would pick one of the two for every program.
+    struct ActivationConflict
+    {
+        QString postScriptName;
+        QString font;         // being activated
+        QStringList active;   // already active, claiming the same name
+    };
+    enum class ConflictChoice { Replace, KeepBoth, Cancel };
+    // Asked before the user's activations (not restores) when they would make such
+    // conflicts: Replace switches the active namesakes off first. Without a guard (no
+    // window) both are kept.
+    using ActivationGuard = std::function<ConflictChoice(const QList<ActivationConflict> &)>;
+    void setActivationGuard(ActivationGuard guard) { m_activationGuard = std::move(guard); }
     // Every active font, in the sources or not (collection folders outside them too).
     QCoro::Task<> deactivateAllFonts();
     // A batch whose job has made no progress for a while (a file system that stopped
@@ -353,6 +367,11 @@ private:
     QCoro::Task<> refreshActivationLinks(quint64 request);
     void linksChecked(quint64 request);
     QCoro::Task<> sessionBatch(QList<FontNode> fonts);
+    // The guard's say on activating `fonts`: the fonts to switch off first (none: go
+    // on), or nothing at all when the user cancelled.
+    QCoro::Task<std::optional<QList<FontNode>>> passGuard(QList<FontNode> fonts);
+    // passGuard, then the namesakes off, then `fonts` on; false when cancelled.
+    QCoro::Task<bool> guardedActivation(QList<FontNode> fonts, QString label, bool forSession = false);
     void saveSessionFonts();
     // The session's record, when the fonts in it are to stay (removed otherwise).
     QSet<QString> takeSessionRecord() const;
@@ -404,6 +423,7 @@ private:
     QSet<QString> m_sessionFonts;           // active until the session ends, never saved
     bool m_nextBatchForSession = false;     // the next batch activates for this session
     bool m_sessionRecorded = false;
+    ActivationGuard m_activationGuard;
     // How many of a folder's or a collection's fonts are active, of how many: a batch
     // moves the counts of the rows asked for so far by its own fonts, chunk by chunk,
     // rather than have every repaint count 100,000 fonts again.

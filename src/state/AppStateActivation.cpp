@@ -181,7 +181,10 @@ QCoro::Task<> AppState::setActivation(QList<FontNode> fonts, bool activate)
         co_return;
     QPointer<AppState> self(this);
     const QString label = fonts.size() == 1 ? u"Updating"_s : activate ? u"Activating"_s : u"Deactivating"_s;
-    co_await batchProcess(fonts, activate, label);
+    if (activate)
+        co_await guardedActivation(fonts, label);
+    else
+        co_await batchProcess(fonts, activate, label);
     if (self)
         saveActivatedFonts();
 }
@@ -196,7 +199,10 @@ QCoro::Task<> AppState::toggleActivation(FontNode node)
         const QList<FontNode> single{node};
         const QString label = u"Updating"_s;
         const bool activate = !m_activatedFonts.contains(node.path());
-        co_await batchProcess(single, activate, label);
+        if (activate)
+            co_await guardedActivation(single, label);
+        else
+            co_await batchProcess(single, activate, label);
     } else if (node.isDirectory()) {
         co_await toggleFolder(node);
     }
@@ -230,8 +236,12 @@ QCoro::Task<> AppState::toggleFolder(FontNode node)
     }
     const QString label = activate ? u"Activating"_s : u"Deactivating"_s;
     QPointer<AppState> self(this);
+    if (activate) {
+        co_await guardedActivation(fonts, label);
+        co_return;
+    }
     co_await batchProcess(fonts, activate, label);
-    if (!self || activate)
+    if (!self)
         co_return;
     if (refused.size() == 1) {
         setNotice(tr("Turned off the fonts in \u201c%1\u201d. \u201c%2\u201d couldn't be activated: %3")
@@ -255,9 +265,12 @@ QCoro::Task<> AppState::toggleCollectionActivation(FontCollection collection)
     if (fonts.isEmpty())
         co_return;
     QPointer<AppState> self(this);
-    const bool activate = collectionActivationState(collection) != ActivationState::Active;
+    const bool activate = !isOn(collectionActivationState(collection));
     const QString label = activate ? u"Activating"_s : u"Deactivating"_s;
-    co_await batchProcess(fonts, activate, label);
+    if (activate)
+        co_await guardedActivation(fonts, label);
+    else
+        co_await batchProcess(fonts, activate, label);
     if (self)
         saveActivatedFonts();
 }

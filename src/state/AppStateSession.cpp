@@ -59,9 +59,8 @@ QCoro::Task<> AppState::sessionBatch(QList<FontNode> fonts)
     if (m_isProcessing || m_isIndexing || fonts.isEmpty())
         co_return;
     QPointer<AppState> self(this);
-    m_nextBatchForSession = true;
     const QString label = u"Activating"_s;
-    co_await batchProcess(fonts, true, label);
+    co_await guardedActivation(fonts, label, true);
     if (self)
         saveActivatedFonts(); // the saved set stays as it was; the session's record changes
 }

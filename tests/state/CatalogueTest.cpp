@@ -312,3 +312,81 @@ TEST(Catalogue, ACatalogueDamagedBetweenStartsIsBuiltAgainAtTheNextStart)
         EXPECT_EQ(postScriptNames(ask(*fixture.store, FontQuery{})).size(), 5) << c.what;
     }
 }
+
+// Activating a file whose PostScript name an active file of another path has asks
+// first: Cancel changes nothing, Keep Both activates it beside the other, Replace
+// switches the other off first. A font no active file shares a name with is not asked
+// about, nor are two files of one name activated together.
+TEST(Catalogue, AnActivationThatWouldMakeAConflictAsksFirst)
+{
+    StoreFixture fixture;
+    AppState &store = *fixture.store;
+    const QString a = makeDir(fixture.library + u"/A"_s), b = makeDir(fixture.library + u"/B"_s);
+    const QString dejavu = u"/usr/share/fonts/truetype/dejavu/"_s;
+    ASSERT_TRUE(QFile::copy(dejavu + u"DejaVuSans.ttf"_s, a + u"/DejaVuSans.ttf"_s));
+    ASSERT_TRUE(QFile::copy(dejavu + u"DejaVuSans.ttf"_s, b + u"/DejaVuSans.ttf"_s));
+    ASSERT_TRUE(QFile::copy(QStringLiteral(MORVANE_TEST_FONTS "/Impostor.ttf"), b + u"/Impostor.ttf"_s));
+    ASSERT_TRUE(QFile::copy(dejavu + u"DejaVuSerif.ttf"_s, b + u"/DejaVuSerif.ttf"_s));
+    store.addSource(fixture.library);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !store.isIndexing(); }, 20'000));
+    ASSERT_TRUE(store.waitForCatalogue(60'000));
+    const QString first = a + u"/DejaVuSans.ttf"_s, second = b + u"/DejaVuSans.ttf"_s, impostor = b + u"/Impostor.ttf"_s;
+
+    QList<QList<AppState::ActivationConflict>> asked;
+    AppState::ConflictChoice answer = AppState::ConflictChoice::Cancel;
+    store.setActivationGuard([&](const QList<AppState::ActivationConflict> &conflicts) {
+        asked.append(conflicts);
+        return answer;
+    });
+    const auto activate = [&](const QStringList &paths) {
+        QList<FontNode> fonts;
+        for (const QString &path : paths)
+            fonts.append(FontNode::fontFile(path));
+        store.setActivation(fonts, true);
+        return QTest::qWaitFor([&] { return !store.isProcessing(); });
+    };
+    const auto active = [&] { return store.activatedFonts(); };
+
+    ASSERT_TRUE(activate({first, b + u"/DejaVuSerif.ttf"_s}));
+    EXPECT_TRUE(asked.isEmpty()) << "nothing active shared their names";
+
+    const struct
+    {
+        const char *name;
+        AppState::ConflictChoice answer;
+        QSet<QString> after;
+    } cases[] = {
+        {"Cancel", AppState::ConflictChoice::Cancel, {first}},
+        {"Keep Both", AppState::ConflictChoice::KeepBoth, {first, second}},
+        {"Replace", AppState::ConflictChoice::Replace, {second}},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.name);
+        store.setActivation({FontNode::fontFile(first), FontNode::fontFile(second)}, false);
+        ASSERT_TRUE(QTest::qWaitFor([&] { return !store.isProcessing(); }));
+        ASSERT_TRUE(activate({first}));
+        asked.clear();
+        answer = c.answer;
+        ASSERT_TRUE(activate({second}));
+        ASSERT_EQ(asked.size(), 1);
+        ASSERT_EQ(asked.first().size(), 1);
+        EXPECT_EQ(asked.first().first().postScriptName, u"DejaVuSans"_s);
+        EXPECT_EQ(asked.first().first().font, second);
+        EXPECT_EQ(asked.first().first().active, QStringList{first});
+        QSet<QString> sans = active();
+        sans.remove(b + u"/DejaVuSerif.ttf"_s);
+        EXPECT_EQ(sans, c.after);
+    }
+    // The impostor claims the name too (another version): asked about it as well; two
+    // files of a name chosen together are the user's own choice.
+    store.setActivation({FontNode::fontFile(first), FontNode::fontFile(second)}, false);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !store.isProcessing(); }));
+    asked.clear();
+    answer = AppState::ConflictChoice::KeepBoth;
+    ASSERT_TRUE(activate({first, second}));
+    EXPECT_TRUE(asked.isEmpty());
+    ASSERT_TRUE(activate({impostor}));
+    ASSERT_EQ(asked.size(), 1);
+    EXPECT_EQ(QSet<QString>(asked.first().first().active.cbegin(), asked.first().first().active.cend()),
+              (QSet<QString>{first, second}));
+}

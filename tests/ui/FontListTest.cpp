@@ -32,6 +32,8 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
+#include <QMessageBox>
+#include <QTimer>
 #include <QMimeData>
 #include <QDropEvent>
 #include <QPushButton>
@@ -671,4 +673,71 @@ TEST_F(FontList, DuplicatesAndConflictsShowTheFilesAndKeepOne)
     EXPECT_EQ(store().activatedFonts(), QSet<QString>{kept});
     EXPECT_EQ(PersistenceService().loadActivatedFonts(), QSet<QString>{kept});
     EXPECT_EQ(TestSupport::fontsListedByFontconfig(FontActivationService::defaultLinkFolder()), QSet<QString>{kept});
+}
+
+namespace {
+
+// Answers the next message box by a key, as soon as it shows, keeping what it said.
+class KeyAnswer : public QObject
+{
+public:
+    explicit KeyAnswer(Qt::Key key) : m_key(key) { qApp->installEventFilter(this); }
+    QString said;
+    bool answered = false;
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override
+    {
+        auto *box = qobject_cast<QMessageBox *>(watched);
+        if (box && event->type() == QEvent::Show && !answered) {
+            said = box->text() + u'\n' + box->informativeText();
+            QTimer::singleShot(0, box, [this, box] {
+                QTest::keyClick(box, m_key);
+                answered = true;
+            });
+        }
+        return false;
+    }
+
+private:
+    Qt::Key m_key;
+};
+
+} // namespace
+
+// Space on a face whose PostScript name an active file of another path has: the window
+// asks first. Escape keeps things as they were; Return (Replace) switches the other off.
+TEST_F(FontList, ActivatingANamesakeOfAnActiveFontAsksFirst)
+{
+    const QString sans = library + u"/DejaVu/DejaVuSans.ttf"_s, impostor = library + u"/Odd/Impostor.ttf"_s;
+    store().setActivation({FontNode::fontFile(sans)}, true);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !store().isProcessing(); }));
+    choose(LibraryView::AllFonts);
+    families();
+    FontListTree *tree = list()->tree();
+    tree->expandAll();
+    QModelIndex row;
+    for (int family = 0; family < list()->model()->rowCount() && !row.isValid(); ++family) {
+        const QModelIndex parent = list()->model()->index(family, 0);
+        for (int face = 0; face < list()->model()->rowCount(parent); ++face) {
+            if (list()->model()->index(face, 0, parent).data(FontListModel::PathRole) == impostor)
+                row = list()->model()->index(face, 0, parent);
+        }
+    }
+    ASSERT_TRUE(row.isValid());
+    tree->setFocus();
+    tree->setCurrentIndex(row);
+    {
+        KeyAnswer cancel(Qt::Key_Escape);
+        QTest::keyClick(tree, Qt::Key_Space);
+        ASSERT_TRUE(QTest::qWaitFor([&] { return cancel.answered && !store().isProcessing(); }));
+        EXPECT_TRUE(cancel.said.startsWith(u"\u201cDejaVuSans\u201d is already active from another file."_s))
+            << cancel.said.toStdString();
+        EXPECT_TRUE(cancel.said.contains(sans)) << cancel.said.toStdString();
+        EXPECT_EQ(store().activatedFonts(), QSet<QString>{sans});
+    }
+    KeyAnswer replace(Qt::Key_Return);
+    QTest::keyClick(tree, Qt::Key_Space);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return replace.answered && store().activatedFonts() == QSet<QString>{impostor}; }));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !store().isProcessing(); }));
 }

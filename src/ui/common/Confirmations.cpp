@@ -11,6 +11,8 @@
 #include <QPointer>
 #include <QPushButton>
 
+using namespace Qt::StringLiterals;
+
 namespace Confirmations {
 
 namespace {
@@ -67,6 +69,43 @@ void deleteCollection(QWidget *parent, const FontCollection &collection, std::fu
                                           .arg(QLocale().toString(items));
     ask(parent, tr("Delete the collection \u201c%1\u201d?").arg(collection.name), what, tr("Delete Collection"),
         std::move(act));
+}
+
+AppState::ConflictChoice activationConflicts(QWidget *parent, const QList<AppState::ActivationConflict> &conflicts)
+{
+    if (conflicts.isEmpty())
+        return AppState::ConflictChoice::KeepBoth;
+    const AppState::ActivationConflict &first = conflicts.constFirst();
+    const auto name = [](const QString &path) { return path.section(u'/', -1); };
+    const QString question =
+        conflicts.size() == 1
+            ? tr("\u201c%1\u201d is already active from another file.").arg(first.postScriptName)
+            : tr("%1 fonts are already active from other files.").arg(QLocale().toString(conflicts.size()));
+    const QString detail =
+        conflicts.size() == 1
+            ? tr("%1 is active now, and %2 has the same PostScript name. With both active, every program picks one "
+                 "of them on its own. Replace the active one, or keep both?")
+                  .arg(first.active.constFirst(), first.font)
+            : tr("With both files of a name active, every program picks one of them on its own. Replace the active "
+                 "ones, or keep both?");
+    QMessageBox box(QMessageBox::Question, QCoreApplication::applicationName(), question, QMessageBox::Cancel,
+                    parent ? parent->window() : nullptr);
+    box.setInformativeText(detail);
+    QStringList lines;
+    for (const AppState::ActivationConflict &conflict : conflicts)
+        lines.append(conflict.postScriptName + u": "_s + name(conflict.font) + u" \u2190 "_s + conflict.active.join(u", "_s));
+    if (conflicts.size() > 1)
+        box.setDetailedText(lines.join(u'\n'));
+    QPushButton *replace = box.addButton(tr("Replace"), QMessageBox::AcceptRole);
+    QPushButton *both = box.addButton(tr("Keep Both"), QMessageBox::AcceptRole);
+    box.setDefaultButton(replace);
+    box.setEscapeButton(QMessageBox::Cancel);
+    box.exec();
+    if (box.clickedButton() == replace)
+        return AppState::ConflictChoice::Replace;
+    if (box.clickedButton() == both)
+        return AppState::ConflictChoice::KeepBoth;
+    return AppState::ConflictChoice::Cancel;
 }
 
 } // namespace Confirmations

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "state/AppState.h"
+
 #include <functional>
 
 class AppState;
@@ -15,5 +17,9 @@ namespace Confirmations {
 
 void removeSource(QWidget *parent, const AppState &state, const FolderSource &source, std::function<void()> act);
 void deleteCollection(QWidget *parent, const FontCollection &collection, std::function<void()> act);
+// Before an activation that would make two active files claim one PostScript name:
+// "Replace" (the default), "Keep Both", or Cancel (Escape). Asked at once, as the store
+// waits for the answer.
+AppState::ConflictChoice activationConflicts(QWidget *parent, const QList<AppState::ActivationConflict> &conflicts);
 
 } // namespace Confirmations

@@ -7,6 +7,7 @@
 #include <QLineEdit>
 #include "ui/window/MessageArea.h"
 #include "ui/window/SaveFailureBanner.h"
+#include "ui/common/Confirmations.h"
 #include "ui/common/WheelGuard.h"
 
 #include "ui/collection/CollectionView.h"
@@ -62,6 +63,10 @@ MainWindow::MainWindow(WindowStore store, QWidget *parent)
     setWindowIcon(QIcon::fromTheme(u"org.morvane.Morvane"_s, QIcon(u":/morvane/org.morvane.Morvane.svg"_s)));
     setMinimumSize(900, 500);
     WheelGuard::install(this);
+    // Two active files of one PostScript name: the user decides before it happens.
+    m_state->setActivationGuard([this](const QList<AppState::ActivationConflict> &conflicts) {
+        return Confirmations::activationConflicts(this, conflicts);
+    });
     resize(1100, 650);
     auto *central = new QWidget(this);
     auto *layout = new QVBoxLayout(central);
