@@ -328,6 +328,8 @@ QCoro::Task<> AppState::deactivateAllFonts()
 
 QCoro::Task<BatchResult> AppState::batchProcess(QList<FontNode> fonts, bool activate, QString label)
 {
+    // Taken whatever happens next: it never outlives the batch it was meant for.
+    const bool forSession = std::exchange(m_nextBatchForSession, false);
     // Callers check isProcessing first; this is the last line of defence, as two
     // batches sharing the link folder and the progress fields would undo each other.
     if (m_batch) {
@@ -345,7 +347,6 @@ QCoro::Task<BatchResult> AppState::batchProcess(QList<FontNode> fonts, bool acti
     if (paths.isEmpty())
         co_return BatchResult{};
     // Activated for good, a font active for this session only stays active for good.
-    const bool forSession = std::exchange(m_nextBatchForSession, false);
     if (activate && !forSession && !m_sessionFonts.isEmpty()) {
         for (const QString &path : std::as_const(paths))
             m_sessionFonts.remove(path);

@@ -111,5 +111,7 @@ QCoro::Task<bool> AppState::guardedActivation(QList<FontNode> fonts, QString lab
     }
     m_nextBatchForSession = forSession;
     co_await batchProcess(fonts, true, label);
+    if (self && !m_batch)
+        setIsProcessing(false); // a batch that found nothing to do never said it was busy
     co_return true;
 }
