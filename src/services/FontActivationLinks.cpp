@@ -137,11 +137,6 @@ void FontActivationService::setCopiesAllowed(bool allowed)
     rebuildPending();
 }
 
-bool FontActivationService::copiesAllowed() const
-{
-    return m_copiesAllowed;
-}
-
 qint64 FontActivationService::bytesToCopy()
 {
     const QMutexLocker lock(&m_mutex);

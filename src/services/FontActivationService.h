@@ -73,7 +73,6 @@ public:
 
     void setCopiesAllowed(bool allowed) override;
     QStringList refreshLinks() override;
-    bool copiesAllowed() const;
     // What copying every font that only a symbolic link reaches now would take.
     qint64 bytesToCopy() override;
 

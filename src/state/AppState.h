@@ -159,7 +159,6 @@ public:
     // Fonts active until Morvane quits, or until the user logs out (a preference): shown
     // as ActivationState::Session, never saved as active. Activating one for good makes
     // it an ordinary active font.
-    const QSet<QString> &sessionFonts() const { return m_sessionFonts; }
     bool isSessionFont(const QString &path) const { return m_sessionFonts.contains(path); }
     QCoro::Task<> activateForSession(FontNode node); // a font, or every font of a folder
     QCoro::Task<> activateCollectionForSession(FontCollection collection);

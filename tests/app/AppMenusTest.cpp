@@ -159,39 +159,6 @@ TEST_F(Menus, QuitEndsTheProgram)
     EXPECT_FALSE(window->isVisible());
 }
 
-namespace {
-
-// Answers the next message box as soon as it shows, with the button labelled `button`,
-// keeping what it said.
-class BoxAnswer : public QObject
-{
-public:
-    explicit BoxAnswer(QString button) : m_button(std::move(button)) { qApp->installEventFilter(this); }
-    QString said;
-    bool answered = false;
-
-protected:
-    bool eventFilter(QObject *watched, QEvent *event) override
-    {
-        auto *box = qobject_cast<QMessageBox *>(watched);
-        if (box && event->type() == QEvent::Show && !answered) {
-            said = box->text() + u'\n' + box->informativeText();
-            QTimer::singleShot(0, box, [this, box] {
-                for (QAbstractButton *button : box->buttons()) {
-                    if (button->text() == m_button)
-                        button->click();
-                }
-                answered = true;
-            });
-        }
-        return false;
-    }
-
-private:
-    QString m_button;
-};
-
-} // namespace
 
 // Copies cost space: the user hears how much before any is made, Cancel leaves things
 // as they were, and the choice is saved.
@@ -200,16 +167,15 @@ TEST_F(Menus, CopyingFontsForSandboxedAppsAsksFirst)
     QAction *copies = window->menuBar()->actions().at(1)->menu()->actions().at(2);
     ASSERT_EQ(QString(copies->text()).remove(u'&'), u"Copy Fonts for Sandboxed Apps"_s);
     {
-        BoxAnswer cancel(u"Cancel"_s);
+        const std::shared_ptr<QString> cancel = answerNextQuestion(u"Cancel"_s);
         copies->trigger();
-        ASSERT_TRUE(QTest::qWaitFor([&] { return cancel.answered; }));
-        EXPECT_TRUE(cancel.said.contains(u"0 bytes"_s)) << cancel.said.toStdString(); // nothing active needs one
-        EXPECT_FALSE(copies->isChecked());
+        ASSERT_TRUE(QTest::qWaitFor([&] { return !cancel->isEmpty() && !copies->isChecked(); }));
+        EXPECT_TRUE(cancel->contains(u"0 bytes"_s)) << cancel->toStdString(); // nothing active needs one
         EXPECT_FALSE(store().copiesForSandboxes());
     }
-    BoxAnswer copy(u"Copy Fonts"_s);
+    const std::shared_ptr<QString> copy = answerNextQuestion(u"Copy Fonts"_s);
     copies->trigger();
-    ASSERT_TRUE(QTest::qWaitFor([&] { return copy.answered && store().copiesForSandboxes() && !store().isProcessing(); }));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !copy->isEmpty() && store().copiesForSandboxes() && !store().isProcessing(); }));
     EXPECT_TRUE(copies->isChecked());
     window.reset(); // the preferences are written at quit at the latest
     EXPECT_TRUE(PersistenceService().copiesForSandboxes());

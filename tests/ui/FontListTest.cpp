@@ -675,38 +675,9 @@ TEST_F(FontList, DuplicatesAndConflictsShowTheFilesAndKeepOne)
     EXPECT_EQ(TestSupport::fontsListedByFontconfig(FontActivationService::defaultLinkFolder()), QSet<QString>{kept});
 }
 
-namespace {
-
-// Answers the next message box by a key, as soon as it shows, keeping what it said.
-class KeyAnswer : public QObject
-{
-public:
-    explicit KeyAnswer(Qt::Key key) : m_key(key) { qApp->installEventFilter(this); }
-    QString said;
-    bool answered = false;
-
-protected:
-    bool eventFilter(QObject *watched, QEvent *event) override
-    {
-        auto *box = qobject_cast<QMessageBox *>(watched);
-        if (box && event->type() == QEvent::Show && !answered) {
-            said = box->text() + u'\n' + box->informativeText();
-            QTimer::singleShot(0, box, [this, box] {
-                QTest::keyClick(box, m_key);
-                answered = true;
-            });
-        }
-        return false;
-    }
-
-private:
-    Qt::Key m_key;
-};
-
-} // namespace
 
 // Space on a face whose PostScript name an active file of another path has: the window
-// asks first. Escape keeps things as they were; Return (Replace) switches the other off.
+// asks first. Escape keeps things as they were; Replace switches the other off.
 TEST_F(FontList, ActivatingANamesakeOfAnActiveFontAsksFirst)
 {
     const QString sans = library + u"/DejaVu/DejaVuSans.ttf"_s, impostor = library + u"/Odd/Impostor.ttf"_s;
@@ -728,16 +699,16 @@ TEST_F(FontList, ActivatingANamesakeOfAnActiveFontAsksFirst)
     tree->setFocus();
     tree->setCurrentIndex(row);
     {
-        KeyAnswer cancel(Qt::Key_Escape);
+        const std::shared_ptr<QString> cancel = answerNextQuestion(QString()); // Escape
         QTest::keyClick(tree, Qt::Key_Space);
-        ASSERT_TRUE(QTest::qWaitFor([&] { return cancel.answered && !store().isProcessing(); }));
-        EXPECT_TRUE(cancel.said.startsWith(u"\u201cDejaVuSans\u201d is already active from another file."_s))
-            << cancel.said.toStdString();
-        EXPECT_TRUE(cancel.said.contains(sans)) << cancel.said.toStdString();
+        ASSERT_TRUE(QTest::qWaitFor([&] { return !cancel->isEmpty() && !store().isProcessing(); }));
+        EXPECT_TRUE(cancel->startsWith(u"\u201cDejaVuSans\u201d is already active from another file."_s))
+            << cancel->toStdString();
+        EXPECT_TRUE(cancel->contains(sans)) << cancel->toStdString();
         EXPECT_EQ(store().activatedFonts(), QSet<QString>{sans});
     }
-    KeyAnswer replace(Qt::Key_Return);
+    const std::shared_ptr<QString> replace = answerNextQuestion(u"Replace"_s);
     QTest::keyClick(tree, Qt::Key_Space);
-    ASSERT_TRUE(QTest::qWaitFor([&] { return replace.answered && store().activatedFonts() == QSet<QString>{impostor}; }));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !replace->isEmpty() && store().activatedFonts() == QSet<QString>{impostor}; }));
     EXPECT_TRUE(QTest::qWaitFor([&] { return !store().isProcessing(); }));
 }
